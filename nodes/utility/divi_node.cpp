@@ -1,0 +1,1 @@
+// Quillix_divi binding: written with the offline SDK.
