@@ -1,0 +1,112 @@
+#include "commands/object_features.h"
+
+#include <cassert>
+#include <cmath>
+
+namespace quillix {
+namespace {
+
+Vector3d Cross(const Vector3d& a, const Vector3d& b) {
+  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+double TriangleArea(const Vector3d& a, const Vector3d& b, const Vector3d& c) {
+  const Vector3d ab{b.x - a.x, b.y - a.y, b.z - a.z};
+  const Vector3d ac{c.x - a.x, c.y - a.y, c.z - a.z};
+  const Vector3d n = Cross(ab, ac);
+  return 0.5 * std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
+}
+
+// Running sum of vectors, divided once at the end.
+struct VectorMean {
+  Vector3d sum;
+  std::size_t count = 0;
+  void Add(const Vector3d& v) {
+    sum.x += v.x;
+    sum.y += v.y;
+    sum.z += v.z;
+    ++count;
+  }
+  Vector3d Value() const {
+    if (count == 0) return {};
+    const double n = double(count);
+    return {sum.x / n, sum.y / n, sum.z / n};
+  }
+};
+
+}  // namespace
+
+Vector3d TransformDirection(const Vector3d& direction, const TransformParts& transform) {
+  const Vector3d s{direction.x * transform.scaling.x, direction.y * transform.scaling.y,
+                   direction.z * transform.scaling.z};
+  const auto& r = transform.rotation.m;
+  return {s.x * r[0][0] + s.y * r[1][0] + s.z * r[2][0],
+          s.x * r[0][1] + s.y * r[1][1] + s.z * r[2][1],
+          s.x * r[0][2] + s.y * r[1][2] + s.z * r[2][2]};
+}
+
+Vector3d TransformPoint(const Vector3d& point, const TransformParts& transform) {
+  const Vector3d v = TransformDirection(point, transform);
+  return {v.x + transform.translation.x, v.y + transform.translation.y,
+          v.z + transform.translation.z};
+}
+
+double TriangleSurfaceArea(std::span<const Vector3d> corners) {
+  assert(corners.size() % 3 == 0);
+  double area = 0.0;
+  for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
+    area += TriangleArea(corners[i], corners[i + 1], corners[i + 2]);
+  }
+  return area;
+}
+
+double TransformedSurfaceArea(std::span<const Vector3d> corners,
+                              const TransformParts& transform) {
+  assert(corners.size() % 3 == 0);
+  double area = 0.0;
+  for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
+    area += TriangleArea(TransformPoint(corners[i], transform),
+                         TransformPoint(corners[i + 1], transform),
+                         TransformPoint(corners[i + 2], transform));
+  }
+  return area;
+}
+
+Vector3d Average(std::span<const Vector3d> values) {
+  VectorMean mean;
+  for (const Vector3d& v : values) mean.Add(v);
+  return mean.Value();
+}
+
+Vector3d TransformedPointAverage(std::span<const Vector3d> points,
+                                 const TransformParts& transform) {
+  VectorMean mean;
+  for (const Vector3d& p : points) mean.Add(TransformPoint(p, transform));
+  return mean.Value();
+}
+
+Vector3d TransformedDirectionAverage(std::span<const Vector3d> directions,
+                                     const TransformParts& transform) {
+  VectorMean mean;
+  for (const Vector3d& d : directions) mean.Add(TransformDirection(d, transform));
+  return mean.Value();
+}
+
+FeatureNeeds NeededFeatures(const MatchWeights& weights) {
+  const auto on = [&](MatchTerm term) { return weights[term] > 0.0f; };
+  FeatureNeeds needs;
+  needs.boundingBox = on(kTermBoundingBox);
+  needs.boundingSphere = on(kTermBoundingSphere);
+  needs.localArea = on(kTermLocalSurfArea);
+  needs.globalArea = on(kTermGlobalSurfArea);
+  needs.vertexCenter = on(kTermGlobalVertexCenter);
+  needs.localNormals = on(kTermLocalSurfNormalAverage);
+  needs.globalNormals = on(kTermGlobalSurfNormalAverage);
+  needs.triangles = needs.localArea || needs.globalArea || needs.vertexCenter;
+  needs.localTransform = on(kTermLocalPos) || on(kTermLocalRot) || on(kTermLocalScl);
+  needs.globalTransform = on(kTermGlobalPos) || on(kTermGlobalRot) || on(kTermGlobalScl) ||
+                          needs.globalArea || needs.vertexCenter || needs.globalNormals;
+  return needs;
+}
+
+}  // namespace quillix

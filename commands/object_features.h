@@ -1,0 +1,56 @@
+// Geometry maths behind the features that object matching compares: surface areas, the
+// vertex centre and normal averages of a triangulated surface, and transforms given as
+// scaling, rotation and translation.
+#pragma once
+
+#include <span>
+
+#include "commands/match_scoring.h"
+
+namespace quillix {
+
+// `point` mapped by `transform`: ((point scaled per axis) × rotation) + translation, in
+// the row-vector convention.
+Vector3d TransformPoint(const Vector3d& point, const TransformParts& transform);
+
+// `direction` mapped by the linear part of `transform` (scaling and rotation, no
+// translation).
+Vector3d TransformDirection(const Vector3d& direction, const TransformParts& transform);
+
+// Sum over the triangles of half the length of the cross product of two edges.
+// `corners` holds three positions per triangle; its size must be a multiple of 3. No
+// triangles give 0.
+double TriangleSurfaceArea(std::span<const Vector3d> corners);
+
+// Same as TriangleSurfaceArea over the corners mapped by `transform`.
+double TransformedSurfaceArea(std::span<const Vector3d> corners, const TransformParts& transform);
+
+// Arithmetic mean of `values`; the zero vector when `values` is empty.
+Vector3d Average(std::span<const Vector3d> values);
+
+// Mean of `points` mapped by `transform` (TransformPoint); the zero vector when empty.
+Vector3d TransformedPointAverage(std::span<const Vector3d> points, const TransformParts& transform);
+
+// Mean of `directions` mapped by `transform` (TransformDirection); the zero vector when
+// empty.
+Vector3d TransformedDirectionAverage(std::span<const Vector3d> directions,
+                                     const TransformParts& transform);
+
+// Which features a weight set asks for, so that nothing unweighted is read from the host.
+struct FeatureNeeds {
+  bool triangles = false;      // triangle corners (areas, vertex centre)
+  bool boundingBox = false;
+  bool boundingSphere = false;
+  bool localArea = false;
+  bool globalArea = false;
+  bool vertexCenter = false;
+  bool localNormals = false;
+  bool globalNormals = false;
+  bool localTransform = false;
+  bool globalTransform = false;  // also needed for the global area, centre and normals
+};
+
+// Features needed for the positive weights of `weights`.
+FeatureNeeds NeededFeatures(const MatchWeights& weights);
+
+}  // namespace quillix

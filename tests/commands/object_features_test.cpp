@@ -1,0 +1,99 @@
+#include "commands/object_features.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+namespace quillix {
+namespace {
+
+// Unit cube [0,1]³ as twelve triangles.
+std::vector<Vector3d> UnitCubeCorners() {
+  const Vector3d p[8] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0},
+                         {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
+  const int quads[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
+                           {2, 3, 7, 6}, {1, 2, 6, 5}, {0, 4, 7, 3}};
+  std::vector<Vector3d> corners;
+  for (const auto& q : quads) {
+    for (int i : {q[0], q[1], q[2], q[0], q[2], q[3]}) corners.push_back(p[i]);
+  }
+  return corners;
+}
+
+TransformParts SampleTransform() {
+  TransformParts t;
+  t.scaling = {2.0, 3.0, 0.5};
+  const double a = std::numbers::pi / 2.0;  // 90° about z: x goes to y, y to -x
+  t.rotation.m[0][0] = std::cos(a);
+  t.rotation.m[0][1] = std::sin(a);
+  t.rotation.m[1][0] = -std::sin(a);
+  t.rotation.m[1][1] = std::cos(a);
+  t.translation = {10.0, 20.0, 30.0};
+  return t;
+}
+
+void ExpectNear(const Vector3d& actual, const Vector3d& expected) {
+  EXPECT_NEAR(actual.x, expected.x, 1e-12);
+  EXPECT_NEAR(actual.y, expected.y, 1e-12);
+  EXPECT_NEAR(actual.z, expected.z, 1e-12);
+}
+
+TEST(Transform, ScalesThenRotatesByRowsThenTranslates) {
+  const TransformParts t = SampleTransform();
+  ExpectNear(TransformPoint({1.0, 0.0, 0.0}, t), {10.0, 22.0, 30.0});
+  ExpectNear(TransformPoint({0.0, 1.0, 2.0}, t), {7.0, 20.0, 31.0});
+  ExpectNear(TransformDirection({0.0, 1.0, 2.0}, t), {-3.0, 0.0, 1.0});
+}
+
+TEST(SurfaceArea, SumsTrianglesAndFollowsTheTransformScale) {
+  const std::vector<Vector3d> cube = UnitCubeCorners();
+  EXPECT_NEAR(TriangleSurfaceArea(cube), 6.0, 1e-12);
+  // Faces 2×3, 2×0.5 and 3×0.5, twice each; rotation and translation change nothing.
+  EXPECT_NEAR(TransformedSurfaceArea(cube, SampleTransform()), 2.0 * (6.0 + 1.0 + 1.5), 1e-12);
+  EXPECT_EQ(TriangleSurfaceArea({}), 0.0);
+  const std::vector<Vector3d> degenerate = {{1, 1, 1}, {2, 2, 2}, {3, 3, 3}};
+  EXPECT_EQ(TriangleSurfaceArea(degenerate), 0.0);
+}
+
+TEST(Averages, MeanOfPointsAndDirectionsWithZeroForNoValues) {
+  const std::vector<Vector3d> cube = UnitCubeCorners();
+  ExpectNear(Average(cube), {0.5, 0.5, 0.5});
+  // The centre maps like a point, the mean direction ignores the translation.
+  ExpectNear(TransformedPointAverage(cube, SampleTransform()), {10.0 - 1.5, 21.0, 30.25});
+  const std::vector<Vector3d> normals = {{0, 0, 1}, {0, 1, 0}};
+  ExpectNear(TransformedDirectionAverage(normals, SampleTransform()), {-1.5, 0.0, 0.25});
+  ExpectNear(Average({}), {0.0, 0.0, 0.0});
+  ExpectNear(TransformedPointAverage({}, SampleTransform()), {0.0, 0.0, 0.0});
+}
+
+TEST(NeededFeatures, OnlyPositiveWeightsAskForTheirFeatures) {
+  MatchWeights weights{};
+  FeatureNeeds none = NeededFeatures(weights);
+  EXPECT_FALSE(none.triangles || none.boundingBox || none.boundingSphere || none.localNormals ||
+               none.globalNormals || none.localTransform || none.globalTransform);
+
+  weights[kTermGlobalSurfNormalAverage] = 0.5f;
+  const FeatureNeeds normals = NeededFeatures(weights);
+  EXPECT_TRUE(normals.globalNormals);
+  EXPECT_TRUE(normals.globalTransform);
+  EXPECT_FALSE(normals.triangles);
+  EXPECT_FALSE(normals.localNormals);
+
+  weights = {};
+  weights[kTermGlobalVertexCenter] = 0.125f;
+  const FeatureNeeds centre = NeededFeatures(weights);
+  EXPECT_TRUE(centre.triangles && centre.vertexCenter && centre.globalTransform);
+  EXPECT_FALSE(centre.localArea || centre.localTransform);
+
+  weights = {};
+  weights[kTermLocalRot] = 1.0f;
+  weights[kTermBoundingSphere] = -1.0f;
+  const FeatureNeeds rotation = NeededFeatures(weights);
+  EXPECT_TRUE(rotation.localTransform);
+  EXPECT_FALSE(rotation.globalTransform || rotation.boundingSphere);
+}
+
+}  // namespace
+}  // namespace quillix
