@@ -1,0 +1,31 @@
+// What an ICENodeContext refers to during one callback: the instance, the resolved inputs,
+// the evaluated output and the batch.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include <xsihost/evaluation.h>
+#include <xsihost/port_values.h>
+
+namespace XSI::host_detail {
+
+struct EvalFrame {
+  xsihost::NodeInstance* instance = nullptr;
+  const std::map<std::pair<ULONG, ULONG>, xsihost::ResolvedInput>* inputs = nullptr;
+  const std::map<ULONG, xsihost::ResolvedInput>* outputs = nullptr;  // resolved output info
+  xsihost::PortValues* output = nullptr;  // buffer of the evaluated port; null in Begin/End
+  ULONG outputPort = 0;
+  const std::vector<ULONG>* indices = nullptr;
+  ULONG elements = 0;
+  ULONG groupInstances = 1;
+  double time = 1.0;
+  std::vector<std::unique_ptr<xsihost::PortValues>> copies;  // private input copies
+
+  const xsihost::ResolvedInput* findInput(ULONG port, ULONG instance) const;
+};
+
+}  // namespace XSI::host_detail

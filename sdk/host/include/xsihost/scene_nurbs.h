@@ -1,0 +1,75 @@
+// Rational NURBS curves of the offline host: validation, evaluation with derivatives, and
+// arc length.
+//
+// A curve of degree p has n control points (x, y, z, w) with positive weights and n + p + 1
+// non-decreasing knots; its parameter runs over [knots[p], knots[n]]. Evaluation runs de Boor's
+// algorithm on the homogeneous points (w·x, w·y, w·z, w) and on their first and second
+// hodographs, then divides out the weight with the quotient rule.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace xsihost {
+
+using Vec3d = std::array<double, 3>;
+
+struct NurbsCurveData {
+  int degree = 3;
+  std::vector<std::array<double, 4>> points;  // x, y, z, weight
+  std::vector<double> knots;                  // points.size() + degree + 1 values
+  bool closed = false;
+};
+
+/// Why `curve` cannot be evaluated, or an empty string when it can. Checks the degree, the
+/// point and knot counts, finite non-decreasing knots, a non-empty parameter range, interior
+/// knot multiplicities of at most the degree, and finite positive weights.
+std::string ValidateNurbsCurve(const NurbsCurveData& curve);
+
+/// Position and frame at one parameter, in the curve's own space.
+struct CurveSample {
+  Vec3d position{};
+  Vec3d tangent{};   // dC/du with respect to the curve's own parameter (not normalised)
+  Vec3d normal{};    // unit principal normal, towards the centre of curvature
+  Vec3d binormal{};  // unit tangent × normal
+};
+
+/// Evaluator over one valid curve (check with ValidateNurbsCurve first). Builds the arc-length
+/// table of its knot spans at construction; every query is then const and thread-safe.
+class NurbsCurveEvaluator {
+ public:
+  explicit NurbsCurveEvaluator(NurbsCurveData curve);
+
+  const NurbsCurveData& data() const { return m_curve; }
+  double minParameter() const { return m_min; }
+  double maxParameter() const { return m_max; }
+  double length() const { return m_cumulative.empty() ? 0.0 : m_cumulative.back(); }
+
+  /// Sample at the curve parameter `u`, clamped to the parameter range.
+  CurveSample evaluate(double u) const;
+  /// Position and its first two derivatives at `u` (clamped).
+  void derivatives(double u, Vec3d& position, Vec3d& first, Vec3d& second) const;
+
+  /// Curve parameter of the normalised parameter `t` in [0, 1] (clamped): a linear map of
+  /// the parameter range.
+  double parameterFromNormalized(double t) const;
+  /// Curve parameter at `percent` per cent (clamped to [0, 100]) of the arc length from the
+  /// start; accurate to far better than 1e-6 of the length.
+  double parameterFromPercentage(double percent) const;
+  /// Arc length from the start of the curve to the parameter `u` (clamped).
+  double lengthTo(double u) const;
+
+ private:
+  double spanLength(double a, double b) const;
+  double speed(double u) const;
+
+  NurbsCurveData m_curve;
+  double m_min = 0.0;
+  double m_max = 0.0;
+  double m_tolerance = 0.0;          // absolute tolerance of the length integrals
+  std::vector<double> m_spanStarts;  // start parameter of each non-empty knot span, and the end
+  std::vector<double> m_cumulative;  // arc length from the start to each entry of m_spanStarts
+};
+
+}  // namespace xsihost

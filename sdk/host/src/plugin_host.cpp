@@ -1,0 +1,72 @@
+#include <xsihost/plugin_host.h>
+
+#include <dlfcn.h>
+
+#include <filesystem>
+
+#include <xsi_pluginregistrar.h>
+#include <xsi_status.h>
+
+namespace xsihost {
+
+namespace {
+using LoadFunction = XSI::CStatus (*)(XSI::PluginRegistrar&);
+using UnloadFunction = XSI::CStatus (*)(const XSI::PluginRegistrar&);
+}  // namespace
+
+std::unique_ptr<LoadedPlugin> LoadedPlugin::load(const std::string& path, std::string& error) {
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(path, ec)) {
+    error = path + ": no such plug-in file";
+    return nullptr;
+  }
+  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr) {
+    const char* reason = dlerror();
+    error = path + ": cannot load plug-in: " + (reason ? reason : "unknown reason");
+    return nullptr;
+  }
+  auto load = reinterpret_cast<LoadFunction>(dlsym(handle, "XSILoadPlugin"));
+  if (load == nullptr) {
+    dlclose(handle);
+    error = path + ": not a plug-in (no exported XSILoadPlugin)";
+    return nullptr;
+  }
+  std::unique_ptr<LoadedPlugin> plugin(new LoadedPlugin());
+  plugin->m_handle = handle;
+  plugin->m_path = path;
+  plugin->m_record = std::make_unique<XSI::host_detail::PluginRecord>();
+  XSI::PluginRegistrar registrar(plugin->m_record.get());
+  const XSI::CStatus status = load(registrar);
+  if (!status.Succeeded()) {
+    plugin->unload();
+    error = path + ": XSILoadPlugin failed";
+    return nullptr;
+  }
+  return plugin;
+}
+
+LoadedPlugin::~LoadedPlugin() { unload(); }
+
+void LoadedPlugin::unload() {
+  if (m_handle == nullptr) return;
+  if (auto unloadFn = reinterpret_cast<UnloadFunction>(dlsym(m_handle, "XSIUnloadPlugin"))) {
+    XSI::PluginRegistrar registrar(m_record.get());
+    unloadFn(registrar);
+  }
+  dlclose(m_handle);
+  m_handle = nullptr;
+}
+
+void* LoadedPlugin::symbol(const std::string& name) const {
+  return m_handle ? dlsym(m_handle, name.c_str()) : nullptr;
+}
+
+std::string defaultPluginPath(const std::string& executable) {
+  std::error_code ec;
+  std::filesystem::path exe = std::filesystem::canonical("/proc/self/exe", ec);
+  if (ec) exe = std::filesystem::absolute(executable, ec);
+  return (exe.parent_path() / "libQuillix.so").string();
+}
+
+}  // namespace xsihost

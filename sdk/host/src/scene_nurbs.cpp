@@ -1,0 +1,328 @@
+// Rational NURBS evaluation and arc length for the offline host's curve lists.
+#include "xsihost/scene_nurbs.h"
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+#include <utility>
+
+namespace xsihost {
+namespace {
+
+using Vec4d = std::array<double, 4>;
+
+Vec3d sub(const Vec3d& a, const Vec3d& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
+Vec3d scale(double s, const Vec3d& a) { return {s * a[0], s * a[1], s * a[2]}; }
+double dot(const Vec3d& a, const Vec3d& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+double norm(const Vec3d& a) { return std::sqrt(dot(a, a)); }
+Vec3d cross(const Vec3d& a, const Vec3d& b) {
+  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+Vec3d unit(const Vec3d& a) {
+  const double n = norm(a);
+  return n > 0.0 ? scale(1.0 / n, a) : Vec3d{0.0, 0.0, 0.0};
+}
+
+// De Boor's algorithm for degree q on the local points d[0..q], which stand for control points
+// k − q .. k of a curve whose knots are t[offset + i]. Overwrites d.
+Vec4d deBoor(std::vector<Vec4d>& d, int q, int k, int offset, const std::vector<double>& t,
+             double u) {
+  for (int r = 1; r <= q; ++r) {
+    for (int j = q; j >= r; --j) {
+      const int i = k - q + j;
+      const double lo = t[static_cast<size_t>(offset + i)];
+      const double hi = t[static_cast<size_t>(offset + i + q + 1 - r)];
+      const double alpha = (u - lo) / (hi - lo);
+      for (int c = 0; c < 4; ++c) d[j][c] = (1.0 - alpha) * d[j - 1][c] + alpha * d[j][c];
+    }
+  }
+  return d[static_cast<size_t>(q)];
+}
+
+// Gauss–Kronrod 7/15 nodes and weights on [−1, 1] (positive half; the last node is 0).
+constexpr double kKronrodNodes[8] = {
+    0.991455371120812639206854697526329, 0.949107912342758524526189684047851,
+    0.864864423359769072789712788640926, 0.741531185599394439863864773280788,
+    0.586087235467691130294144845693013, 0.405845151377397166906606412076961,
+    0.207784955007898467600689403773245, 0.0};
+constexpr double kKronrodWeights[8] = {
+    0.022935322010529224963732008058970, 0.063092092629978553290700663189204,
+    0.104790010322250183839876322541518, 0.140653259715525918745189590510238,
+    0.169004726639267902826583426598550, 0.190350578064785409913256402421014,
+    0.204432940075298892414161999234649, 0.209482141084727828012999174891714};
+// Gauss weights of the 7-point rule, on the odd Kronrod nodes 1, 3, 5 and 7.
+constexpr double kGaussWeights[4] = {
+    0.129484966168869693270611432679082, 0.279705391489276667901467771423780,
+    0.381830050505118944950369775488975, 0.417959183673469387755102040816327};
+
+template <typename F>
+std::pair<double, double> kronrod15(const F& f, double a, double b) {
+  const double half = 0.5 * (b - a), mid = 0.5 * (a + b);
+  const double center = f(mid);
+  double kronrod = kKronrodWeights[7] * center;
+  double gauss = kGaussWeights[3] * center;
+  for (int i = 0; i < 7; ++i) {
+    const double x = half * kKronrodNodes[i];
+    const double sum = f(mid - x) + f(mid + x);
+    kronrod += kKronrodWeights[i] * sum;
+    if (i % 2 == 1) gauss += kGaussWeights[i / 2] * sum;
+  }
+  return {kronrod * half, std::fabs((kronrod - gauss) * half)};
+}
+
+// Adaptive Gauss–Kronrod over [a, b] to the absolute tolerance `tolerance`, bisecting with an
+// explicit stack. Intervals too small to split further are accepted as they are.
+template <typename F>
+double integrate(const F& f, double a, double b, double tolerance) {
+  if (!(b > a)) return 0.0;
+  struct Interval {
+    double a, b, tolerance;
+  };
+  std::vector<Interval> stack{{a, b, tolerance}};
+  double total = 0.0;
+  while (!stack.empty()) {
+    const Interval iv = stack.back();
+    stack.pop_back();
+    const auto [value, error] = kronrod15(f, iv.a, iv.b);
+    const double mid = 0.5 * (iv.a + iv.b);
+    const bool tooSmall = !(mid > iv.a && mid < iv.b) || (iv.b - iv.a) <= 1e-14 * (b - a);
+    if (error <= iv.tolerance || tooSmall) {
+      total += value;
+    } else {
+      stack.push_back({iv.a, mid, 0.5 * iv.tolerance});
+      stack.push_back({mid, iv.b, 0.5 * iv.tolerance});
+    }
+  }
+  return total;
+}
+
+}  // namespace
+
+std::string ValidateNurbsCurve(const NurbsCurveData& curve) {
+  std::ostringstream out;
+  const int p = curve.degree;
+  const size_t n = curve.points.size();
+  if (p < 1) {
+    out << "degree " << p << " is below 1";
+    return out.str();
+  }
+  if (n < static_cast<size_t>(p) + 1) {
+    out << "a curve of degree " << p << " needs at least " << p + 1 << " control points, not "
+        << n;
+    return out.str();
+  }
+  for (size_t i = 0; i < n; ++i) {
+    const auto& cp = curve.points[i];
+    for (double c : cp) {
+      if (!std::isfinite(c)) {
+        out << "control point " << i << " is not finite";
+        return out.str();
+      }
+    }
+    if (!(cp[3] > 0.0)) {
+      out << "control point " << i << " has weight " << cp[3] << "; weights must be positive";
+      return out.str();
+    }
+  }
+  const size_t expected = n + static_cast<size_t>(p) + 1;
+  if (curve.knots.size() != expected) {
+    out << "inconsistent knots: " << n << " control points of degree " << p << " need "
+        << expected << " knots, not " << curve.knots.size();
+    return out.str();
+  }
+  for (size_t i = 0; i < expected; ++i) {
+    if (!std::isfinite(curve.knots[i])) {
+      out << "inconsistent knots: knot " << i << " is not finite";
+      return out.str();
+    }
+    if (i > 0 && curve.knots[i] < curve.knots[i - 1]) {
+      out << "inconsistent knots: knot " << i << " (" << curve.knots[i]
+          << ") is smaller than the knot before it (" << curve.knots[i - 1] << ")";
+      return out.str();
+    }
+  }
+  if (!(curve.knots[n] > curve.knots[static_cast<size_t>(p)])) {
+    out << "inconsistent knots: the parameter range [knot " << p << ", knot " << n
+        << "] is empty";
+    return out.str();
+  }
+  // A knot repeated more than p times inside the range would break the curve in two.
+  for (size_t i = static_cast<size_t>(p) + 1; i < n;) {
+    size_t j = i;
+    while (j < n && curve.knots[j] == curve.knots[i]) ++j;
+    if (j - i > static_cast<size_t>(p)) {
+      out << "inconsistent knots: interior knot " << curve.knots[i] << " is repeated "
+          << j - i << " times, more than the degree " << p;
+      return out.str();
+    }
+    i = j;
+  }
+  return {};
+}
+
+NurbsCurveEvaluator::NurbsCurveEvaluator(NurbsCurveData curve) : m_curve(std::move(curve)) {
+  const int p = m_curve.degree;
+  const int n = static_cast<int>(m_curve.points.size());
+  const auto& t = m_curve.knots;
+  m_min = t[static_cast<size_t>(p)];
+  m_max = t[static_cast<size_t>(n)];
+  for (int k = p; k < n; ++k) {
+    if (t[static_cast<size_t>(k + 1)] > t[static_cast<size_t>(k)])
+      m_spanStarts.push_back(t[static_cast<size_t>(k)]);
+  }
+  m_spanStarts.push_back(m_max);
+  // A first pass of one Kronrod rule per span sizes the tolerance; the table then holds each
+  // span's length to about 1e-13 of the whole.
+  double rough = 0.0;
+  for (size_t j = 0; j + 1 < m_spanStarts.size(); ++j)
+    rough += kronrod15([this](double u) { return speed(u); }, m_spanStarts[j], m_spanStarts[j + 1])
+                 .first;
+  m_tolerance = std::max(rough, 1e-300) * 1e-13;
+  m_cumulative.assign(m_spanStarts.size(), 0.0);
+  for (size_t j = 0; j + 1 < m_spanStarts.size(); ++j)
+    m_cumulative[j + 1] = m_cumulative[j] + spanLength(m_spanStarts[j], m_spanStarts[j + 1]);
+}
+
+void NurbsCurveEvaluator::derivatives(double u, Vec3d& position, Vec3d& first,
+                                      Vec3d& second) const {
+  const int p = m_curve.degree;
+  const int n = static_cast<int>(m_curve.points.size());
+  const auto& t = m_curve.knots;
+  u = std::clamp(u, m_min, m_max);
+  // Span k with t[k] <= u < t[k+1]; the end of the range belongs to the last non-empty span.
+  int k;
+  if (u >= m_max) {
+    k = n - 1;
+    while (k > p && !(t[static_cast<size_t>(k + 1)] > t[static_cast<size_t>(k)])) --k;
+  } else {
+    const auto it = std::upper_bound(t.begin() + p, t.begin() + n + 1, u);
+    k = static_cast<int>(it - t.begin()) - 1;
+  }
+
+  // Homogeneous local points and their first and second hodographs.
+  std::vector<Vec4d> h(static_cast<size_t>(p) + 1);
+  for (int j = 0; j <= p; ++j) {
+    const auto& cp = m_curve.points[static_cast<size_t>(k - p + j)];
+    h[static_cast<size_t>(j)] = {cp[0] * cp[3], cp[1] * cp[3], cp[2] * cp[3], cp[3]};
+  }
+  std::vector<Vec4d> d1(static_cast<size_t>(p));
+  for (int j = 0; j < p; ++j) {
+    const int i = k - p + j;
+    const double f = p / (t[static_cast<size_t>(i + p + 1)] - t[static_cast<size_t>(i + 1)]);
+    for (int c = 0; c < 4; ++c)
+      d1[static_cast<size_t>(j)][c] = f * (h[static_cast<size_t>(j + 1)][c] - h[static_cast<size_t>(j)][c]);
+  }
+  std::vector<Vec4d> d2(p >= 2 ? static_cast<size_t>(p) - 1 : 0);
+  for (int j = 0; j + 1 < p; ++j) {
+    const int i = k - p + j;
+    const double f = (p - 1) / (t[static_cast<size_t>(i + p + 1)] - t[static_cast<size_t>(i + 2)]);
+    for (int c = 0; c < 4; ++c)
+      d2[static_cast<size_t>(j)][c] =
+          f * (d1[static_cast<size_t>(j + 1)][c] - d1[static_cast<size_t>(j)][c]);
+  }
+
+  const Vec4d a0 = deBoor(h, p, k, 0, t, u);
+  const Vec4d a1 = deBoor(d1, p - 1, k - 1, 1, t, u);
+  const Vec4d a2 = p >= 2 ? deBoor(d2, p - 2, k - 2, 2, t, u) : Vec4d{0.0, 0.0, 0.0, 0.0};
+
+  // C = A / w; C' = (A' − w'C) / w; C'' = (A'' − 2w'C' − w''C) / w.
+  const double w = a0[3], w1 = a1[3], w2 = a2[3];
+  for (int c = 0; c < 3; ++c) {
+    position[c] = a0[c] / w;
+    first[c] = (a1[c] - w1 * position[c]) / w;
+    second[c] = (a2[c] - 2.0 * w1 * first[c] - w2 * position[c]) / w;
+  }
+}
+
+double NurbsCurveEvaluator::speed(double u) const {
+  Vec3d position, first, second;
+  derivatives(u, position, first, second);
+  return norm(first);
+}
+
+CurveSample NurbsCurveEvaluator::evaluate(double u) const {
+  CurveSample s;
+  Vec3d second;
+  derivatives(u, s.position, s.tangent, second);
+
+  // Unit tangent; at a cusp (zero first derivative) the second derivative gives the direction.
+  Vec3d direction = unit(s.tangent);
+  if (norm(direction) == 0.0) direction = unit(second);
+  if (norm(direction) == 0.0) return s;  // degenerate point: zero frame
+
+  // Principal normal: the part of C'' across the tangent. Where the curve is straight (no
+  // measurable curvature over its own length) any perpendicular serves; take the world axis
+  // least aligned with the tangent, projected across it, so that the choice is stable.
+  const Vec3d across = sub(second, scale(dot(second, direction), direction));
+  const double acrossLength = norm(across);
+  const double speedSquared = dot(s.tangent, s.tangent);
+  const double extent = std::max(length(), 1e-300);
+  const bool straight = acrossLength <= 1e-12 * norm(second) ||
+                        acrossLength * extent <= 1e-10 * speedSquared;
+  Vec3d normal;
+  if (!straight) {
+    normal = scale(1.0 / acrossLength, across);
+  } else {
+    int axis = 0;
+    for (int c = 1; c < 3; ++c)
+      if (std::fabs(direction[c]) < std::fabs(direction[axis])) axis = c;
+    Vec3d e{0.0, 0.0, 0.0};
+    e[axis] = 1.0;
+    normal = unit(sub(e, scale(dot(e, direction), direction)));
+  }
+  s.normal = normal;
+  s.binormal = unit(cross(direction, normal));
+  return s;
+}
+
+double NurbsCurveEvaluator::parameterFromNormalized(double t) const {
+  t = std::clamp(t, 0.0, 1.0);
+  return m_min + t * (m_max - m_min);
+}
+
+double NurbsCurveEvaluator::spanLength(double a, double b) const {
+  return integrate([this](double u) { return speed(u); }, a, b, m_tolerance);
+}
+
+double NurbsCurveEvaluator::lengthTo(double u) const {
+  u = std::clamp(u, m_min, m_max);
+  if (u >= m_max) return length();
+  const auto it = std::upper_bound(m_spanStarts.begin(), m_spanStarts.end(), u);
+  const size_t j = static_cast<size_t>(it - m_spanStarts.begin()) - 1;
+  return m_cumulative[j] + spanLength(m_spanStarts[j], u);
+}
+
+double NurbsCurveEvaluator::parameterFromPercentage(double percent) const {
+  const double total = length();
+  if (!(percent > 0.0) || !(total > 0.0)) return m_min;
+  if (percent >= 100.0) return m_max;
+  const double target = percent / 100.0 * total;
+  // The span holding the target length, then Newton's method on s(u) − target inside it, kept
+  // in a shrinking bracket so that a step leaving it falls back to bisection.
+  const auto it = std::upper_bound(m_cumulative.begin(), m_cumulative.end(), target);
+  size_t j = static_cast<size_t>(it - m_cumulative.begin());
+  j = j == 0 ? 0 : j - 1;
+  if (j + 1 >= m_spanStarts.size()) return m_max;
+  const double start = m_spanStarts[j];
+  double lo = start, hi = m_spanStarts[j + 1];
+  const double wanted = target - m_cumulative[j];
+  const double spanTotal = m_cumulative[j + 1] - m_cumulative[j];
+  double u = lo + (hi - lo) * (spanTotal > 0.0 ? wanted / spanTotal : 0.5);
+  for (int iteration = 0; iteration < 100; ++iteration) {
+    const double f = spanLength(start, u) - wanted;
+    if (std::fabs(f) <= 1e-13 * total) break;
+    if (f > 0.0) {
+      hi = u;
+    } else {
+      lo = u;
+    }
+    const double v = speed(u);
+    double next = v > 0.0 ? u - f / v : 0.5 * (lo + hi);
+    if (!(next > lo && next < hi)) next = 0.5 * (lo + hi);
+    if (next == u) break;
+    u = next;
+  }
+  return u;
+}
+
+}  // namespace xsihost

@@ -1,0 +1,135 @@
+// Typed one-dimensional ICE data arrays: one value per element.
+//
+//   CDataArrayLong value(context, kValuePort);   // input, possibly constant
+//   CDataArrayLong result(context);              // output of the evaluated port
+//   result[i] = value[i];                        // a constant input reads its one value
+#pragma once
+
+#include <cassert>
+
+#include <xsi_decl.h>
+#include <xsi_icenodecontext.h>
+#include <xsi_mathf.h>
+#include <xsi_string.h>
+
+namespace XSI {
+
+// The data type bit of each element type.
+template <class T>
+struct CDataTypeOf;
+template <> struct CDataTypeOf<bool> { static constexpr siICENodeDataType value = siICENodeDataBool; };
+template <> struct CDataTypeOf<LONG> { static constexpr siICENodeDataType value = siICENodeDataLong; };
+template <> struct CDataTypeOf<float> { static constexpr siICENodeDataType value = siICENodeDataFloat; };
+template <> struct CDataTypeOf<MATH::CVector2f> { static constexpr siICENodeDataType value = siICENodeDataVector2; };
+template <> struct CDataTypeOf<MATH::CVector3f> { static constexpr siICENodeDataType value = siICENodeDataVector3; };
+template <> struct CDataTypeOf<MATH::CVector4f> { static constexpr siICENodeDataType value = siICENodeDataVector4; };
+template <> struct CDataTypeOf<MATH::CQuaternionf> { static constexpr siICENodeDataType value = siICENodeDataQuaternion; };
+template <> struct CDataTypeOf<MATH::CMatrix3f> { static constexpr siICENodeDataType value = siICENodeDataMatrix33; };
+template <> struct CDataTypeOf<MATH::CMatrix4f> { static constexpr siICENodeDataType value = siICENodeDataMatrix44; };
+template <> struct CDataTypeOf<MATH::CColor4f> { static constexpr siICENodeDataType value = siICENodeDataColor4; };
+template <> struct CDataTypeOf<MATH::CRotationf> { static constexpr siICENodeDataType value = siICENodeDataRotation; };
+template <> struct CDataTypeOf<CShape> { static constexpr siICENodeDataType value = siICENodeDataShape; };
+template <> struct CDataTypeOf<CString> { static constexpr siICENodeDataType value = siICENodeDataString; };
+
+class CBaseDataArray {
+ public:
+  explicit CBaseDataArray(siICENodeDataType type) : m_type(type) {}
+  CBaseDataArray(const CBaseDataArray&) = delete;
+  CBaseDataArray& operator=(const CBaseDataArray&) = delete;
+
+  ULONG GetCount() const { return m_count; }
+  bool IsConstant() const { return m_constant; }
+  siICENodeDataType GetDataType() const { return m_type; }
+
+ protected:
+  friend class ICENodeContext;
+  ICENodeContext* m_context = nullptr;
+  siICENodeDataType m_type;
+  void* m_data = nullptr;   // contiguous values (unused for strings)
+  void* m_buffer = nullptr; // host storage behind the array
+  ULONG m_count = 0;
+  bool m_constant = false;
+  bool m_output = false;
+};
+
+template <class T>
+class CDataArray : public CBaseDataArray {
+ public:
+  CDataArray() : CBaseDataArray(CDataTypeOf<T>::value) {}
+  // Input `portID` (instance `instance` of a group port).
+  CDataArray(ICENodeContext& context, ULONG portID, ULONG instance = 0)
+      : CBaseDataArray(CDataTypeOf<T>::value) {
+    context.AcquireInputDataArray(*this, portID, instance);
+  }
+  // Output of the evaluated port.
+  explicit CDataArray(ICENodeContext& context) : CBaseDataArray(CDataTypeOf<T>::value) {
+    context.AcquireOutputDataArray(*this);
+  }
+  ~CDataArray() {
+    if (m_context != nullptr) m_context->ReleaseDataArray(*this);
+  }
+  // A private, writable copy of an input.
+  CStatus CopyFrom(ICENodeContext& context, ULONG portID, ULONG instance = 0) {
+    if (m_context != nullptr) m_context->ReleaseDataArray(*this);
+    return context.CopyFromInputDataArray(*this, portID, instance);
+  }
+
+  const T& operator[](ULONG index) const {
+    assert(m_count > 0);
+    return static_cast<const T*>(m_data)[m_constant ? 0 : index];
+  }
+  T& operator[](ULONG index) {
+    assert(m_count > 0);
+    return static_cast<T*>(m_data)[m_constant ? 0 : index];
+  }
+  const T* GetData() const { return static_cast<const T*>(m_data); }
+};
+
+// Strings are held by the host and read or written whole, per element.
+template <>
+class CDataArray<CString> : public CBaseDataArray {
+ public:
+  CDataArray() : CBaseDataArray(siICENodeDataString) {}
+  CDataArray(ICENodeContext& context, ULONG portID, ULONG instance = 0)
+      : CBaseDataArray(siICENodeDataString) {
+    context.AcquireInputDataArray(*this, portID, instance);
+  }
+  explicit CDataArray(ICENodeContext& context) : CBaseDataArray(siICENodeDataString) {
+    context.AcquireOutputDataArray(*this);
+  }
+  ~CDataArray() {
+    if (m_context != nullptr) m_context->ReleaseDataArray(*this);
+  }
+
+  CString operator[](ULONG index) const {
+    const wchar_t* text = nullptr;
+    ULONG length = 0;
+    GetData(index, &text, length);
+    return text ? CString(text, length) : CString();
+  }
+  void GetData(ULONG index, const wchar_t** text, ULONG& length) const {
+    *text = nullptr;
+    length = 0;
+    if (m_context != nullptr) m_context->GetStringData(*this, index, *text, length);
+  }
+  void SetData(ULONG index, const wchar_t* text, ULONG length) {
+    if (m_context != nullptr) m_context->SetStringData(*this, index, text, length);
+  }
+  void SetData(ULONG index, const CString& text) { SetData(index, text.GetWideString(), text.Length()); }
+};
+
+typedef CDataArray<bool> CDataArrayBool;
+typedef CDataArray<LONG> CDataArrayLong;
+typedef CDataArray<float> CDataArrayFloat;
+typedef CDataArray<MATH::CVector2f> CDataArrayVector2f;
+typedef CDataArray<MATH::CVector3f> CDataArrayVector3f;
+typedef CDataArray<MATH::CVector4f> CDataArrayVector4f;
+typedef CDataArray<MATH::CQuaternionf> CDataArrayQuaternionf;
+typedef CDataArray<MATH::CMatrix3f> CDataArrayMatrix3f;
+typedef CDataArray<MATH::CMatrix4f> CDataArrayMatrix4f;
+typedef CDataArray<MATH::CColor4f> CDataArrayColor4f;
+typedef CDataArray<MATH::CRotationf> CDataArrayRotationf;
+typedef CDataArray<CShape> CDataArrayShape;
+typedef CDataArray<CString> CDataArrayString;
+
+}  // namespace XSI

@@ -1,0 +1,2 @@
+#pragma once
+#include <xsi_dataarray2D.h>

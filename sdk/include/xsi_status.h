@@ -1,0 +1,41 @@
+// CStatus: the result of every SDK call.
+#pragma once
+
+#include <xsi_decl.h>
+#include <xsi_string.h>
+
+namespace XSI {
+
+class CStatus {
+ public:
+  enum Code : ULONG {
+    OK = 0,
+    False = 1,
+    Fail = 0x80004005u,
+    NotImpl = 0x80004001u,
+    InvalidArgument = 0x80070057u,
+    MemoryOverflow = 0x8007000Eu,
+    AccessDenied = 0x80070005u,
+    Unexpected = 0x8000FFFFu,
+  };
+
+  CStatus(ULONG code = OK) : m_code(code) {}
+
+  ULONG GetCode() const { return m_code; }
+  bool Succeeded() const { return m_code == OK || m_code == False; }
+  void PutCode(ULONG code) { m_code = code; }
+
+  bool operator==(const CStatus& other) const { return m_code == other.m_code; }
+  bool operator!=(const CStatus& other) const { return m_code != other.m_code; }
+  bool operator==(Code code) const { return m_code == ULONG(code); }
+  bool operator!=(Code code) const { return m_code != ULONG(code); }
+
+  // A failed status here is a programming error: the host reports it (the offline host logs
+  // it at error severity and counts it) and the caller carries on.
+  void AssertSucceeded(const CString& message = CString()) const;
+
+ private:
+  ULONG m_code;
+};
+
+}  // namespace XSI

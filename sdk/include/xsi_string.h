@@ -1,0 +1,67 @@
+// CString: the host's owned wide-character string.
+#pragma once
+
+#include <string>
+
+#include <xsi_decl.h>
+
+namespace XSI {
+
+class CValue;
+
+class CString {
+ public:
+  typedef wchar_t CharType;
+
+  CString() = default;
+  CString(const wchar_t* text);
+  CString(const wchar_t* text, ULONG length);
+  CString(const char* text);
+  explicit CString(const CValue& value);
+  CString(const CString&) = default;
+  CString(CString&&) noexcept = default;
+  ~CString() = default;
+
+  CString& operator=(const CString&) = default;
+  CString& operator=(CString&&) noexcept = default;
+  CString& operator=(const wchar_t* text);
+  CString& operator=(const char* text);
+
+  CString operator+(const CString& other) const;
+  CString operator+(const wchar_t* text) const;
+  CString operator+(const char* text) const;
+  CString& operator+=(const CString& other);
+  CString& operator+=(const wchar_t* text);
+  CString& operator+=(const char* text);
+  CString& operator+=(wchar_t c);
+
+  bool operator==(const CString& other) const { return m_text == other.m_text; }
+  bool operator!=(const CString& other) const { return m_text != other.m_text; }
+  bool operator<(const CString& other) const { return m_text < other.m_text; }
+  wchar_t operator[](ULONG index) const { return m_text[index]; }
+
+  bool IsEmpty() const { return m_text.empty(); }
+  ULONG Length() const { return static_cast<ULONG>(m_text.size()); }
+  void Clear() { m_text.clear(); }
+  // Lower-cases the string in place (characters of the 8-bit range).
+  CString& Lower();
+  // Position of `sub` at or after `start`, or ULONG_MAX (all ones) when absent.
+  ULONG FindString(const CString& sub, ULONG start = 0) const;
+  CString GetSubString(ULONG start, ULONG length = 0xFFFFFFFFu) const;
+
+  const wchar_t* GetWideString() const { return m_text.c_str(); }
+  // Narrow copy: characters beyond the 8-bit range become '?'. The pointer stays valid
+  // until the string changes or GetAsciiString is called again.
+  const char* GetAsciiString() const;
+  void PutAsciiString(const char* text);
+
+  const std::wstring& Wide() const { return m_text; }
+
+ private:
+  std::wstring m_text;
+  mutable std::string m_ascii;
+};
+
+CString operator+(const wchar_t* text, const CString& string);
+
+}  // namespace XSI

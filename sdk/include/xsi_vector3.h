@@ -1,0 +1,119 @@
+// Double-precision 3-vector of the scene maths, and its array.
+//
+// Points and directions are rows: a point is transformed as the row (x, y, z, 1) times a 4×4
+// matrix, a direction as the row (x, y, z) times the upper-left 3×3 block.
+#pragma once
+
+#include <vector>
+
+#include <xsi_decl.h>
+#include <xsi_status.h>
+
+namespace XSI {
+namespace MATH {
+
+class CMatrix3;
+class CMatrix4;
+class CTransformation;
+class CRotation;
+
+class CVector3 {
+ public:
+  CVector3() = default;
+  CVector3(double x, double y, double z) : m_x(x), m_y(y), m_z(z) {}
+
+  double GetX() const { return m_x; }
+  double GetY() const { return m_y; }
+  double GetZ() const { return m_z; }
+  void PutX(double x) { m_x = x; }
+  void PutY(double y) { m_y = y; }
+  void PutZ(double z) { m_z = z; }
+  /// Reads the three components at once.
+  void Get(double& x, double& y, double& z) const;
+  CVector3& Set(double x, double y, double z);
+  CVector3& SetNull();
+  /// Component by index 0, 1 or 2; any other index reads z.
+  double operator[](short index) const;
+  double& operator[](short index);
+
+  double GetLength() const;
+  double GetLengthSquared() const;
+  /// Scales the vector to unit length; a zero (or non-finite) vector is left as it is and the
+  /// call reports CStatus::Fail.
+  CStatus NormalizeInPlace();
+  /// Sets this vector to `v` normalised; fails as NormalizeInPlace does.
+  CStatus Normalize(const CVector3& v);
+
+  double Dot(const CVector3& v) const;
+  CVector3& Cross(const CVector3& a, const CVector3& b);
+  /// Angle between this vector and `v` in radians, in [0, π]; 0 when either is zero.
+  double GetAngle(const CVector3& v) const;
+
+  CVector3& Add(const CVector3& a, const CVector3& b);
+  CVector3& AddInPlace(const CVector3& v);
+  CVector3& Sub(const CVector3& a, const CVector3& b);
+  CVector3& SubInPlace(const CVector3& v);
+  CVector3& Scale(double s, const CVector3& v);
+  CVector3& ScaleInPlace(double s);
+  CVector3& Negate(const CVector3& v);
+  CVector3& NegateInPlace();
+  CVector3& Absolute(const CVector3& v);
+  CVector3& AbsoluteInPlace();
+  /// Linear interpolation: this = a + t (b − a).
+  CVector3& LinearlyInterpolate(const CVector3& a, const CVector3& b, double t);
+
+  /// Treats the vector as a point: this = v × T (scaling, rotation, then translation).
+  CVector3& MulByTransformation(const CVector3& v, const CTransformation& t);
+  CVector3& MulByTransformationInPlace(const CTransformation& t);
+  /// Row vector times a 3×3 matrix.
+  CVector3& MulByMatrix3(const CVector3& v, const CMatrix3& m);
+  CVector3& MulByMatrix3InPlace(const CMatrix3& m);
+  /// Treats the vector as the point (x, y, z, 1) times a 4×4 matrix; the w of the result is
+  /// dropped (the matrices of this system are affine).
+  CVector3& MulByMatrix4(const CVector3& v, const CMatrix4& m);
+  CVector3& MulByMatrix4InPlace(const CMatrix4& m);
+  CVector3& MulByRotation(const CVector3& v, const CRotation& r);
+  CVector3& MulByRotationInPlace(const CRotation& r);
+
+  /// Component-wise comparison within `epsilon`.
+  bool EpsilonEquals(const CVector3& v, double epsilon) const;
+  bool Equals(const CVector3& v) const;
+  bool operator==(const CVector3& v) const { return Equals(v); }
+  bool operator!=(const CVector3& v) const { return !Equals(v); }
+
+  CVector3& operator+=(const CVector3& v) { return AddInPlace(v); }
+  CVector3& operator-=(const CVector3& v) { return SubInPlace(v); }
+  CVector3& operator*=(double s) { return ScaleInPlace(s); }
+
+ private:
+  double m_x = 0.0;
+  double m_y = 0.0;
+  double m_z = 0.0;
+};
+
+/// A growable array of CVector3.
+class CVector3Array {
+ public:
+  CVector3Array() = default;
+  explicit CVector3Array(LONG count) { Resize(count); }
+
+  LONG GetCount() const { return static_cast<LONG>(m_items.size()); }
+  /// Grows or shrinks to `count` entries; new entries are zero vectors. A negative count is
+  /// refused with CStatus::InvalidArgument.
+  CStatus Resize(LONG count);
+  /// Appends one vector and returns its index.
+  LONG Add(const CVector3& v);
+  CStatus Clear();
+  const CVector3& operator[](LONG index) const { return m_items[static_cast<size_t>(index)]; }
+  CVector3& operator[](LONG index) { return m_items[static_cast<size_t>(index)]; }
+  /// The vectors as one contiguous block; null when the array is empty.
+  const CVector3* GetArray() const { return m_items.empty() ? nullptr : m_items.data(); }
+  bool operator==(const CVector3Array& other) const { return m_items == other.m_items; }
+  bool operator!=(const CVector3Array& other) const { return !(*this == other); }
+
+ private:
+  std::vector<CVector3> m_items;
+};
+
+}  // namespace MATH
+}  // namespace XSI

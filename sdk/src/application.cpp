@@ -1,0 +1,17 @@
+#include <xsi_application.h>
+#include <xsi_factory.h>
+
+#include <xsihost/session.h>
+
+namespace XSI {
+
+CStatus Application::LogMessage(const CString& text, siSeverityType severity) const {
+  xsihost::hostLog().add(static_cast<int>(severity), text.Wide());
+  return CStatus::OK;
+}
+
+Factory Application::GetFactory() const { return Factory(); }
+
+bool Application::IsInteractive() const { return xsihost::isInteractive(); }
+
+}  // namespace XSI

@@ -1,0 +1,308 @@
+// Context, ICENodeContext and CICEPortState over the host's evaluation frame.
+#include <xsi_context.h>
+#include <xsi_dataarray.h>
+#include <xsi_dataarray2D.h>
+#include <xsi_iceportstate.h>
+#include <xsi_icenodecontext.h>
+#include <xsi_indexset.h>
+
+#include <xsihost/eval_frame.h>
+#include <xsihost/object.h>
+
+namespace XSI {
+
+using host_detail::ContextObject;
+using host_detail::EvalFrame;
+using xsihost::PortValues;
+using xsihost::ResolvedInput;
+
+namespace {
+
+ContextObject* contextObject(const CRef& ref) {
+  return dynamic_cast<ContextObject*>(ref.GetObjectHandle().get());
+}
+
+}  // namespace
+
+CValue Context::GetUserData() const {
+  ContextObject* c = contextObject(m_ref);
+  return c && c->userData ? *c->userData : CValue();
+}
+CStatus Context::PutUserData(const CValue& data) {
+  ContextObject* c = contextObject(m_ref);
+  if (!c || !c->userData) return CStatus::Fail;
+  *c->userData = data;
+  return CStatus::OK;
+}
+CRef Context::GetSource() const {
+  ContextObject* c = contextObject(m_ref);
+  return c ? c->source : CRef();
+}
+CValue Context::GetAttribute(const CString& name) const {
+  ContextObject* c = contextObject(m_ref);
+  if (!c) return CValue();
+  auto it = c->attributes.find(name.Wide());
+  return it == c->attributes.end() ? CValue() : it->second;
+}
+CStatus Context::PutAttribute(const CString& name, const CValue& value) {
+  ContextObject* c = contextObject(m_ref);
+  if (!c) return CStatus::Fail;
+  c->attributes[name.Wide()] = value;
+  return CStatus::OK;
+}
+
+ICENodeContext::ICENodeContext(const CRef& ref) : Context(ref) {}
+
+ULONG ICENodeContext::GetEvaluatedOutputPortID() const { return m_frame ? m_frame->outputPort : 0; }
+
+CStatus ICENodeContext::GetPortInfo(ULONG portID, siICENodeDataType& type,
+                                    siICENodeStructureType& structure,
+                                    siICENodeContextType& context, ULONG instance) const {
+  if (!m_frame) return CStatus::Fail;
+  const ResolvedInput* info = m_frame->findInput(portID, instance);
+  if (info == nullptr && m_frame->outputs) {
+    auto it = m_frame->outputs->find(portID);
+    if (it != m_frame->outputs->end()) info = &it->second;
+  }
+  if (info == nullptr || info->failsInfo) return CStatus::Fail;
+  type = static_cast<siICENodeDataType>(info->type);
+  structure = static_cast<siICENodeStructureType>(info->structure);
+  context = static_cast<siICENodeContextType>(info->context);
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::GetGroupInstanceCount(ULONG /*groupID*/, ULONG& count) const {
+  if (!m_frame) return CStatus::Fail;
+  count = m_frame->groupInstances;
+  return CStatus::OK;
+}
+
+ULONG ICENodeContext::GetNumberOfElementsToProcess() const {
+  return m_frame && m_frame->indices ? static_cast<ULONG>(m_frame->indices->size()) : 0;
+}
+
+CTime ICENodeContext::GetTime() const { return CTime(m_frame ? m_frame->time : 1.0); }
+
+CStatus ICENodeContext::AcquireIndexSet(CIndexSet& indexSet) const {
+  if (!m_frame) return CStatus::Fail;
+  indexSet.SetIndices(m_frame->indices);
+  return CStatus::OK;
+}
+CStatus ICENodeContext::ReleaseIndexSet(CIndexSet& indexSet) const {
+  indexSet.SetIndices(nullptr);
+  return CStatus::OK;
+}
+
+namespace {
+
+// An input is served as a typed array only when its resolved type and structure match the
+// array's; otherwise the array stays empty and the call fails.
+const PortValues* matchingInput(const EvalFrame* frame, ULONG port, ULONG instance,
+                                siICENodeDataType type, bool array) {
+  if (!frame) return nullptr;
+  const ResolvedInput* info = frame->findInput(port, instance);
+  if (!info || !info->values) return nullptr;
+  if (info->values->type != ULONG(type) || info->values->array != array) return nullptr;
+  return info->values;
+}
+
+bool matchingOutput(const EvalFrame* frame, siICENodeDataType type, bool array) {
+  return frame && frame->output && frame->output->type == ULONG(type) &&
+         frame->output->array == array;
+}
+
+}  // namespace
+
+CStatus ICENodeContext::AcquireInputDataArray(CBaseDataArray& a, ULONG portID, ULONG instance) {
+  a.m_context = this;
+  a.m_output = false;
+  const PortValues* values = matchingInput(m_frame, portID, instance, a.m_type, false);
+  if (!values) return CStatus::Fail;
+  a.m_buffer = const_cast<PortValues*>(values);
+  a.m_data = const_cast<std::byte*>(values->flat.data());
+  a.m_count = values->count;
+  a.m_constant = values->constant;
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::CopyFromInputDataArray(CBaseDataArray& a, ULONG portID, ULONG instance) {
+  a.m_context = this;
+  const PortValues* values = matchingInput(m_frame, portID, instance, a.m_type, false);
+  if (!values) return CStatus::Fail;
+  m_frame->copies.push_back(std::make_unique<PortValues>(*values));
+  PortValues* copy = m_frame->copies.back().get();
+  a.m_buffer = copy;
+  a.m_data = copy->flat.data();
+  a.m_count = copy->count;
+  a.m_constant = copy->constant;
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::AcquireOutputDataArray(CBaseDataArray& a) {
+  a.m_context = this;
+  a.m_output = true;
+  if (!matchingOutput(m_frame, a.m_type, false)) return CStatus::Fail;
+  a.m_buffer = m_frame->output;
+  a.m_data = m_frame->output->flat.data();
+  a.m_count = m_frame->output->count;
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::AcquireInputDataArray2D(CBaseDataArray2D& a, ULONG portID,
+                                                ULONG instance) {
+  a.m_context = this;
+  a.m_output = false;
+  const PortValues* values = matchingInput(m_frame, portID, instance, a.m_type, true);
+  if (!values) return CStatus::Fail;
+  a.m_buffer = const_cast<PortValues*>(values);
+  a.m_count = values->count;
+  a.m_constant = values->constant;
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::CopyFromInputDataArray2D(CBaseDataArray2D& a, ULONG portID,
+                                                 ULONG instance) {
+  a.m_context = this;
+  const PortValues* values = matchingInput(m_frame, portID, instance, a.m_type, true);
+  if (!values) return CStatus::Fail;
+  m_frame->copies.push_back(std::make_unique<PortValues>(*values));
+  a.m_buffer = m_frame->copies.back().get();
+  a.m_count = values->count;
+  a.m_constant = values->constant;
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::AcquireOutputDataArray2D(CBaseDataArray2D& a) {
+  a.m_context = this;
+  a.m_output = true;
+  if (!matchingOutput(m_frame, a.m_type, true)) return CStatus::Fail;
+  a.m_buffer = m_frame->output;
+  a.m_count = m_frame->output->count;
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::ReleaseDataArray(CBaseDataArray& a) {
+  a.m_context = nullptr;
+  a.m_buffer = nullptr;
+  a.m_data = nullptr;
+  a.m_count = 0;
+  return CStatus::OK;
+}
+CStatus ICENodeContext::ReleaseDataArray(CBaseDataArray2D& a) {
+  a.m_context = nullptr;
+  a.m_buffer = nullptr;
+  a.m_count = 0;
+  return CStatus::OK;
+}
+
+namespace {
+
+// Item index of element `index`: the one shared item of a constant array, else the element;
+// out-of-range indices are refused.
+bool itemIndex(const PortValues* values, ULONG index, ULONG& item) {
+  if (!values || values->count == 0) return false;
+  item = values->constant ? 0 : index;
+  return item < values->count;
+}
+
+}  // namespace
+
+CStatus ICENodeContext::GetSubArray(const CBaseDataArray2D& a, ULONG index, const void*& data,
+                                    ULONG& count) const {
+  data = nullptr;
+  count = 0;
+  const auto* values = static_cast<const PortValues*>(a.m_buffer);
+  ULONG item = 0;
+  if (!itemIndex(values, index, item)) return CStatus::Fail;
+  if (values->isString()) {
+    count = static_cast<ULONG>(values->stringArrays[item].size());
+    return CStatus::OK;
+  }
+  const std::size_t size = xsihost::valueSize(values->type);
+  data = values->arrays[item].data();
+  count = static_cast<ULONG>(values->arrays[item].size() / size);
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::ResizeSubArray(CBaseDataArray2D& a, ULONG index, ULONG count,
+                                       void*& data, ULONG& outCount) {
+  data = nullptr;
+  outCount = 0;
+  auto* values = static_cast<PortValues*>(a.m_buffer);
+  if (!a.m_output || !values || index >= values->count) return CStatus::Fail;
+  // A negative count arrives here as a huge unsigned value; the host refuses it and leaves
+  // the element's array empty (and written).
+  constexpr ULONG kMaxEntries = 1u << 28;
+  values->written[index] = 1;
+  if (values->isString()) {
+    values->stringArrays[index].assign(count <= kMaxEntries ? count : 0, std::wstring());
+  } else {
+    values->arrays[index].assign(count <= kMaxEntries ? count * xsihost::valueSize(values->type) : 0,
+                                 std::byte{0});
+    data = values->arrays[index].data();
+  }
+  if (count > kMaxEntries) return CStatus::InvalidArgument;
+  outCount = count;
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::GetStringData(const CBaseDataArray& a, ULONG index, const wchar_t*& text,
+                                      ULONG& length) const {
+  text = nullptr;
+  length = 0;
+  const auto* values = static_cast<const PortValues*>(a.m_buffer);
+  ULONG item = 0;
+  if (!itemIndex(values, index, item) || !values->isString() || values->array)
+    return CStatus::Fail;
+  text = values->strings[item].c_str();
+  length = static_cast<ULONG>(values->strings[item].size());
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::SetStringData(CBaseDataArray& a, ULONG index, const wchar_t* text,
+                                      ULONG length) {
+  auto* values = static_cast<PortValues*>(a.m_buffer);
+  if (!a.m_output || !values || !values->isString() || values->array || index >= values->count)
+    return CStatus::Fail;
+  values->strings[index].assign(text ? text : L"", text ? length : 0);
+  values->written[index] = 1;
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::GetStringData2D(const CBaseDataArray2D& a, ULONG index, ULONG subIndex,
+                                        const wchar_t*& text, ULONG& length) const {
+  text = nullptr;
+  length = 0;
+  const auto* values = static_cast<const PortValues*>(a.m_buffer);
+  ULONG item = 0;
+  if (!itemIndex(values, index, item) || !values->isString() || !values->array ||
+      subIndex >= values->stringArrays[item].size())
+    return CStatus::Fail;
+  text = values->stringArrays[item][subIndex].c_str();
+  length = static_cast<ULONG>(values->stringArrays[item][subIndex].size());
+  return CStatus::OK;
+}
+
+CStatus ICENodeContext::SetStringData2D(CBaseDataArray2D& a, ULONG index, ULONG subIndex,
+                                        const wchar_t* text, ULONG length) {
+  auto* values = static_cast<PortValues*>(a.m_buffer);
+  if (!a.m_output || !values || !values->isString() || !values->array || index >= values->count ||
+      subIndex >= values->stringArrays[index].size())
+    return CStatus::Fail;
+  values->stringArrays[index][subIndex].assign(text ? text : L"", text ? length : 0);
+  return CStatus::OK;
+}
+
+bool CICEPortState::IsDirty(int /*stateMask*/) const {
+  EvalFrame* frame = m_context->GetFrame();
+  return frame && frame->instance ? frame->instance->isDirty(m_portID, m_instance) : false;
+}
+
+CStatus CICEPortState::ClearState() {
+  EvalFrame* frame = m_context->GetFrame();
+  if (!frame || !frame->instance) return CStatus::Fail;
+  frame->instance->clearState(m_portID, m_instance);
+  return CStatus::OK;
+}
+
+}  // namespace XSI
