@@ -28,7 +28,14 @@ struct Matrix3d {
   double m[3][3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
 };
 
-// A transform split into its parts; a point p maps to ((p scaled per axis) × rotation) +
+// 4×4 transform in the row-vector convention: a point is the row (x, y, z, 1) times the
+// matrix; rows 0 to 2 hold the scaled axes, row 3 the translation.
+struct Matrix4d {
+  double m[4][4] = {{1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 0.0, 0.0}, {0.0, 0.0, 1.0, 0.0},
+                    {0.0, 0.0, 0.0, 1.0}};
+};
+
+// The parts of a transform that the matching compares: scaling per axis, rotation and
 // translation.
 struct TransformParts {
   Vector3d scaling{1.0, 1.0, 1.0};

@@ -36,19 +36,17 @@ struct VectorMean {
 
 }  // namespace
 
-Vector3d TransformDirection(const Vector3d& direction, const TransformParts& transform) {
-  const Vector3d s{direction.x * transform.scaling.x, direction.y * transform.scaling.y,
-                   direction.z * transform.scaling.z};
-  const auto& r = transform.rotation.m;
-  return {s.x * r[0][0] + s.y * r[1][0] + s.z * r[2][0],
-          s.x * r[0][1] + s.y * r[1][1] + s.z * r[2][1],
-          s.x * r[0][2] + s.y * r[1][2] + s.z * r[2][2]};
+Vector3d TransformDirection(const Vector3d& direction, const Matrix4d& transform) {
+  const auto& r = transform.m;
+  const Vector3d& d = direction;
+  return {d.x * r[0][0] + d.y * r[1][0] + d.z * r[2][0],
+          d.x * r[0][1] + d.y * r[1][1] + d.z * r[2][1],
+          d.x * r[0][2] + d.y * r[1][2] + d.z * r[2][2]};
 }
 
-Vector3d TransformPoint(const Vector3d& point, const TransformParts& transform) {
+Vector3d TransformPoint(const Vector3d& point, const Matrix4d& transform) {
   const Vector3d v = TransformDirection(point, transform);
-  return {v.x + transform.translation.x, v.y + transform.translation.y,
-          v.z + transform.translation.z};
+  return {v.x + transform.m[3][0], v.y + transform.m[3][1], v.z + transform.m[3][2]};
 }
 
 double TriangleSurfaceArea(std::span<const Vector3d> corners) {
@@ -61,7 +59,7 @@ double TriangleSurfaceArea(std::span<const Vector3d> corners) {
 }
 
 double TransformedSurfaceArea(std::span<const Vector3d> corners,
-                              const TransformParts& transform) {
+                              const Matrix4d& transform) {
   assert(corners.size() % 3 == 0);
   double area = 0.0;
   for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
@@ -79,14 +77,14 @@ Vector3d Average(std::span<const Vector3d> values) {
 }
 
 Vector3d TransformedPointAverage(std::span<const Vector3d> points,
-                                 const TransformParts& transform) {
+                                 const Matrix4d& transform) {
   VectorMean mean;
   for (const Vector3d& p : points) mean.Add(TransformPoint(p, transform));
   return mean.Value();
 }
 
 Vector3d TransformedDirectionAverage(std::span<const Vector3d> directions,
-                                     const TransformParts& transform) {
+                                     const Matrix4d& transform) {
   VectorMean mean;
   for (const Vector3d& d : directions) mean.Add(TransformDirection(d, transform));
   return mean.Value();

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <numbers>
 #include <vector>
 
 namespace quillix {
@@ -22,15 +20,18 @@ std::vector<Vector3d> UnitCubeCorners() {
   return corners;
 }
 
-TransformParts SampleTransform() {
-  TransformParts t;
-  t.scaling = {2.0, 3.0, 0.5};
-  const double a = std::numbers::pi / 2.0;  // 90° about z: x goes to y, y to -x
-  t.rotation.m[0][0] = std::cos(a);
-  t.rotation.m[0][1] = std::sin(a);
-  t.rotation.m[1][0] = -std::sin(a);
-  t.rotation.m[1][1] = std::cos(a);
-  t.translation = {10.0, 20.0, 30.0};
+// Scaling (2, 3, 0.5), then 90° about z (x goes to y, y to -x), then translation
+// (10, 20, 30): the rows are the scaled, rotated axes and the translation.
+Matrix4d SampleTransform() {
+  Matrix4d t;
+  t.m[0][0] = 0.0;
+  t.m[0][1] = 2.0;
+  t.m[1][0] = -3.0;
+  t.m[1][1] = 0.0;
+  t.m[2][2] = 0.5;
+  t.m[3][0] = 10.0;
+  t.m[3][1] = 20.0;
+  t.m[3][2] = 30.0;
   return t;
 }
 
@@ -40,8 +41,8 @@ void ExpectNear(const Vector3d& actual, const Vector3d& expected) {
   EXPECT_NEAR(actual.z, expected.z, 1e-12);
 }
 
-TEST(Transform, ScalesThenRotatesByRowsThenTranslates) {
-  const TransformParts t = SampleTransform();
+TEST(Transform, PointsAreRowsTimesTheMatrixAndDirectionsSkipTranslation) {
+  const Matrix4d t = SampleTransform();
   ExpectNear(TransformPoint({1.0, 0.0, 0.0}, t), {10.0, 22.0, 30.0});
   ExpectNear(TransformPoint({0.0, 1.0, 2.0}, t), {7.0, 20.0, 31.0});
   ExpectNear(TransformDirection({0.0, 1.0, 2.0}, t), {-3.0, 0.0, 1.0});
