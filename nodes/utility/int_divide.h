@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
 namespace quillix {
 
@@ -16,13 +15,5 @@ struct QuotientRemainder {
 // -2147483648 / -1, yields quotient -2147483648 and remainder 0 (the quotient wraps as
 // two's-complement negation would), instead of faulting.
 QuotientRemainder divideInt(std::int32_t value, std::int32_t divisor);
-
-// Which of the two results an evaluation asks for.
-enum class DivisionPart { Quotient, Remainder };
-
-// Element-wise division of two arrays: out[i] = part of divideInt(values[i], divisors[i]) for
-// i below min(#values, #divisors). `out` is caller-allocated with at least that many entries.
-void divideArrays(std::span<const std::int32_t> values, std::span<const std::int32_t> divisors,
-                  DivisionPart part, std::span<std::int32_t> out);
 
 }  // namespace quillix

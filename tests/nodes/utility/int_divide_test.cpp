@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <vector>
 
 namespace quillix {
 namespace {
@@ -28,16 +27,6 @@ TEST(DivideInt, ZeroDivisorAndOverflowingPairYieldDefinedValues) {
   EXPECT_EQ(divideInt(minimum, -1).quotient, minimum);
   EXPECT_EQ(divideInt(minimum, -1).remainder, 0);
   EXPECT_EQ(divideInt(minimum, 1).quotient, minimum);
-}
-
-TEST(DivideArrays, UsesTheShorterLength) {
-  const std::vector<std::int32_t> values{10, 11, 12, 13, 14};
-  const std::vector<std::int32_t> divisors{3, 0, -5};
-  std::vector<std::int32_t> out(3, 99);
-  divideArrays(values, divisors, DivisionPart::Remainder, out);
-  EXPECT_EQ(out, (std::vector<std::int32_t>{1, 0, 2}));
-  divideArrays(values, divisors, DivisionPart::Quotient, out);
-  EXPECT_EQ(out, (std::vector<std::int32_t>{3, 0, -2}));
 }
 
 }  // namespace
