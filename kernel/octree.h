@@ -1,0 +1,92 @@
+// Octree over a point set, the geometry's spatial acceleration item.
+#pragma once
+
+#include <cstdint>
+
+#include "kernel/math_types.h"
+#include "kernel/memory_context.h"
+#include "kernel/status.h"
+
+namespace quillix {
+
+// A pointer-free octree over points. The points are ordered along a 63-bit Morton curve, so
+// every node covers one contiguous range of that order; a node's children are contiguous in
+// the node array. Non-finite points are left out. Building runs its loops in parallel
+// (OpenMP); queries are read-only and may run on many threads at once.
+class QRVOctree {
+ public:
+  struct Node {
+    Vec3f boundsMin;       // tight bounds of the node's points
+    Vec3f boundsMax;
+    std::int32_t first;    // range in Order()
+    std::int32_t count;
+    std::int32_t firstChild;  // -1 for a leaf
+    std::int32_t childCount;
+  };
+  static constexpr std::int32_t kLeafSize = 16;
+
+  explicit QRVOctree(QRVMemoryContext& memory) : memory_(&memory) {}
+  ~QRVOctree() { Clear(); }
+  QRVOctree(const QRVOctree&) = delete;
+  QRVOctree& operator=(const QRVOctree&) = delete;
+
+  // Builds over `count` points (read, not kept). 6 for a negative count or null points with
+  // a positive count; 9 on memory refusal (the tree is left empty).
+  QRVStatus Build(const Vec3f* points, std::int32_t count);
+  // Releases the tree; returns 0.
+  QRVStatus Clear();
+
+  bool Valid() const { return nodes_ != nullptr; }
+  std::int32_t NodeCount() const { return nodeCount_; }
+  const Node* Nodes() const { return nodes_; }
+  std::int32_t PointCount() const { return pointCount_; }  // finite points held
+  const std::int32_t* Order() const { return order_; }     // point ids in Morton order
+  const Vec3f* Points() const { return points_; }          // copies, in Morton order
+
+  // Index of the held point nearest to `query` (ties: the lower point id), or -1 when the
+  // tree is empty. `distanceSquared` (optional) receives its squared distance.
+  std::int32_t Nearest(const Vec3f& query, float* distanceSquared = nullptr) const;
+  // True when some held point lies within `radius` (distance <= radius) of `query`.
+  bool AnyWithin(const Vec3f& query, float radius) const;
+  // Calls visit(pointId) for every held point within `radius` of `query`, in Morton order.
+  template <typename Visit>
+  void ForEachWithin(const Vec3f& query, float radius, Visit&& visit) const;
+
+ private:
+  static float BoxDistanceSquared(const Node& node, const Vec3f& q);
+  static float DistanceSquared(const Vec3f& a, const Vec3f& b) {
+    const float dx = a.x - b.x, dy = a.y - b.y, dz = a.z - b.z;
+    return dx * dx + dy * dy + dz * dz;
+  }
+
+  QRVMemoryContext* memory_;
+  Node* nodes_ = nullptr;
+  std::int32_t nodeCount_ = 0;
+  std::int32_t* order_ = nullptr;
+  Vec3f* points_ = nullptr;
+  std::int32_t pointCount_ = 0;
+  std::int32_t depth_ = 0;
+};
+
+template <typename Visit>
+void QRVOctree::ForEachWithin(const Vec3f& query, float radius, Visit&& visit) const {
+  if (nodes_ == nullptr || !(radius >= 0.0f)) return;
+  const float r2 = radius * radius;
+  // Explicit stack: depth is at most 22 levels, 8 children each.
+  std::int32_t stack[8 * 24];
+  int top = 0;
+  stack[top++] = 0;
+  while (top > 0) {
+    const Node& node = nodes_[stack[--top]];
+    if (BoxDistanceSquared(node, query) > r2) continue;
+    if (node.firstChild < 0) {
+      for (std::int32_t i = node.first; i < node.first + node.count; ++i) {
+        if (DistanceSquared(points_[i], query) <= r2) visit(order_[i]);
+      }
+      continue;
+    }
+    for (std::int32_t c = node.childCount - 1; c >= 0; --c) stack[top++] = node.firstChild + c;
+  }
+}
+
+}  // namespace quillix
