@@ -1,6 +1,5 @@
 #include "nodes/utility/int_bits.h"
 
-#include <algorithm>
 #include <cassert>
 
 namespace quillix {
@@ -14,13 +13,6 @@ std::int32_t byteOfInt(std::int32_t value, int byteIndex) {
 std::int32_t testBit(std::int32_t value, std::int32_t bit) {
   const std::uint32_t position = static_cast<std::uint32_t>(bit) & 31u;
   return static_cast<std::int32_t>((static_cast<std::uint32_t>(value) >> position) & 1u);
-}
-
-void testBits(std::span<const std::int32_t> values, std::span<const std::int32_t> bits,
-              std::span<std::int32_t> out) {
-  const std::size_t count = std::min(values.size(), bits.size());
-  assert(out.size() >= count);
-  for (std::size_t i = 0; i < count; ++i) out[i] = testBit(values[i], bits[i]);
 }
 
 }  // namespace quillix

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
 namespace quillix {
 
@@ -13,10 +12,5 @@ std::int32_t byteOfInt(std::int32_t value, int byteIndex);
 // 1 if bit number `bit` of `value` is set, 0 otherwise. Only the low five bits of `bit` count,
 // so the bit number wraps modulo 32: bit 32 tests bit 0, bit -1 tests bit 31.
 std::int32_t testBit(std::int32_t value, std::int32_t bit);
-
-// Element-wise testBit: out[i] = testBit(values[i], bits[i]) for i below
-// min(#values, #bits). `out` is caller-allocated with at least that many entries.
-void testBits(std::span<const std::int32_t> values, std::span<const std::int32_t> bits,
-              std::span<std::int32_t> out);
 
 }  // namespace quillix

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <cstdint>
 
 namespace quillix {
 namespace {
@@ -32,14 +32,6 @@ TEST(TestBit, BitNumberWrapsModulo32) {
   EXPECT_EQ(testBit(INT32_MIN, -1), 1);
   EXPECT_EQ(testBit(INT32_MAX, -1), 0);
   EXPECT_EQ(testBit(INT32_MAX, INT32_MIN), 1);  // low five bits 0: bit 0
-}
-
-TEST(TestBits, UsesTheShorterLength) {
-  const std::vector<std::int32_t> values{5, 5, 5, 8};
-  const std::vector<std::int32_t> bits{0, 1, 2};
-  std::vector<std::int32_t> out(3, 99);
-  testBits(values, bits, out);
-  EXPECT_EQ(out, (std::vector<std::int32_t>{1, 0, 1}));
 }
 
 }  // namespace
