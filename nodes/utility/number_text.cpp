@@ -1,5 +1,6 @@
 #include "nodes/utility/number_text.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -41,10 +42,14 @@ bool appendNonFinite(double value, std::wstring& out) {
   return true;
 }
 
+// "%.*g" of the value. std::to_chars prints exactly what printf prints in the C locale, and
+// unlike printf it cannot pick up a decimal comma from a locale the host process has set.
 void appendGeneral(double value, int precision, std::wstring& out) {
   if (appendNonFinite(value, out)) return;
   char buffer[kBufferSize];
-  std::snprintf(buffer, sizeof buffer, "%.*g", precision, value);
+  const std::to_chars_result printed =
+      std::to_chars(buffer, buffer + sizeof buffer - 1, value, std::chars_format::general, precision);
+  *printed.ptr = '\0';
   appendPrinted(buffer, out);
 }
 
