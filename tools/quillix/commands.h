@@ -1,0 +1,28 @@
+// The subcommands of `quillix`. Each returns the process exit status: 0 on success, 2 for
+// bad input (after printing one message naming the place).
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include <xsihost/plugin_host.h>
+
+namespace quillix::tool {
+
+struct EvalOptions {
+  std::string requestPath;  // "-" reads standard input
+  unsigned threads = 0;     // 0: the request's or the machine's
+  unsigned batchSize = 0;   // 0: the request's or 1024
+};
+
+// Prints identity, commands and node definitions.
+int runList(xsihost::LoadedPlugin& plugin, bool asJson, std::ostream& out);
+
+// Evaluates the requests of a JSON file into `out` ({"results", "shutdownLog"}); bad input
+// prints one message to `err` and returns 2.
+int runEval(xsihost::LoadedPlugin& plugin, const EvalOptions& options, nlohmann::json& out,
+            std::ostream& err);
+
+}  // namespace quillix::tool

@@ -1,0 +1,35 @@
+// Conversion between JSON and the host's port data, for `quillix eval`.
+//
+// Values: booleans, integers, floats as JSON numbers or as "0x7FC00000"-style strings of
+// their bits (the only way to write NaN and infinities); vectors, quaternions (w, x, y, z),
+// colours (r, g, b, a) and rotations (as a quaternion) as lists; matrices as lists of rows or
+// one flat row-major list; shapes as [type, p0, p1, p2]; strings as UTF-8 text.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include <nlohmann/json.hpp>
+#include <xsihost/port_values.h>
+
+namespace quillix::tool {
+
+// A fault in the user's input, with the place it was found ("requests[0].inputs.1010").
+class InputError : public std::runtime_error {
+ public:
+  InputError(const std::string& place, const std::string& message)
+      : std::runtime_error(place + ": " + message) {}
+};
+
+// Reads `values` (one entry per item) of data type `type` into a PortValues of `items`
+// items, single-valued or arrays per item. Throws InputError naming `place`.
+xsihost::PortValues readPortValues(const nlohmann::json& values, XSI::ULONG type, bool array,
+                                   const std::string& place);
+
+// One entry per item: the value, or null where the item was not written (outputs) .
+nlohmann::json writePortValues(const xsihost::PortValues& values, bool outputsOnly);
+
+std::wstring utf8ToWide(const std::string& text);
+std::string wideToUtf8(const std::wstring& text);
+
+}  // namespace quillix::tool

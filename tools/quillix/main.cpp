@@ -1,0 +1,84 @@
+// quillix: the command-line host. Loads the plug-in through its exported entry points and
+// lists it, or evaluates its nodes on requests read from files.
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+#include <xsihost/plugin_host.h>
+#include <xsihost/session.h>
+
+#include "tools/quillix/commands.h"
+#include "tools/quillix/json_values.h"
+
+namespace {
+
+nlohmann::json takeLog() {
+  nlohmann::json log = nlohmann::json::array();
+  for (const auto& line : xsihost::hostLog().take())
+    log.push_back({line.severity, quillix::tool::wideToUtf8(line.text)});
+  return log;
+}
+
+int run(int argc, char** argv) {
+  CLI::App app{"quillix: runs the Quillix plug-in's nodes and commands outside the host application"};
+  app.require_subcommand(1);
+  std::string pluginPath = xsihost::defaultPluginPath(argv[0]);
+  app.add_option("--plugin", pluginPath, "Plug-in to load (default: libQuillix.so beside quillix)");
+
+  bool listJson = false;
+  CLI::App* list = app.add_subcommand("list", "Show the plug-in's identity, commands and nodes with their ports");
+  list->add_flag("--json", listJson, "Print as JSON");
+
+  quillix::tool::EvalOptions evalOptions;
+  CLI::App* eval = app.add_subcommand("eval", "Evaluate node outputs described by a JSON request file");
+  eval->add_option("request", evalOptions.requestPath, "Request file, or - for standard input")->required();
+  eval->add_option("--threads", evalOptions.threads, "Threads for multi-threaded nodes")->check(CLI::Range(1, 256));
+  eval->add_option("--batch-size", evalOptions.batchSize, "Elements per batch")->check(CLI::PositiveNumber);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    std::cerr << "quillix: " << e.what() << '\n';
+    return 2;
+  }
+
+  std::string error;
+  std::unique_ptr<xsihost::LoadedPlugin> plugin = xsihost::LoadedPlugin::load(pluginPath, error);
+  if (!plugin) {
+    std::cerr << "quillix: " << error << '\n';
+    return 2;
+  }
+  const nlohmann::json loadLog = takeLog();
+
+  int status = 0;
+  if (*list) {
+    status = quillix::tool::runList(*plugin, listJson, std::cout);
+    plugin->unload();
+    for (const auto& line : takeLog()) std::cerr << "log " << line[0] << ": " << line[1].get<std::string>() << '\n';
+  } else if (*eval) {
+    nlohmann::json out;
+    status = quillix::tool::runEval(*plugin, evalOptions, out, std::cerr);
+    plugin->unload();
+    if (status == 0) {
+      out["loadLog"] = loadLog;
+      out["unloadLog"] = takeLog();
+      std::cout << out.dump(2) << '\n';
+    }
+  }
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& e) {
+    std::cerr << "quillix: " << e.what() << '\n';
+    return 2;
+  }
+}
