@@ -1,0 +1,35 @@
+// Binding tests load the real plug-in through the offline host, as a user's host would.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <xsihost/evaluation.h>
+#include <xsihost/plugin_host.h>
+#include <xsihost/port_values.h>
+#include <xsihost/session.h>
+
+namespace quillix::test {
+
+using XSI::ULONG;
+using xsihost::EvaluationRequest;
+using xsihost::OutputResult;
+using xsihost::PortValues;
+
+// The plug-in built with the tests, loaded once per test process.
+xsihost::LoadedPlugin& plugin();
+std::string pluginPath();
+
+// The registered definition of `node`; fails the test (and returns null) when missing.
+const XSI::host_detail::NodeDefinitionRecord* nodeDefinition(const std::wstring& node);
+
+// Evaluates `ports` of a fresh instance of `node` (Init, Begin, Evaluate, End, Term).
+std::vector<OutputResult> evaluate(const std::wstring& node, const EvaluationRequest& request,
+                                   const std::vector<ULONG>& ports);
+// The same for one port.
+OutputResult evaluate(const std::wstring& node, const EvaluationRequest& request, ULONG port);
+
+// The log lines written since the last call.
+std::vector<xsihost::LogLine> takeLog();
+
+}  // namespace quillix::test
