@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Builds Quillix and shows what it does: loads the plug-in, lists it, evaluates the shipped
+# example requests and prints their results.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install-deps.sh
+cmake --preset release >/dev/null
+cmake --build --preset release --target quillix Quillix
+
+quillix=build/release/bin/quillix
+echo
+echo "== quillix list: the plug-in's identity, commands and nodes"
+"$quillix" list
+echo
+for request in examples/*.json examples/*/*.json; do
+  [[ -e "$request" ]] || continue
+  case "$request" in */scenes/*|*/userhome/*) continue ;; esac
+  echo "== quillix eval $request"
+  "$quillix" eval "$request"
+  echo
+done
