@@ -1,0 +1,120 @@
+// Quillix_arrrev and Quillix_arrshft through the offline host.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <limits>
+
+#include "nodes/utility/node_values.h"
+
+namespace quillix::test {
+namespace {
+
+constexpr ULONG kArray = 1010, kShift = 1020, kResult = 2010;
+using IntArrays = std::vector<Ints>;
+
+OutputResult reverse(EvaluationRequest request) {
+  return evaluate(L"Quillix_arrrev", request, kResult);
+}
+OutputResult shift(EvaluationRequest request) {
+  return evaluate(L"Quillix_arrshft", request, kResult);
+}
+
+TEST(ArrayOrderNode, ReversesAndShiftsEachElementsArray) {
+  const PortValues arrays = PortValues::arraysOf<XSI::LONG>({{1, 2, 3, 4}, {5}, {}, {6, 7, 8}});
+  EXPECT_EQ(writtenArrays<XSI::LONG>(reverse(requestOf(4, {{kArray, arrays}}))),
+            (Written<Ints>{Ints{4, 3, 2, 1}, Ints{5}, Ints{}, Ints{8, 7, 6}}));
+
+  const PortValues shifts = PortValues::singles<XSI::LONG>({1, -1, 5, std::numeric_limits<XSI::LONG>::min()});
+  EXPECT_EQ(writtenArrays<XSI::LONG>(shift(requestOf(4, {{kArray, arrays}, {kShift, shifts}}))),
+            (Written<Ints>{Ints{4, 1, 2, 3}, Ints{5}, Ints{}, Ints{7, 8, 6}}));
+}
+
+// Every value type moves its entries whole: entry i of an array is filled with the byte i + 1,
+// and the result must hold the same bytes in the new order.
+TEST(ArrayOrderNode, EveryValueTypeIsReorderedWhole) {
+  for (ULONG type = 1; type <= 0x8000; type <<= 1) {
+    const std::size_t size = xsihost::valueSize(type);
+    if (size == 0) continue;
+    SCOPED_TRACE(xsihost::typeName(type));
+    auto arrayOf = [&](std::initializer_list<int> entries) {
+      PortValues values;
+      values.type = type;
+      values.array = true;
+      values.resize(1);
+      for (int entry : entries) values.arrays[0].insert(values.arrays[0].end(), size, std::byte(entry));
+      return values;
+    };
+    const PortValues input = arrayOf({1, 2, 3});
+    EXPECT_EQ(reverse(requestOf(1, {{kArray, input}})).values.arrays[0], arrayOf({3, 2, 1}).arrays[0]);
+    EXPECT_EQ(shift(requestOf(1, {{kArray, input}, {kShift, PortValues::singles<XSI::LONG>({1})}}))
+                  .values.arrays[0],
+              arrayOf({3, 1, 2}).arrays[0]);
+  }
+}
+
+TEST(ArrayOrderNode, StringArraysAreReorderedLikeAnyOtherType) {
+  const PortValues strings = PortValues::strings2D({{L"a", L"", L"c", L"d"}, {}});
+  EXPECT_EQ(writtenStringArrays(reverse(requestOf(2, {{kArray, strings}}))),
+            (Written<Strings>{Strings{L"d", L"c", L"", L"a"}, Strings{}}));
+  EXPECT_EQ(writtenStringArrays(shift(requestOf(
+                2, {{kArray, strings}, {kShift, PortValues::singles<XSI::LONG>({-9, 3})}}))),
+            (Written<Strings>{Strings{L"", L"c", L"d", L"a"}, Strings{}}));
+}
+
+TEST(ArrayOrderNode, SingleValuesAreCopiedThroughAndTheShiftIgnored) {
+  EXPECT_EQ(writtenSingles<float>(reverse(requestOf(2, {{kArray, PortValues::singles<float>({1.5f, -2.0f})}}))),
+            (Written<float>{1.5f, -2.0f}));
+  EXPECT_EQ(writtenStrings(shift(requestOf(2, {{kArray, PortValues::strings1D({L"x", L"yz"})},
+                                               {kShift, PortValues::singles<XSI::LONG>({1, 2})}}))),
+            (Written<std::wstring>{L"x", L"yz"}));
+}
+
+TEST(ArrayOrderNode, ConstantInputsGiveEveryElementTheSameResult) {
+  const auto out = shift(requestOf(3, {{kArray, PortValues::arraysOf<XSI::LONG>({{1, 2, 3}}).asConstant()},
+                                       {kShift, PortValues::singles<XSI::LONG>({0, 1, 2})}}));
+  EXPECT_EQ(writtenArrays<XSI::LONG>(out), (Written<Ints>{Ints{1, 2, 3}, Ints{3, 1, 2}, Ints{2, 3, 1}}));
+  const auto constantShift =
+      shift(requestOf(2, {{kArray, PortValues::arraysOf<XSI::LONG>({{1, 2}, {3, 4, 5}})},
+                          {kShift, PortValues::singles<XSI::LONG>({1}).asConstant()}}));
+  EXPECT_EQ(writtenArrays<XSI::LONG>(constantShift), (Written<Ints>{Ints{2, 1}, Ints{5, 3, 4}}));
+}
+
+TEST(ArrayOrderNode, WritesOnlyTheBatchAndNothingForUnknownPortsOrFailedQueries) {
+  auto request = requestOf(4, {{kArray, PortValues::arraysOf<XSI::LONG>({{1, 2}, {3, 4}, {5, 6}, {7, 8}})}});
+  request.batch = std::vector<ULONG>{0, 2};
+  EXPECT_EQ(writtenArrays<XSI::LONG>(reverse(request)),
+            (Written<Ints>{Ints{2, 1}, std::nullopt, Ints{6, 5}, std::nullopt}));
+  request.batch.reset();
+  EXPECT_EQ(evaluate(L"Quillix_arrrev", request, 2020).values.count, 0u);
+  request.failingPortInfo = {kArray};
+  EXPECT_EQ(writtenArrays<XSI::LONG>(reverse(request)), (Written<Ints>(4, std::nullopt)));
+}
+
+TEST(ArrayOrderNode, ManyThreadsGiveTheSingleThreadedResult) {
+  const ULONG n = 3000;
+  std::vector<std::vector<std::wstring>> strings(n);
+  IntArrays ints(n);
+  Ints shifts(n);
+  for (ULONG i = 0; i < n; ++i) {
+    for (ULONG j = 0; j < i % 11; ++j) {
+      strings[i].push_back(std::to_wstring(i * 100 + j));
+      ints[i].push_back(XSI::LONG(i * 100 + j));
+    }
+    shifts[i] = XSI::LONG(i % 23) - 11;
+  }
+  for (const PortValues& arrays : {PortValues::strings2D(strings), PortValues::arraysOf(ints)}) {
+    auto request = requestOf(n, {{kArray, arrays}, {kShift, PortValues::singles(shifts)}});
+    request.batchSize = 50;
+    for (const wchar_t* node : {L"Quillix_arrrev", L"Quillix_arrshft"}) {
+      request.threads = 1;
+      const OutputResult single = evaluate(node, request, kResult);
+      request.threads = 4;
+      const OutputResult threaded = evaluate(node, request, kResult);
+      EXPECT_TRUE(single.values.sameData(threaded.values));
+      EXPECT_EQ(single.values.written, threaded.values.written);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quillix::test
