@@ -137,7 +137,7 @@ void QRVGeometry::Reset(std::uint32_t mask) {
   if (mask & kDerivedVertexFlags) Free(vertexFlags_), vertexFlags_ = nullptr;
   if (mask & kDerivedPolygonFlags) Free(polygonFlags_), polygonFlags_ = nullptr;
   if (mask & kDerivedPolygonMeasures) Free(polygonMeasures_), polygonMeasures_ = nullptr;
-  if (mask & kDerivedVertexAreas) Free(vertexAreas_), vertexAreas_ = nullptr;
+  if (mask & kDerivedNeighbourDistances) Free(neighbourDistances_), neighbourDistances_ = nullptr;
   valid_ &= ~mask;
 }
 
@@ -488,7 +488,7 @@ bool QRVGeometry::Ensure(std::uint32_t bit) {
     case kDerivedVertexFlags: ok = ComputeVertexFlags(); break;
     case kDerivedPolygonFlags: ok = ComputePolygonFlags(); break;
     case kDerivedPolygonMeasures: ok = ComputePolygonMeasures(); break;
-    case kDerivedVertexAreas: ok = ComputeVertexAreas(); break;
+    case kDerivedNeighbourDistances: ok = ComputeNeighbourDistances(); break;
     default: break;
   }
   if (ok) {
@@ -545,7 +545,9 @@ const std::uint8_t* QRVGeometry::PolygonFlags() {
 const float* QRVGeometry::PolygonMeasures() {
   return Ensure(kDerivedPolygonMeasures) ? polygonMeasures_ : nullptr;
 }
-const float* QRVGeometry::VertexAreas() { return Ensure(kDerivedVertexAreas) ? vertexAreas_ : nullptr; }
+const float* QRVGeometry::NeighbourDistances() {
+  return Ensure(kDerivedNeighbourDistances) ? neighbourDistances_ : nullptr;
+}
 
 bool QRVGeometry::ComputeVertexCounts() {
   std::uint8_t* seen = Alloc<std::uint8_t>(std::size_t(vertexCount_));
@@ -778,24 +780,20 @@ bool QRVGeometry::ComputePolygonMeasures() {
   return true;
 }
 
-bool QRVGeometry::ComputeVertexAreas() {
-  const float* measures = PolygonMeasures();
-  if (measures == nullptr && polygonCount_ > 0) return false;
-  double* sums = Alloc<double>(std::size_t(vertexCount_));
-  vertexAreas_ = Alloc<float>(std::size_t(vertexCount_));
-  if (sums == nullptr || vertexAreas_ == nullptr) {
-    Free(sums);
-    return false;
+bool QRVGeometry::ComputeNeighbourDistances() {
+  if (!Ensure(kDerivedNeighbours)) return false;
+  neighbourDistances_ = Alloc<float>(std::size_t(neighbourOffsets_[vertexCount_]));
+  if (neighbourDistances_ == nullptr) return false;
+  // (a - b) and (b - a) round to exact negatives, so the length is the same from either end.
+#pragma omp parallel for schedule(dynamic, 4096)
+  for (std::int32_t v = 0; v < vertexCount_; ++v) {
+    const Vec3f& p = positions_[v];
+    for (std::int32_t i = neighbourOffsets_[v]; i < neighbourOffsets_[v + 1]; ++i) {
+      const Vec3f& q = positions_[neighbourLists_[i]];
+      const float dx = p.x - q.x, dy = p.y - q.y, dz = p.z - q.z;
+      neighbourDistances_[i] = std::sqrt(dy * dy + dx * dx + dz * dz);
+    }
   }
-  std::fill(sums, sums + vertexCount_, 0.0);
-  std::int64_t node = 0;
-  for (std::int32_t p = 0; p < polygonCount_; ++p) {
-    const std::int32_t size = polygonSizes_[p];
-    for (std::int32_t k = 0; k < size; ++k) sums[polygonIndices_[node + k]] += double(measures[p]) / size;
-    node += size;
-  }
-  for (std::int32_t v = 0; v < vertexCount_; ++v) vertexAreas_[v] = float(sums[v]);
-  Free(sums);
   return true;
 }
 

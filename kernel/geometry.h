@@ -24,7 +24,7 @@ enum QRVDerived : std::uint32_t {
   kDerivedVertexFlags = 65536,         // one flag word per vertex (kVertexFlag*)
   kDerivedPolygonFlags = 524288,       // one flag byte per polygon (kPolygonFlag*)
   kDerivedPolygonMeasures = 1048576,   // polygon area
-  kDerivedVertexAreas = 2097152,       // area share per vertex
+  kDerivedNeighbourDistances = 2097152,  // length of the edge behind every neighbour slot
   kDerivedAll = 0xFFFFFFFFu,
 };
 
@@ -165,7 +165,9 @@ class QRVGeometry {
   const std::uint32_t* VertexFlags();
   const std::uint8_t* PolygonFlags();
   const float* PolygonMeasures();  // area (fan triangulation), computed in double
-  const float* VertexAreas();      // each polygon's area shared equally by its corners
+  // Per neighbour slot (parallel to NeighbourLists): the distance between the two vertices,
+  // in single precision as sqrt(dy * dy + dx * dx + dz * dz), the path search's step length.
+  const float* NeighbourDistances();
 
   // Read-only views of already computed items (null when absent): safe for concurrent readers.
   const std::uint8_t* NeighbourCounts() const { return neighbourCounts_; }
@@ -173,6 +175,7 @@ class QRVGeometry {
   const std::int32_t* NeighbourLists() const { return neighbourLists_; }
   const std::int32_t* ComponentNumbers() const { return componentNumbers_; }
   const QRVOctree* Octree() const { return octree_; }
+  const float* NeighbourDistances() const { return neighbourDistances_; }
 
   // Bits of the derived items currently held.
   std::uint32_t ValidMask() const { return valid_; }
@@ -193,7 +196,7 @@ class QRVGeometry {
   bool ComputeVertexFlags();
   bool ComputePolygonFlags();
   bool ComputePolygonMeasures();
-  bool ComputeVertexAreas();
+  bool ComputeNeighbourDistances();
   bool Ensure(std::uint32_t bit);
   bool PolygonIsInvalid(std::int64_t firstNode, std::int32_t size) const;
 
@@ -232,7 +235,7 @@ class QRVGeometry {
   std::uint32_t* vertexFlags_ = nullptr;
   std::uint8_t* polygonFlags_ = nullptr;
   float* polygonMeasures_ = nullptr;
-  float* vertexAreas_ = nullptr;
+  float* neighbourDistances_ = nullptr;
 };
 
 }  // namespace quillix

@@ -9,41 +9,54 @@
 namespace quillix {
 namespace {
 
-// Min-heap of (distance, vertex) packed into one 64-bit key: distances are non-negative
-// finite floats, whose bit patterns order like their values, so one integer comparison
-// orders by distance first and vertex index second. Four children per node keep the
-// sift-down shallow. Storage comes from the memory context.
-class KeyHeap {
+// Min-heap of open vertices keyed by (distance, vertex index) packed into one 64-bit key:
+// distances are non-negative finite floats, whose bit patterns order like their values, so one
+// integer comparison orders by distance first and vertex index second. Each vertex is in the
+// heap at most once; an improved distance moves it up in place (decrease-key), which keeps
+// the heap no larger than the number of reached vertices. Four children per node keep it
+// shallow. Storage comes from the memory context.
+class VertexHeap {
  public:
-  explicit KeyHeap(QRVMemoryContext& memory) : memory_(memory) {}
-  ~KeyHeap() { memory_.Release(keys_); }
-  KeyHeap(const KeyHeap&) = delete;
-  KeyHeap& operator=(const KeyHeap&) = delete;
+  explicit VertexHeap(QRVMemoryContext& memory) : memory_(memory) {}
+  ~VertexHeap() {
+    memory_.Release(keys_);
+    memory_.Release(slot_);
+  }
+  VertexHeap(const VertexHeap&) = delete;
+  VertexHeap& operator=(const VertexHeap&) = delete;
+
+  // Room for `vertexCount` vertices; those with open[v] == 0 start closed.
+  bool Allocate(std::size_t vertexCount, const std::uint8_t* open) {
+    slot_ = memory_.AllocateArray<std::int32_t>(vertexCount);
+    keys_ = memory_.AllocateArray<std::uint64_t>(vertexCount);
+    if (slot_ == nullptr || keys_ == nullptr) return false;
+    for (std::size_t v = 0; v < vertexCount; ++v) slot_[v] = open[v] ? kOutside : kClosed;
+    return true;
+  }
+
+  // The open-mark test of the relaxation, read from the heap's own per-vertex array so that
+  // a relaxation touches one array less.
+  bool Closed(std::int32_t vertex) const { return slot_[vertex] == kClosed; }
 
   static std::uint64_t Key(float distance, std::int32_t vertex) {
     return std::uint64_t(std::bit_cast<std::uint32_t>(distance)) << 32 | std::uint32_t(vertex);
   }
-  static float Distance(std::uint64_t key) { return std::bit_cast<float>(std::uint32_t(key >> 32)); }
   static std::int32_t Vertex(std::uint64_t key) { return std::int32_t(std::uint32_t(key)); }
 
   bool Empty() const { return size_ == 0; }
 
-  bool Push(std::uint64_t key) {
-    if (size_ == capacity_ && !Grow()) return false;
-    std::size_t i = size_++;
-    while (i > 0) {
-      const std::size_t parent = (i - 1) / 4;
-      if (keys_[parent] <= key) break;
-      keys_[i] = keys_[parent];
-      i = parent;
-    }
-    keys_[i] = key;
-    return true;
+  // Inserts the open `vertex`, or lowers its key when it is already in the heap.
+  void PushOrDecrease(float distance, std::int32_t vertex) {
+    const std::uint64_t key = Key(distance, vertex);
+    const std::int32_t at = slot_[vertex];
+    SiftUp(at != kOutside ? std::size_t(at) : size_++, key);
   }
 
-  std::uint64_t Pop() {
-    const std::uint64_t top = keys_[0];
+  std::int32_t Pop() {
+    const std::int32_t top = Vertex(keys_[0]);
+    slot_[top] = kClosed;
     const std::uint64_t last = keys_[--size_];
+    if (size_ == 0) return top;
     std::size_t i = 0;
     for (;;) {
       const std::size_t first = 4 * i + 1;
@@ -54,29 +67,35 @@ class KeyHeap {
         if (keys_[c] < keys_[best]) best = c;
       }
       if (last <= keys_[best]) break;
-      keys_[i] = keys_[best];
+      Place(i, keys_[best]);
       i = best;
     }
-    keys_[i] = last;
+    Place(i, last);
     return top;
   }
 
  private:
-  bool Grow() {
-    const std::size_t grown = capacity_ == 0 ? 1024 : capacity_ * 2;
-    auto* keys = memory_.AllocateArray<std::uint64_t>(grown);
-    if (keys == nullptr) return false;
-    if (size_ > 0) std::memcpy(keys, keys_, size_ * sizeof(std::uint64_t));
-    memory_.Release(keys_);
-    keys_ = keys;
-    capacity_ = grown;
-    return true;
+  static constexpr std::int32_t kOutside = -1;  // open, not reached yet
+  static constexpr std::int32_t kClosed = -2;   // settled or blocked
+
+  void Place(std::size_t i, std::uint64_t key) {
+    keys_[i] = key;
+    slot_[Vertex(key)] = std::int32_t(i);
+  }
+  void SiftUp(std::size_t i, std::uint64_t key) {
+    while (i > 0) {
+      const std::size_t parent = (i - 1) / 4;
+      if (keys_[parent] <= key) break;
+      Place(i, keys_[parent]);
+      i = parent;
+    }
+    Place(i, key);
   }
 
   QRVMemoryContext& memory_;
   std::uint64_t* keys_ = nullptr;
+  std::int32_t* slot_ = nullptr;
   std::size_t size_ = 0;
-  std::size_t capacity_ = 0;
 };
 
 }  // namespace
@@ -95,6 +114,9 @@ bool FindVertexPath(const QRVGeometry& geometry, std::int32_t start, std::int32_
   const Vec3f* positions = geometry.Positions();
   const std::int32_t* offsets = geometry.NeighbourOffsets();
   const std::int32_t* neighbours = geometry.NeighbourLists();
+  // Step lengths computed once with the neighbour lists, when the geometry holds them; they
+  // are bit-identical to computing each step here.
+  const float* lengths = geometry.NeighbourDistances();
   if (positions == nullptr) status = kStatusInvalidState;
   if (geometry.NeighbourCounts() == nullptr || offsets == nullptr || neighbours == nullptr) {
     status = kStatusNullPointer;
@@ -141,34 +163,35 @@ bool FindVertexPath(const QRVGeometry& geometry, std::int32_t start, std::int32_
   distance[start] = 0.0f;
 
   {
-    KeyHeap heap(memory);
-    if (open[start] && !heap.Push(KeyHeap::Key(0.0f, start))) {
+    VertexHeap heap(memory);
+    if (!heap.Allocate(n, open)) {
       status = kStatusNoMemory;
       return false;
     }
+    if (open[start]) heap.PushOrDecrease(0.0f, start);
     while (!heap.Empty()) {
-      const std::uint64_t key = heap.Pop();
-      const std::int32_t v = KeyHeap::Vertex(key);
-      // Entries superseded by a later improvement, or of settled vertices, are stale.
-      if (!open[v] || KeyHeap::Distance(key) != distance[v]) continue;
+      const std::int32_t v = heap.Pop();
       open[v] = 0;
       if (v == end) break;
       const Vec3f& p = positions[v];
       const float base = distance[v];
       for (std::int32_t i = offsets[v]; i < offsets[v + 1]; ++i) {
         const std::int32_t w = neighbours[i];
-        if (!open[w]) continue;
-        const float dx = p.x - positions[w].x;
-        const float dy = p.y - positions[w].y;
-        const float dz = p.z - positions[w].z;
-        const float candidate = base + std::sqrt(dy * dy + dx * dx + dz * dz);
+        if (heap.Closed(w)) continue;
+        float step;
+        if (lengths != nullptr) {
+          step = lengths[i];
+        } else {
+          const float dx = p.x - positions[w].x;
+          const float dy = p.y - positions[w].y;
+          const float dz = p.z - positions[w].z;
+          step = std::sqrt(dy * dy + dx * dx + dz * dz);
+        }
+        const float candidate = base + step;
         if (distance[w] > candidate) {
           distance[w] = candidate;
           predecessor[w] = v;
-          if (!heap.Push(KeyHeap::Key(candidate, w))) {
-            status = kStatusNoMemory;
-            return false;
-          }
+          heap.PushOrDecrease(candidate, w);
         }
       }
     }

@@ -180,7 +180,7 @@ TEST(GeometryFlags, BorderNonManifoldAndPolygonFlags) {
   EXPECT_EQ(geo.QuadCount(), 9);
   EXPECT_EQ(geo.FanTriangleCount(), 18);
   float total = 0.0f;
-  for (int v = 0; v < geo.VertexCount(); ++v) total += geo.VertexAreas()[v];
+  for (int p = 0; p < geo.PolygonCount(); ++p) total += geo.PolygonMeasures()[p];
   EXPECT_FLOAT_EQ(total, 9.0f);
 }
 
