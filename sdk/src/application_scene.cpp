@@ -1,20 +1,35 @@
-// Scene access of Application and CRef. Until the offline host has a scene, there is nothing
-// to find: every lookup fails cleanly.
+// Scene access of Application and CRef, over the offline host's active scene and command
+// runner.
 #include <xsi_application.h>
+#include <xsi_model.h>
 #include <xsi_ref.h>
+#include <xsi_selection.h>
+
+#include <xsihost/scene.h>
+#include <xsihost/scene_commands.h>
 
 namespace XSI {
 
-CStatus CRef::Set(const CString& /*path*/) {
-  m_object.reset();
-  return CStatus::Fail;
+CStatus CRef::Set(const CString& path) {
+  m_object = xsihost::activeScene().find(path.Wide());
+  return m_object ? CStatus::OK : CStatus::Fail;
 }
 
-CRefArray Application::GetPlugins() const { return CRefArray(); }
+Model Application::GetActiveSceneRoot() const {
+  return Model(CRef(xsihost::activeScene().root()));
+}
 
-CStatus Application::ExecuteCommand(const CString& /*name*/, const CValueArray& /*arguments*/,
-                                    CValue& /*result*/) const {
-  return CStatus::Fail;
+Selection Application::GetSelection() const { return Selection(); }
+
+CRefArray Application::GetPlugins() const {
+  CRefArray plugins;
+  for (const auto& p : xsihost::LoadedPlugins()) plugins.Add(CRef(p));
+  return plugins;
+}
+
+CStatus Application::ExecuteCommand(const CString& name, const CValueArray& arguments,
+                                    CValue& result) const {
+  return xsihost::ExecuteCommand(name.Wide(), arguments, result);
 }
 
 }  // namespace XSI

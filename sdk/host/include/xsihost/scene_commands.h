@@ -1,0 +1,87 @@
+// The offline host's commands: definitions filled in by plug-in Init callbacks, execution with
+// arguments by position, the built-in "OpenScene", and the list of loaded plug-ins.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <xsi_status.h>
+#include <xsi_value.h>
+#include <xsihost/object.h>
+
+namespace xsihost {
+
+class LoadedPlugin;
+
+/// A command's definition (what Init put into it) and its per-command user data.
+class CommandObject : public XSI::host_detail::Object {
+ public:
+  struct Argument {
+    std::wstring name;
+    XSI::CValue value;  // the default, or the value of the running call
+  };
+
+  std::wstring m_name;
+  std::wstring m_description;
+  XSI::LONG m_flags = 0;
+  bool m_returnValue = true;
+  std::vector<Argument> m_arguments;
+  XSI::CValue m_userData;
+  const LoadedPlugin* m_plugin = nullptr;  // null for the host's own commands
+  std::function<XSI::CStatus(const XSI::CValueArray&, XSI::CValue&)> m_native;
+
+  std::wstring name() const override { return m_name; }
+  std::wstring typeName() const override { return L"Command"; }
+};
+
+/// One argument of a command, as Argument objects refer to it.
+class ArgumentObject : public XSI::host_detail::Object {
+ public:
+  ArgumentObject(std::shared_ptr<CommandObject> command, std::size_t index)
+      : m_command(std::move(command)), m_index(index) {}
+  std::wstring name() const override { return m_command->m_arguments[m_index].name; }
+  std::wstring typeName() const override { return L"Argument"; }
+  std::shared_ptr<CommandObject> m_command;
+  std::size_t m_index;
+};
+
+/// A loaded plug-in as Application::GetPlugins lists it.
+class PluginObject : public XSI::host_detail::Object {
+ public:
+  std::wstring m_name;
+  std::string m_path;  // the plug-in's file
+  std::wstring name() const override { return m_name; }
+  std::wstring typeName() const override { return L"Plugin"; }
+};
+
+/// The capability bit that keeps a command's calls out of the log.
+inline constexpr XSI::LONG kCommandNoLoggingFlag = 0x800000;
+
+/// Makes `plugin`'s registered commands runnable: runs each command's `<name>_Init` with a
+/// fresh definition, and lists the plug-in for Application::GetPlugins. A command name already
+/// known is replaced.
+void AttachPluginCommands(const LoadedPlugin& plugin);
+/// Forgets the commands and the listing of `plugin` (call before unloading it).
+void DetachPluginCommands(const LoadedPlugin& plugin);
+
+/// Runs the command `name` with `arguments` by position (missing or empty values take the
+/// defaults) and sets `result` to its "ReturnValue". Logs one line at severity 8 with the call
+/// unless the command has the no-logging flag. Unknown commands, too many arguments and
+/// failing callbacks are logged at severity 2 and return CStatus::Fail.
+XSI::CStatus ExecuteCommand(const std::wstring& name, const XSI::CValueArray& arguments,
+                            XSI::CValue& result);
+/// The definition of `name`, or null.
+std::shared_ptr<CommandObject> FindCommand(const std::wstring& name);
+std::vector<std::shared_ptr<PluginObject>> LoadedPlugins();
+
+/// The host's recent-scenes list file: $XSI_USERHOME/Data/Preferences/RecentFileMenus.xml, or
+/// an empty string when XSI_USERHOME is not set.
+std::string RecentScenesFilePath();
+/// Puts `scenePath` at the top of the recent-scenes section of `fileText` (an empty text
+/// starts a new file), drops its older entries and keeps at most ten; other sections are kept
+/// as they are. Paths are written verbatim.
+std::string UpdateRecentScenes(const std::string& fileText, const std::string& scenePath);
+
+}  // namespace xsihost

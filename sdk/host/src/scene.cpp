@@ -1,0 +1,309 @@
+// The offline host's scene model: keyed channels, transforms through the hierarchy, mesh
+// derived data, and the process-wide active scene.
+#include "xsihost/scene.h"
+
+#include <algorithm>
+#include <cmath>
+#include <mutex>
+#include <type_traits>
+
+#include <xsi_math.h>
+
+namespace xsihost {
+
+using XSI::CValue;
+using XSI::MATH::CMatrix3;
+using XSI::MATH::CRotation;
+using XSI::MATH::CTransformation;
+using XSI::MATH::CVector3;
+
+namespace {
+
+double lerp(double a, double b, double t) { return a + t * (b - a); }
+CVector3 lerp(const CVector3& a, const CVector3& b, double t) {
+  CVector3 out;
+  out.LinearlyInterpolate(a, b, t);
+  return out;
+}
+
+}  // namespace
+
+template <class T>
+T Channel<T>::at(double time) const {
+  if (keys.empty()) return value;
+  if (time <= keys.front().first) return keys.front().second;
+  if (time >= keys.back().first) return keys.back().second;
+  const auto next = std::upper_bound(keys.begin(), keys.end(), time,
+                                     [](double t, const auto& key) { return t < key.first; });
+  const auto prev = next - 1;
+  if constexpr (std::is_same_v<T, bool>) {
+    return prev->second;
+  } else {
+    const double span = next->first - prev->first;
+    const double t = span > 0.0 ? (time - prev->first) / span : 0.0;
+    return lerp(prev->second, next->second, t);
+  }
+}
+
+template struct Channel<double>;
+template struct Channel<bool>;
+template struct Channel<CVector3>;
+
+// ---- mesh derived data ----------------------------------------------------------------------
+
+MeshDerived DeriveMesh(const MeshData& mesh) {
+  MeshDerived d;
+  const std::size_t polygonCount = mesh.polygons.size();
+  std::vector<Vec3d> polygonNormals(polygonCount, Vec3d{0, 0, 0});  // area-weighted (Newell)
+  std::vector<std::vector<std::int32_t>> vertexPolygons(mesh.points.size());
+  std::int32_t node = 0;
+  for (std::size_t p = 0; p < polygonCount; ++p) {
+    const auto& poly = mesh.polygons[p];
+    d.polygonFirstNode.push_back(node);
+    Vec3d n{0, 0, 0};
+    for (std::size_t i = 0; i < poly.size(); ++i) {
+      const Vec3d& a = mesh.points[static_cast<std::size_t>(poly[i])];
+      const Vec3d& b = mesh.points[static_cast<std::size_t>(poly[(i + 1) % poly.size()])];
+      n[0] += (a[1] - b[1]) * (a[2] + b[2]);
+      n[1] += (a[2] - b[2]) * (a[0] + b[0]);
+      n[2] += (a[0] - b[0]) * (a[1] + b[1]);
+      vertexPolygons[static_cast<std::size_t>(poly[i])].push_back(static_cast<std::int32_t>(p));
+    }
+    polygonNormals[p] = {0.5 * n[0], 0.5 * n[1], 0.5 * n[2]};
+    for (std::size_t i = 1; i + 1 < poly.size(); ++i) {
+      d.triangles.push_back({poly[0], poly[i], poly[i + 1]});
+      d.trianglePolygon.push_back(static_cast<std::int32_t>(p));
+      d.triangleNodes.insert(d.triangleNodes.end(), {node, node + static_cast<std::int32_t>(i),
+                                                     node + static_cast<std::int32_t>(i + 1)});
+    }
+    node += static_cast<std::int32_t>(poly.size());
+  }
+
+  auto unit = [](const Vec3d& v) {
+    const double n = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    return n > 0.0 ? Vec3d{v[0] / n, v[1] / n, v[2] / n} : Vec3d{0, 0, 0};
+  };
+  std::vector<Vec3d> unitNormals(polygonCount);
+  for (std::size_t p = 0; p < polygonCount; ++p) unitNormals[p] = unit(polygonNormals[p]);
+  const double cosLimit = std::cos(60.0 * XSI::MATH::PI / 180.0);
+
+  d.nodeNormals.reserve(static_cast<std::size_t>(node));
+  for (std::size_t p = 0; p < polygonCount; ++p) {
+    const Vec3d& own = unitNormals[p];
+    for (std::int32_t v : mesh.polygons[p]) {
+      Vec3d sum{0, 0, 0};
+      for (std::int32_t q : vertexPolygons[static_cast<std::size_t>(v)]) {
+        const Vec3d& other = unitNormals[static_cast<std::size_t>(q)];
+        const double c = own[0] * other[0] + own[1] * other[1] + own[2] * other[2];
+        if (static_cast<std::size_t>(q) != p && c < cosLimit - 1e-12) continue;
+        const Vec3d& w = polygonNormals[static_cast<std::size_t>(q)];
+        sum = {sum[0] + w[0], sum[1] + w[1], sum[2] + w[2]};
+      }
+      d.nodeNormals.push_back(unit(sum));
+    }
+  }
+  return d;
+}
+
+// ---- SceneObject ------------------------------------------------------------------------------
+
+double SceneObject::resolveTime(double time) const {
+  if (time > 1e100 || std::isnan(time)) return m_currentFrame ? *m_currentFrame : 1.0;
+  return time;
+}
+
+CTransformation SceneObject::localAt(double time) const {
+  time = resolveTime(time);
+  CTransformation t;
+  if (m_matrix) return t.SetMatrix4(*m_matrix);
+  const CVector3 r = m_rotation.at(time);
+  t.SetScaling(m_scaling.at(time));
+  t.SetRotation(CRotation(XSI::MATH::DegreesToRadians(r.GetX()),
+                          XSI::MATH::DegreesToRadians(r.GetY()),
+                          XSI::MATH::DegreesToRadians(r.GetZ()), m_rotationOrder));
+  t.SetTranslation(m_translation.at(time));
+  return t;
+}
+
+CTransformation SceneObject::globalAt(double time) const {
+  time = resolveTime(time);
+  CTransformation global = localAt(time);
+  for (auto p = m_parent.lock(); p; p = p->m_parent.lock()) global.MulInPlace(p->localAt(time));
+  return global;
+}
+
+std::wstring SceneObject::fullName() const {
+  // Names are unique within a model; objects of the scene root's own model need no prefix.
+  std::wstring prefix;
+  for (auto p = m_parent.lock(); p; p = p->m_parent.lock()) {
+    if (p->isModel() && !p->m_parent.expired()) prefix = p->m_name + L"." + prefix;
+  }
+  return prefix + m_name;
+}
+
+bool SceneObject::parameterValue(const std::wstring& name, CValue& out) const {
+  // The object's own parameters: its name and the current visibility, as the host's property
+  // pages show them.
+  if (name == L"Name") {
+    out = CValue(m_name.c_str());
+    return true;
+  }
+  if (name == L"viewvis" || name == L"visibility") {
+    out = CValue(m_visible.at(resolveTime(1e300)));
+    return true;
+  }
+  return false;
+}
+
+// ---- views --------------------------------------------------------------------------------
+
+std::shared_ptr<XSI::host_detail::Object> PrimitiveObject::parent() const {
+  return std::const_pointer_cast<SceneObject>(m_owner);
+}
+
+bool PrimitiveObject::parameterValue(const std::wstring& name, CValue& out) const {
+  return parameterAt(name, 1e300, out);
+}
+
+bool PrimitiveObject::parameterAt(const std::wstring& name, double time, CValue& out) const {
+  const auto it = m_owner->m_parameters.find(name);
+  if (it == m_owner->m_parameters.end()) return false;
+  const ParameterData& p = it->second;
+  if (p.isText) {
+    out = CValue(p.text.c_str());
+  } else if (p.isBool) {
+    out = CValue(p.number.at(m_owner->resolveTime(time)) != 0.0);
+  } else {
+    out = CValue(p.number.at(m_owner->resolveTime(time)));
+  }
+  return true;
+}
+
+std::wstring GeometryObject::typeName() const {
+  if (m_owner->m_mesh) return L"PolygonMesh";
+  if (!m_owner->m_curves.empty()) return L"NurbsCurveList";
+  return L"Geometry";
+}
+
+std::shared_ptr<XSI::host_detail::Object> GeometryObject::parent() const {
+  return std::make_shared<PrimitiveObject>(m_owner);
+}
+
+std::wstring PropertyObject::name() const {
+  switch (m_kind) {
+    case Kind::Visibility:
+      return L"Visibility";
+    case Kind::Kinematics:
+      return L"Kinematics";
+    case Kind::GlobalState:
+      return L"Global";
+    case Kind::LocalState:
+      return L"Local";
+  }
+  return {};
+}
+
+std::wstring PropertyObject::typeName() const {
+  switch (m_kind) {
+    case Kind::Visibility:
+      return L"visibility";
+    case Kind::Kinematics:
+      return L"kine";
+    default:
+      return L"kinestate";
+  }
+}
+
+std::shared_ptr<XSI::host_detail::Object> PropertyObject::parent() const {
+  if (m_kind == Kind::GlobalState || m_kind == Kind::LocalState)
+    return std::make_shared<PropertyObject>(m_owner, Kind::Kinematics);
+  return std::const_pointer_cast<SceneObject>(m_owner);
+}
+
+bool PropertyObject::parameterValue(const std::wstring& name, CValue& out) const {
+  return parameterAt(name, 1e300, out);
+}
+
+bool PropertyObject::parameterAt(const std::wstring& name, double time, CValue& out) const {
+  time = m_owner->resolveTime(time);
+  if (m_kind == Kind::Visibility) {
+    if (name != L"viewvis" && name != L"rendvis") return false;
+    out = CValue(m_owner->m_visible.at(time));
+    return true;
+  }
+  if (m_kind == Kind::Kinematics) return false;
+  // Kinematic states: position, rotation (degrees, XYZ) and scaling components.
+  const CTransformation t =
+      m_kind == Kind::GlobalState ? m_owner->globalAt(time) : m_owner->localAt(time);
+  const CVector3 s = t.GetScaling(), r = t.GetRotationXYZAngles(), p = t.GetTranslation();
+  static const wchar_t* const kNames[9] = {L"sclx", L"scly", L"sclz", L"rotx", L"roty",
+                                           L"rotz", L"posx", L"posy", L"posz"};
+  const double values[9] = {s.GetX(),
+                            s.GetY(),
+                            s.GetZ(),
+                            XSI::MATH::RadiansToDegrees(r.GetX()),
+                            XSI::MATH::RadiansToDegrees(r.GetY()),
+                            XSI::MATH::RadiansToDegrees(r.GetZ()),
+                            p.GetX(),
+                            p.GetY(),
+                            p.GetZ()};
+  for (int i = 0; i < 9; ++i) {
+    if (name == kNames[i]) {
+      out = CValue(values[i]);
+      return true;
+    }
+  }
+  return false;
+}
+
+// ---- Scene --------------------------------------------------------------------------------
+
+Scene::Scene() : m_root(std::make_shared<SceneObject>()), m_currentFrame(std::make_shared<double>(1.0)) {
+  m_root->m_name = L"Scene_Root";
+  m_root->m_type = L"#model";
+  m_root->m_id = m_nextID++;
+  m_root->m_currentFrame = m_currentFrame;
+  m_byFullName[m_root->m_name] = m_root;
+}
+
+std::shared_ptr<SceneObject> Scene::find(const std::wstring& fullName) const {
+  const auto it = m_byFullName.find(fullName);
+  return it == m_byFullName.end() ? nullptr : it->second;
+}
+
+void Scene::add(const std::shared_ptr<SceneObject>& object,
+                const std::shared_ptr<SceneObject>& parent) {
+  const auto& p = parent ? parent : m_root;
+  object->m_parent = p;
+  p->m_children.push_back(object);
+  object->m_id = m_nextID++;
+  object->m_currentFrame = m_currentFrame;
+  m_objects.push_back(object);
+  m_byFullName[object->fullName()] = object;
+}
+
+namespace {
+
+std::mutex g_sceneMutex;
+std::shared_ptr<Scene> g_scene;
+std::vector<XSI::CRef> g_selection;
+
+}  // namespace
+
+std::shared_ptr<Scene> activeSceneHandle() {
+  std::lock_guard<std::mutex> lock(g_sceneMutex);
+  if (!g_scene) g_scene = std::make_shared<Scene>();
+  return g_scene;
+}
+
+Scene& activeScene() { return *activeSceneHandle(); }
+
+void setActiveScene(std::shared_ptr<Scene> scene) {
+  std::lock_guard<std::mutex> lock(g_sceneMutex);
+  g_scene = scene ? std::move(scene) : std::make_shared<Scene>();
+  g_selection.clear();
+}
+
+std::vector<XSI::CRef>& selection() { return g_selection; }
+
+}  // namespace xsihost

@@ -1,0 +1,257 @@
+// Command runner of the offline host, the built-in "OpenScene", and the recent-scenes list.
+#include "xsihost/scene_commands.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <mutex>
+#include <sstream>
+
+#include <xsi_ref.h>
+#include <xsihost/plugin_host.h>
+#include <xsihost/scene.h>
+#include <xsihost/scene_file.h>
+#include <xsihost/session.h>
+
+namespace xsihost {
+
+using XSI::CRef;
+using XSI::CStatus;
+using XSI::CValue;
+using XSI::CValueArray;
+using XSI::host_detail::ContextObject;
+
+namespace {
+
+using RefCallback = CStatus (*)(CRef&);
+
+std::wstring widen(const std::string& s) { return std::wstring(s.begin(), s.end()); }
+std::string narrow(const std::wstring& s) {
+  std::string out;
+  for (wchar_t c : s) out.push_back(c < 256 ? static_cast<char>(c) : '?');
+  return out;
+}
+
+CStatus openScene(const CValueArray& arguments, CValue& result);
+
+struct Registry {
+  std::mutex mutex;
+  std::map<std::wstring, std::shared_ptr<CommandObject>> commands;
+  std::vector<std::shared_ptr<PluginObject>> plugins;
+
+  Registry() {
+    auto open = std::make_shared<CommandObject>();
+    open->m_name = L"OpenScene";
+    open->m_description = L"Opens a scene file";
+    open->m_arguments = {{L"PathName", CValue(L"")}, {L"Confirm", CValue(true)}};
+    open->m_native = openScene;
+    commands[open->m_name] = open;
+  }
+};
+
+Registry& registry() {
+  static Registry r;
+  return r;
+}
+
+CStatus callPlugin(RefCallback fn, CRef& ref, const std::wstring& what) {
+  try {
+    return fn(ref);
+  } catch (...) {
+    hostLog().add(XSI::siErrorMsg, what + L": an exception escaped the plug-in");
+    return CStatus::Fail;
+  }
+}
+
+// The call as the log shows it: name("text", 1, true).
+std::wstring callText(const std::wstring& name, const std::vector<CommandObject::Argument>& args) {
+  std::wstring text = name + L"(";
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    if (i) text += L", ";
+    const CValue& v = args[i].value;
+    if (v.GetType() == CValue::siString) {
+      text += L"\"" + XSI::CString(v).Wide() + L"\"";
+    } else if (v.GetType() == CValue::siBool) {
+      text += static_cast<bool>(v) ? L"True" : L"False";
+    } else {
+      text += v.GetAsText().Wide();
+    }
+  }
+  return text + L")";
+}
+
+CStatus openScene(const CValueArray& arguments, CValue& /*result*/) {
+  const std::string path = narrow(XSI::CString(arguments[0]).Wide());
+  std::string error;
+  std::shared_ptr<Scene> scene = path.empty() ? nullptr : LoadSceneFile(path, error);
+  if (!scene) {
+    hostLog().add(XSI::siErrorMsg,
+                  L"OpenScene: " + (path.empty() ? std::wstring(L"no scene file given") : widen(error)));
+    return CStatus::Fail;
+  }
+  setActiveScene(scene);
+
+  const std::string listPath = RecentScenesFilePath();
+  if (listPath.empty()) {
+    hostLog().add(XSI::siWarningMsg,
+                  L"OpenScene: XSI_USERHOME is not set; the recent-scenes list was not updated.");
+    return CStatus::OK;
+  }
+  std::error_code ec;
+  const std::string absolute = std::filesystem::absolute(path, ec).lexically_normal().string();
+  std::string previous;
+  if (std::ifstream in(listPath, std::ios::binary); in) {
+    std::ostringstream content;
+    content << in.rdbuf();
+    previous = content.str();
+  }
+  std::filesystem::create_directories(std::filesystem::path(listPath).parent_path(), ec);
+  std::ofstream out(listPath, std::ios::binary | std::ios::trunc);
+  out << UpdateRecentScenes(previous, ec ? path : absolute);
+  if (!out.flush()) {
+    hostLog().add(XSI::siWarningMsg, L"OpenScene: cannot write " + widen(listPath));
+  }
+  return CStatus::OK;
+}
+
+}  // namespace
+
+void AttachPluginCommands(const LoadedPlugin& plugin) {
+  Registry& r = registry();
+  auto listing = std::make_shared<PluginObject>();
+  listing->m_name = plugin.record().name;
+  listing->m_path = plugin.path();
+  {
+    std::lock_guard<std::mutex> lock(r.mutex);
+    r.plugins.push_back(listing);
+  }
+  for (const std::wstring& name : plugin.record().commands) {
+    auto command = std::make_shared<CommandObject>();
+    command->m_name = name;
+    command->m_plugin = &plugin;
+    if (auto init = reinterpret_cast<RefCallback>(plugin.symbol(narrow(name) + "_Init"))) {
+      auto context = std::make_shared<ContextObject>(&command->m_userData, CRef(command));
+      CRef ref(context);
+      const CStatus status = callPlugin(init, ref, name + L"_Init");
+      if (!status.Succeeded())
+        hostLog().add(XSI::siErrorMsg, name + L"_Init failed; the command keeps what it defined.");
+    }
+    std::lock_guard<std::mutex> lock(r.mutex);
+    r.commands[name] = command;
+  }
+}
+
+void DetachPluginCommands(const LoadedPlugin& plugin) {
+  Registry& r = registry();
+  std::lock_guard<std::mutex> lock(r.mutex);
+  for (auto it = r.commands.begin(); it != r.commands.end();) {
+    it = it->second->m_plugin == &plugin ? r.commands.erase(it) : std::next(it);
+  }
+  std::erase_if(r.plugins, [&](const auto& p) { return p->m_path == plugin.path(); });
+}
+
+std::shared_ptr<CommandObject> FindCommand(const std::wstring& name) {
+  Registry& r = registry();
+  std::lock_guard<std::mutex> lock(r.mutex);
+  const auto it = r.commands.find(name);
+  return it == r.commands.end() ? nullptr : it->second;
+}
+
+std::vector<std::shared_ptr<PluginObject>> LoadedPlugins() {
+  Registry& r = registry();
+  std::lock_guard<std::mutex> lock(r.mutex);
+  return r.plugins;
+}
+
+CStatus ExecuteCommand(const std::wstring& name, const CValueArray& arguments, CValue& result) {
+  result = CValue();
+  const std::shared_ptr<CommandObject> definition = FindCommand(name);
+  if (!definition) {
+    hostLog().add(XSI::siErrorMsg, L"Unknown command \"" + name + L"\".");
+    return CStatus::Fail;
+  }
+  if (static_cast<std::size_t>(arguments.GetCount()) > definition->m_arguments.size()) {
+    hostLog().add(XSI::siErrorMsg, name + L": " + std::to_wstring(arguments.GetCount()) +
+                                       L" arguments given, but the command takes " +
+                                       std::to_wstring(definition->m_arguments.size()) + L".");
+    return CStatus::Fail;
+  }
+  // The running call works on a copy of the definition, so that the defaults stay intact;
+  // the user data is the command's own and persists between calls.
+  auto call = std::make_shared<CommandObject>(*definition);
+  CValueArray values;
+  for (std::size_t i = 0; i < call->m_arguments.size(); ++i) {
+    if (i < static_cast<std::size_t>(arguments.GetCount()) &&
+        !arguments[static_cast<XSI::LONG>(i)].IsEmpty())
+      call->m_arguments[i].value = arguments[static_cast<XSI::LONG>(i)];
+    values.Add(call->m_arguments[i].value);
+  }
+  if (!(call->m_flags & kCommandNoLoggingFlag))
+    hostLog().add(XSI::siInfoMsg, callText(name, call->m_arguments));
+
+  if (call->m_native) return call->m_native(values, result);
+
+  auto execute = reinterpret_cast<RefCallback>(
+      call->m_plugin ? call->m_plugin->symbol(narrow(name) + "_Execute") : nullptr);
+  if (!execute) {
+    hostLog().add(XSI::siErrorMsg, name + L": the plug-in exports no " + name + L"_Execute.");
+    return CStatus::Fail;
+  }
+  auto context = std::make_shared<ContextObject>(&definition->m_userData, CRef(call));
+  context->attributes[L"Arguments"] = CValue(values);
+  CRef ref(context);
+  const CStatus status = callPlugin(execute, ref, name + L"_Execute");
+  if (call->m_returnValue) {
+    const auto it = context->attributes.find(L"ReturnValue");
+    if (it != context->attributes.end()) result = it->second;
+  }
+  return status;
+}
+
+std::string RecentScenesFilePath() {
+  const char* home = std::getenv("XSI_USERHOME");
+  if (home == nullptr || *home == '\0') return {};
+  return (std::filesystem::path(home) / "Data" / "Preferences" / "RecentFileMenus.xml").string();
+}
+
+std::string UpdateRecentScenes(const std::string& fileText, const std::string& scenePath) {
+  static const std::string kOpen = "<menu name=\"RECENT_SCENES_MENU\">";
+  static const std::string kClose = "</menu>";
+  static const std::string kEntryOpen = "<recent_file>";
+  static const std::string kEntryClose = "</recent_file>";
+  constexpr std::size_t kMaxEntries = 10;
+
+  std::string before, after;
+  std::vector<std::string> entries;
+  const std::size_t start = fileText.find(kOpen);
+  const std::size_t end = start == std::string::npos ? std::string::npos : fileText.find(kClose, start);
+  if (start != std::string::npos && end != std::string::npos) {
+    before = fileText.substr(0, start);
+    after = fileText.substr(end + kClose.size());
+    const std::string section = fileText.substr(start + kOpen.size(), end - start - kOpen.size());
+    for (std::size_t pos = section.find(kEntryOpen); pos != std::string::npos;
+         pos = section.find(kEntryOpen, pos)) {
+      const std::size_t from = pos + kEntryOpen.size();
+      const std::size_t to = section.find(kEntryClose, from);
+      if (to == std::string::npos) break;
+      entries.push_back(section.substr(from, to - from));
+      pos = to + kEntryClose.size();
+    }
+  } else if (const std::size_t root = fileText.find("</recent_file_menus>"); root != std::string::npos) {
+    before = fileText.substr(0, root) + "  ";
+    after = "\n" + fileText.substr(root);
+  } else {
+    before = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<recent_file_menus>\n  ";
+    after = "\n</recent_file_menus>\n";
+  }
+  std::erase(entries, scenePath);
+  entries.insert(entries.begin(), scenePath);
+  if (entries.size() > kMaxEntries) entries.resize(kMaxEntries);
+  std::string section = kOpen + "\n";
+  for (const std::string& e : entries) section += "    " + kEntryOpen + e + kEntryClose + "\n";
+  section += "  " + kClose;
+  return before + section + after;
+}
+
+}  // namespace xsihost

@@ -1,0 +1,317 @@
+// Mesh files for scenes: OBJ through tinyobjloader, PLY through a small reader of our own.
+// Both keep the file's vertex numbering (vertex i of the file is point i of the mesh) and its
+// polygons as written, since users name vertices by index.
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#ifndef TINYOBJLOADER_USE_DOUBLE
+#define TINYOBJLOADER_USE_DOUBLE  // real_t = double, matching the library we link
+#endif
+#include <tiny_obj_loader.h>
+
+#include "xsihost/scene_file.h"
+
+namespace xsihost {
+namespace {
+
+std::string lowerExtension(const std::string& path) {
+  const auto dot = path.rfind('.');
+  if (dot == std::string::npos) return {};
+  std::string ext = path.substr(dot + 1);
+  std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
+  return ext;
+}
+
+std::string firstLine(const std::string& text) {
+  std::string line = text.substr(0, text.find('\n'));
+  while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.pop_back();
+  return line;
+}
+
+bool loadObj(const std::string& path, MeshData& mesh, std::string& error) {
+  tinyobj::ObjReaderConfig config;
+  config.triangulate = false;  // polygons stay polygons
+  config.vertex_color = false;
+  config.mtl_search_path = "";
+  tinyobj::ObjReader reader;
+  if (!reader.ParseFromFile(path, config)) {
+    error = path + ": " + (reader.Error().empty() ? std::string("cannot read the OBJ file")
+                                                  : firstLine(reader.Error()));
+    return false;
+  }
+  const tinyobj::attrib_t& attrib = reader.GetAttrib();
+  const std::size_t count = attrib.vertices.size() / 3;
+  mesh.points.resize(count);
+  for (std::size_t i = 0; i < count; ++i)
+    mesh.points[i] = {attrib.vertices[3 * i], attrib.vertices[3 * i + 1], attrib.vertices[3 * i + 2]};
+  // Every group and object of the file shares the one vertex list; faces are concatenated in
+  // file order.
+  for (const tinyobj::shape_t& shape : reader.GetShapes()) {
+    std::size_t offset = 0;
+    for (std::size_t f = 0; f < shape.mesh.num_face_vertices.size(); ++f) {
+      const std::size_t n = shape.mesh.num_face_vertices[f];
+      std::vector<std::int32_t> polygon;
+      for (std::size_t k = 0; k < n; ++k) {
+        const int v = shape.mesh.indices[offset + k].vertex_index;
+        if (v < 0 || static_cast<std::size_t>(v) >= count) {
+          error = path + ": face " + std::to_string(mesh.polygons.size() + 1) +
+                  " uses a vertex that does not exist (the file has " + std::to_string(count) +
+                  " vertices)";
+          return false;
+        }
+        polygon.push_back(v);
+      }
+      offset += n;
+      mesh.polygons.push_back(std::move(polygon));
+    }
+  }
+  return true;
+}
+
+// ---- PLY ------------------------------------------------------------------------------------
+
+enum class PlyFormat { Ascii, BinaryLittle, BinaryBig };
+
+struct PlyProperty {
+  std::string name;
+  std::string type;        // scalar type, or the item type of a list
+  std::string countType;   // set for list properties
+};
+
+struct PlyElement {
+  std::string name;
+  std::size_t count = 0;
+  std::vector<PlyProperty> properties;
+};
+
+std::size_t plyTypeSize(const std::string& t) {
+  if (t == "char" || t == "uchar" || t == "int8" || t == "uint8") return 1;
+  if (t == "short" || t == "ushort" || t == "int16" || t == "uint16") return 2;
+  if (t == "int" || t == "uint" || t == "float" || t == "int32" || t == "uint32" || t == "float32") return 4;
+  if (t == "double" || t == "float64") return 8;
+  return 0;
+}
+
+// Reads PLY bodies: text tokens line by line, or binary scalars in either byte order.
+class PlyBody {
+ public:
+  PlyBody(std::istream& in, PlyFormat format, std::string path, std::size_t headerLines)
+      : m_in(in), m_format(format), m_path(std::move(path)), m_line(headerLines) {}
+
+  bool next(const std::string& type, double& out, std::string& error) {
+    if (m_format == PlyFormat::Ascii) return nextText(out, error);
+    const std::size_t size = plyTypeSize(type);
+    unsigned char bytes[8];
+    if (!m_in.read(reinterpret_cast<char*>(bytes), static_cast<std::streamsize>(size))) {
+      error = m_path + ": the binary data end early";
+      return false;
+    }
+    const bool little = m_format == PlyFormat::BinaryLittle;
+    if (!little) std::reverse(bytes, bytes + size);  // this host is little-endian
+    if (type == "char" || type == "int8") out = static_cast<std::int8_t>(bytes[0]);
+    else if (type == "uchar" || type == "uint8") out = bytes[0];
+    else if (type == "short" || type == "int16") { std::int16_t v; std::memcpy(&v, bytes, 2); out = v; }
+    else if (type == "ushort" || type == "uint16") { std::uint16_t v; std::memcpy(&v, bytes, 2); out = v; }
+    else if (type == "int" || type == "int32") { std::int32_t v; std::memcpy(&v, bytes, 4); out = v; }
+    else if (type == "uint" || type == "uint32") { std::uint32_t v; std::memcpy(&v, bytes, 4); out = v; }
+    else if (type == "float" || type == "float32") { float v; std::memcpy(&v, bytes, 4); out = v; }
+    else { double v; std::memcpy(&v, bytes, 8); out = v; }
+    return true;
+  }
+
+  // Text bodies hold one element per line; the next element starts on a new line.
+  bool endElement(std::string& error) {
+    if (m_format != PlyFormat::Ascii) return true;
+    std::string rest;
+    while (m_tokens >> rest) {
+      error = m_path + ": line " + std::to_string(m_line) + ": more values than the header declares";
+      return false;
+    }
+    m_haveLine = false;
+    return true;
+  }
+
+  std::size_t line() const { return m_line; }
+
+ private:
+  bool nextText(double& out, std::string& error) {
+    std::string token;
+    while (!m_haveLine || !(m_tokens >> token)) {
+      std::string line;
+      if (m_haveLine) {
+        error = m_path + ": line " + std::to_string(m_line) + ": fewer values than the header declares";
+        return false;
+      }
+      if (!std::getline(m_in, line)) {
+        error = m_path + ": the file ends before all elements were read";
+        return false;
+      }
+      ++m_line;
+      m_tokens.clear();
+      m_tokens.str(line);
+      m_haveLine = true;
+    }
+    char* end = nullptr;
+    out = std::strtod(token.c_str(), &end);
+    if (end == token.c_str() || *end != '\0') {
+      error = m_path + ": line " + std::to_string(m_line) + ": \"" + token + "\" is not a number";
+      return false;
+    }
+    return true;
+  }
+
+  std::istream& m_in;
+  PlyFormat m_format;
+  std::string m_path;
+  std::size_t m_line;
+  std::istringstream m_tokens;
+  bool m_haveLine = false;
+};
+
+bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    error = path + ": cannot open the mesh file";
+    return false;
+  }
+  std::string line;
+  std::size_t lineNumber = 0;
+  auto bad = [&](const std::string& what) {
+    error = path + ": line " + std::to_string(lineNumber) + ": " + what;
+    return false;
+  };
+  if (!std::getline(in, line) || (++lineNumber, firstLine(line) != "ply")) return bad("not a PLY file (no \"ply\" first line)");
+  PlyFormat format = PlyFormat::Ascii;
+  bool haveFormat = false;
+  std::vector<PlyElement> elements;
+  for (;;) {
+    if (!std::getline(in, line)) return bad("the header has no \"end_header\"");
+    ++lineNumber;
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    std::istringstream words(line);
+    std::string keyword;
+    words >> keyword;
+    if (keyword.empty() || keyword == "comment" || keyword == "obj_info") continue;
+    if (keyword == "end_header") break;
+    if (keyword == "format") {
+      std::string name, version;
+      words >> name >> version;
+      if (name == "ascii") format = PlyFormat::Ascii;
+      else if (name == "binary_little_endian") format = PlyFormat::BinaryLittle;
+      else if (name == "binary_big_endian") format = PlyFormat::BinaryBig;
+      else return bad("unknown format \"" + name + "\"");
+      haveFormat = true;
+    } else if (keyword == "element") {
+      PlyElement e;
+      long long count = -1;
+      words >> e.name >> count;
+      if (e.name.empty() || count < 0) return bad("expected \"element NAME COUNT\"");
+      e.count = static_cast<std::size_t>(count);
+      elements.push_back(e);
+    } else if (keyword == "property") {
+      if (elements.empty()) return bad("a property before any element");
+      PlyProperty p;
+      std::string type;
+      words >> type;
+      if (type == "list") {
+        words >> p.countType >> p.type >> p.name;
+        if (plyTypeSize(p.countType) == 0 || plyTypeSize(p.type) == 0 || p.name.empty())
+          return bad("expected \"property list COUNT_TYPE ITEM_TYPE NAME\"");
+      } else {
+        p.type = type;
+        words >> p.name;
+        if (plyTypeSize(p.type) == 0 || p.name.empty()) return bad("unknown property type \"" + type + "\"");
+      }
+      elements.back().properties.push_back(p);
+    } else {
+      return bad("unknown header line \"" + keyword + "\"");
+    }
+  }
+  if (!haveFormat) return bad("the header has no \"format\" line");
+
+  PlyBody body(in, format, path, lineNumber);
+  for (const PlyElement& e : elements) {
+    const bool isVertex = e.name == "vertex";
+    const bool isFace = e.name == "face";
+    int xyz[3] = {-1, -1, -1};
+    int indexList = -1;
+    for (std::size_t k = 0; k < e.properties.size(); ++k) {
+      const PlyProperty& p = e.properties[k];
+      if (isVertex && p.countType.empty() && (p.name == "x" || p.name == "y" || p.name == "z"))
+        xyz[p.name[0] - 'x'] = static_cast<int>(k);
+      if (isFace && !p.countType.empty() && (p.name == "vertex_indices" || p.name == "vertex_index"))
+        indexList = static_cast<int>(k);
+    }
+    if (isVertex && (xyz[0] < 0 || xyz[1] < 0 || xyz[2] < 0)) {
+      error = path + ": the vertex element lacks an x, y or z property";
+      return false;
+    }
+    if (isFace && indexList < 0) {
+      error = path + ": the face element lacks a vertex_indices list";
+      return false;
+    }
+    for (std::size_t i = 0; i < e.count; ++i) {
+      Vec3d point{0, 0, 0};
+      std::vector<std::int32_t> polygon;
+      for (std::size_t k = 0; k < e.properties.size(); ++k) {
+        const PlyProperty& p = e.properties[k];
+        double value = 0.0;
+        if (p.countType.empty()) {
+          if (!body.next(p.type, value, error)) return false;
+          for (int c = 0; c < 3; ++c)
+            if (isVertex && xyz[c] == static_cast<int>(k)) point[static_cast<std::size_t>(c)] = value;
+          continue;
+        }
+        double count = 0.0;
+        if (!body.next(p.countType, count, error)) return false;
+        if (count < 0 || count != static_cast<double>(static_cast<long long>(count))) {
+          error = path + ": " + e.name + " " + std::to_string(i) + ": bad list length";
+          return false;
+        }
+        for (long long item = 0; item < static_cast<long long>(count); ++item) {
+          if (!body.next(p.type, value, error)) return false;
+          if (isFace && indexList == static_cast<int>(k)) {
+            if (value < 0 || value != static_cast<double>(static_cast<long long>(value)) ||
+                value >= static_cast<double>(mesh.points.size())) {
+              error = path + ": face " + std::to_string(i) + " uses vertex " + std::to_string(value) +
+                      ", which does not exist (the file has " + std::to_string(mesh.points.size()) +
+                      " vertices)";
+              return false;
+            }
+            polygon.push_back(static_cast<std::int32_t>(value));
+          }
+        }
+      }
+      if (!body.endElement(error)) return false;
+      if (isVertex) mesh.points.push_back(point);
+      if (isFace) mesh.polygons.push_back(std::move(polygon));
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+bool LoadMeshFile(const std::string& path, MeshData& mesh, std::string& error) {
+  mesh = MeshData();
+  const std::string ext = lowerExtension(path);
+  std::ifstream probe(path);
+  if (!probe) {
+    error = path + ": cannot open the mesh file";
+    return false;
+  }
+  bool ok = false;
+  if (ext == "obj") {
+    ok = loadObj(path, mesh, error);
+  } else if (ext == "ply") {
+    ok = loadPly(path, mesh, error);
+  } else {
+    error = path + ": unknown mesh file type \"." + ext + "\" (OBJ or PLY)";
+  }
+  if (!ok) mesh = MeshData();
+  return ok;
+}
+
+}  // namespace xsihost

@@ -1,0 +1,35 @@
+// Argument and ArgumentArray: the arguments a command defines in its Init callback.
+#pragma once
+
+#include <memory>
+
+#include <xsi_base.h>
+#include <xsi_string.h>
+#include <xsi_value.h>
+
+namespace XSI {
+
+class Argument : public SIObject {
+ public:
+  Argument() = default;
+  explicit Argument(const CRef& ref);
+
+  CValue GetValue() const;
+  CStatus PutValue(const CValue& value);
+};
+
+class ArgumentArray : public CBase {
+ public:
+  ArgumentArray() = default;
+  explicit ArgumentArray(const CRef& ref) : CBase(ref) {}
+
+  /// Appends an argument named `name` with the default `value`; a name already defined is
+  /// refused with CStatus::InvalidArgument.
+  CStatus Add(const CString& name, const CValue& value = CValue());
+  LONG GetCount() const;
+  Argument GetItem(LONG index) const;
+  Argument GetItem(const CString& name) const;
+  Argument operator[](LONG index) const { return GetItem(index); }
+};
+
+}  // namespace XSI

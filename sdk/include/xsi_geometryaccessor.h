@@ -1,0 +1,43 @@
+// CGeometryAccessor: flat arrays of a polygon mesh.
+#pragma once
+
+#include <memory>
+
+#include <xsi_decl.h>
+#include <xsi_plainarray.h>
+#include <xsi_status.h>
+
+namespace XSI {
+
+namespace host_detail {
+class Object;
+}
+
+class CGeometryAccessor {
+ public:
+  CGeometryAccessor() = default;
+  bool IsValid() const { return m_mesh != nullptr; }
+
+  LONG GetVertexCount() const;
+  LONG GetPolygonCount() const;
+  LONG GetPolygonNodeCount() const;
+  LONG GetTriangleCount() const;
+  /// x, y, z of every vertex in order.
+  CStatus GetVertexPositions(CDoubleArray& positions) const;
+  /// The vertex of every polygon node, polygon by polygon.
+  CStatus GetVertexIndices(CLongArray& indices) const;
+  /// The vertex count of every polygon.
+  CStatus GetPolygonVerticesCount(CLongArray& counts) const;
+  /// Three vertex indices per triangle (each polygon fanned from its first vertex).
+  CStatus GetTriangleVertexIndices(CLongArray& indices) const;
+  /// The polygon-node normals (x, y, z each), node by node.
+  CStatus GetNodeNormals(CFloatArray& normals) const;
+
+  // Host side only.
+  explicit CGeometryAccessor(std::shared_ptr<host_detail::Object> owner) : m_mesh(std::move(owner)) {}
+
+ private:
+  std::shared_ptr<host_detail::Object> m_mesh;
+};
+
+}  // namespace XSI

@@ -1,0 +1,80 @@
+// Data arrays of ICE attributes: a copy of an attribute's values, one per element.
+#pragma once
+
+#include <vector>
+
+#include <xsi_decl.h>
+#include <xsi_mathf.h>
+
+namespace XSI {
+
+class ICEAttribute;
+
+class CBaseICEAttributeDataArray {
+ public:
+  virtual ~CBaseICEAttributeDataArray() = default;
+  ULONG GetCount() const { return m_count; }
+  /// True when one value stands for every element (singleton attributes).
+  bool IsConstant() const { return m_constant; }
+  siICENodeDataType GetDataType() const { return m_type; }
+
+ protected:
+  explicit CBaseICEAttributeDataArray(siICENodeDataType type) : m_type(type) {}
+  siICENodeDataType m_type;
+  ULONG m_count = 0;
+  bool m_constant = false;
+  friend class ICEAttribute;
+};
+
+template <class T>
+struct ICEAttributeDataType;
+template <>
+struct ICEAttributeDataType<bool> {
+  static constexpr siICENodeDataType value = siICENodeDataBool;
+};
+template <>
+struct ICEAttributeDataType<LONG> {
+  static constexpr siICENodeDataType value = siICENodeDataLong;
+};
+template <>
+struct ICEAttributeDataType<float> {
+  static constexpr siICENodeDataType value = siICENodeDataFloat;
+};
+template <>
+struct ICEAttributeDataType<MATH::CVector3f> {
+  static constexpr siICENodeDataType value = siICENodeDataVector3;
+};
+
+template <class T>
+class CICEAttributeDataArray : public CBaseICEAttributeDataArray {
+ public:
+  CICEAttributeDataArray() : CBaseICEAttributeDataArray(ICEAttributeDataType<T>::value) {}
+  /// Value of element `index`; a constant array answers its one value for every index.
+  const T& operator[](ULONG index) const { return m_values[m_constant ? 0 : index]; }
+
+ private:
+  std::vector<T> m_values;
+  friend class ICEAttribute;
+};
+
+// std::vector<bool> hands out no references: booleans are kept one per byte.
+template <>
+class CICEAttributeDataArray<bool> : public CBaseICEAttributeDataArray {
+ public:
+  CICEAttributeDataArray() : CBaseICEAttributeDataArray(siICENodeDataBool) {}
+  const bool& operator[](ULONG index) const { return m_values[m_constant ? 0 : index].value; }
+
+ private:
+  struct Item {
+    bool value;
+  };
+  std::vector<Item> m_values;
+  friend class ICEAttribute;
+};
+
+typedef CICEAttributeDataArray<bool> CICEAttributeDataArrayBool;
+typedef CICEAttributeDataArray<LONG> CICEAttributeDataArrayLong;
+typedef CICEAttributeDataArray<float> CICEAttributeDataArrayFloat;
+typedef CICEAttributeDataArray<MATH::CVector3f> CICEAttributeDataArrayVector3f;
+
+}  // namespace XSI

@@ -1,0 +1,107 @@
+// Command, ArgumentArray and Argument over the offline host's command definitions.
+#include <xsi_argument.h>
+#include <xsi_command.h>
+
+#include <xsihost/scene_commands.h>
+
+namespace XSI {
+
+using xsihost::ArgumentObject;
+using xsihost::CommandObject;
+
+namespace {
+
+template <class T>
+std::shared_ptr<T> as(const CRef& ref) {
+  return std::dynamic_pointer_cast<T>(ref.GetObjectHandle());
+}
+
+}  // namespace
+
+Command::Command(const CRef& ref) : SIObject(as<CommandObject>(ref) ? ref : CRef()) {}
+
+ArgumentArray Command::GetArguments() const {
+  return ArgumentArray(as<CommandObject>(m_ref) ? m_ref : CRef());
+}
+
+CString Command::GetDescription() const {
+  const auto c = as<CommandObject>(m_ref);
+  return c ? CString(c->m_description.c_str()) : CString();
+}
+
+CStatus Command::PutDescription(const CString& description) {
+  const auto c = as<CommandObject>(m_ref);
+  if (!c) return CStatus::Fail;
+  c->m_description = description.Wide();
+  return CStatus::OK;
+}
+
+CStatus Command::SetFlag(LONG flag, bool value) {
+  const auto c = as<CommandObject>(m_ref);
+  if (!c) return CStatus::Fail;
+  c->m_flags = value ? (c->m_flags | flag) : (c->m_flags & ~flag);
+  return CStatus::OK;
+}
+
+bool Command::GetFlag(LONG flag) const {
+  const auto c = as<CommandObject>(m_ref);
+  return c && (c->m_flags & flag) == flag;
+}
+
+CStatus Command::EnableReturnValue(bool enable) {
+  const auto c = as<CommandObject>(m_ref);
+  if (!c) return CStatus::Fail;
+  c->m_returnValue = enable;
+  return CStatus::OK;
+}
+
+bool Command::IsReturnValueEnabled() const {
+  const auto c = as<CommandObject>(m_ref);
+  return c && c->m_returnValue;
+}
+
+CStatus ArgumentArray::Add(const CString& name, const CValue& value) {
+  const auto c = as<CommandObject>(m_ref);
+  if (!c) return CStatus::Fail;
+  if (name.IsEmpty()) return CStatus::InvalidArgument;
+  for (const auto& a : c->m_arguments)
+    if (a.name == name.Wide()) return CStatus::InvalidArgument;
+  c->m_arguments.push_back({name.Wide(), value});
+  return CStatus::OK;
+}
+
+LONG ArgumentArray::GetCount() const {
+  const auto c = as<CommandObject>(m_ref);
+  return c ? static_cast<LONG>(c->m_arguments.size()) : 0;
+}
+
+Argument ArgumentArray::GetItem(LONG index) const {
+  const auto c = as<CommandObject>(m_ref);
+  if (!c || index < 0 || static_cast<std::size_t>(index) >= c->m_arguments.size()) return Argument();
+  return Argument(CRef(std::make_shared<ArgumentObject>(c, static_cast<std::size_t>(index))));
+}
+
+Argument ArgumentArray::GetItem(const CString& name) const {
+  const auto c = as<CommandObject>(m_ref);
+  if (!c) return Argument();
+  for (std::size_t i = 0; i < c->m_arguments.size(); ++i)
+    if (c->m_arguments[i].name == name.Wide())
+      return Argument(CRef(std::make_shared<ArgumentObject>(c, i)));
+  return Argument();
+}
+
+Argument::Argument(const CRef& ref) : SIObject(as<ArgumentObject>(ref) ? ref : CRef()) {}
+
+CValue Argument::GetValue() const {
+  const auto a = as<ArgumentObject>(m_ref);
+  return a ? a->m_command->m_arguments[a->m_index].value : CValue();
+}
+
+CStatus Argument::PutValue(const CValue& value) {
+  const auto a = as<ArgumentObject>(m_ref);
+  if (!a) return CStatus::Fail;
+  a->m_command->m_arguments[a->m_index].value = value;
+  return CStatus::OK;
+}
+
+}  // namespace XSI

@@ -1,0 +1,277 @@
+// Scene objects of the SDK over the offline host's scene: hierarchy, search, properties,
+// kinematics, primitives, selection, plug-in listing and path utilities.
+#include <xsi_kinematics.h>
+#include <xsi_kinematicstate.h>
+#include <xsi_model.h>
+#include <xsi_plugin.h>
+#include <xsi_primitive.h>
+#include <xsi_property.h>
+#include <xsi_selection.h>
+#include <xsi_utils.h>
+#include <xsi_x3dobject.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+#include <xsihost/scene.h>
+#include <xsihost/scene_commands.h>
+
+namespace XSI {
+
+using xsihost::PrimitiveObject;
+using xsihost::PropertyObject;
+using xsihost::SceneObject;
+
+namespace {
+
+template <class T>
+std::shared_ptr<T> as(const CRef& ref) {
+  return std::dynamic_pointer_cast<T>(ref.GetObjectHandle());
+}
+
+CRef bindIf(const CRef& ref, bool ok) { return ok ? ref : CRef(); }
+
+// Families of the scene's object types, as FindChild2 filters them.
+std::vector<std::wstring> familiesOf(const std::wstring& type) {
+  if (type == L"polymsh") return {siMeshFamily, siGeometryFamily};
+  if (type == L"crvlist") return {siNurbsCurveListFamily, siGeometryFamily};
+  if (type == L"null") return {siNullPrimitiveFamily};
+  if (type == L"bone" || type == L"root" || type == L"eff") return {siChainElementFamily};
+  if (type == L"#model") return {siModelFamily};
+  if (type == L"cube" || type == L"sphere" || type == L"cone" || type == L"cylinder" ||
+      type == L"disc" || type == L"grid" || type == L"torus")
+    return {siImplicitGeometryFamily};
+  return {};
+}
+
+bool matches(const SceneObject& o, const CString& name, const CString& type,
+             const CStringArray& families) {
+  if (!name.IsEmpty() && o.m_name != name.Wide()) return false;
+  if (!type.IsEmpty() && o.m_type != type.Wide()) return false;
+  if (families.GetCount() == 0) return true;
+  const std::vector<std::wstring> own = familiesOf(o.m_type);
+  for (LONG i = 0; i < families.GetCount(); ++i)
+    if (std::find(own.begin(), own.end(), families[i].Wide()) != own.end()) return true;
+  return false;
+}
+
+// Depth-first, pre-order, children in scene order; an explicit stack keeps deep hierarchies
+// (long bone chains) off the call stack. Stops at the first match when `firstOnly`.
+CRefArray search(const CRef& from, const CString& name, const CString& type,
+                 const CStringArray& families, bool recursive, bool firstOnly) {
+  CRefArray found;
+  const auto start = as<SceneObject>(from);
+  if (!start) return found;
+  std::vector<std::shared_ptr<SceneObject>> stack(start->m_children.rbegin(), start->m_children.rend());
+  while (!stack.empty()) {
+    const std::shared_ptr<SceneObject> o = stack.back();
+    stack.pop_back();
+    if (matches(*o, name, type, families)) {
+      found.Add(CRef(o));
+      if (firstOnly) break;
+    }
+    if (recursive) stack.insert(stack.end(), o->m_children.rbegin(), o->m_children.rend());
+  }
+  return found;
+}
+
+}  // namespace
+
+// ---- SceneItem, Property ------------------------------------------------------------------
+
+Property SceneItem::GetPropertyFromName(const CString& name) const {
+  const auto o = as<SceneObject>(m_ref);
+  if (!o) return Property();
+  if (name.Wide() == L"Visibility")
+    return Property(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Visibility)));
+  if (name.Wide() == L"Kinematics")
+    return Property(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Kinematics)));
+  return Property();
+}
+
+CRefArray SceneItem::GetProperties() const {
+  CRefArray out;
+  if (const auto o = as<SceneObject>(m_ref)) {
+    out.Add(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Kinematics)));
+    out.Add(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Visibility)));
+  }
+  return out;
+}
+
+Property::Property(const CRef& ref) : SceneItem(bindIf(ref, as<PropertyObject>(ref) != nullptr)) {}
+
+CValue Property::GetParameterValue(const CString& name, double frame) const {
+  CValue value;
+  if (const auto p = as<PropertyObject>(m_ref)) p->parameterAt(name.Wide(), frame, value);
+  return value;
+}
+
+// ---- X3DObject, Model ---------------------------------------------------------------------
+
+X3DObject::X3DObject(const CRef& ref) : SceneItem(bindIf(ref, as<SceneObject>(ref) != nullptr)) {}
+
+X3DObject X3DObject::FindChild2(const CString& name, const CString& type,
+                                const CStringArray& families, bool recursive) const {
+  const CRefArray found = search(m_ref, name, type, families, recursive, true);
+  return found.GetCount() ? X3DObject(found[0]) : X3DObject();
+}
+
+CRefArray X3DObject::FindChildren2(const CString& name, const CString& type,
+                                   const CStringArray& families, bool recursive) const {
+  return search(m_ref, name, type, families, recursive, false);
+}
+
+CRefArray X3DObject::GetChildren() const {
+  CRefArray out;
+  if (const auto o = as<SceneObject>(m_ref))
+    for (const auto& c : o->m_children) out.Add(CRef(c));
+  return out;
+}
+
+Primitive X3DObject::GetActivePrimitive() const {
+  const auto o = as<SceneObject>(m_ref);
+  if (!o || o->isModel()) return Primitive();
+  return Primitive(CRef(std::make_shared<PrimitiveObject>(o)));
+}
+
+Kinematics X3DObject::GetKinematics() const {
+  const auto o = as<SceneObject>(m_ref);
+  if (!o) return Kinematics();
+  return Kinematics(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Kinematics)));
+}
+
+CRef X3DObject::GetModel() const {
+  const auto o = as<SceneObject>(m_ref);
+  if (!o) return CRef();
+  for (auto p = o->m_parent.lock(); p; p = p->m_parent.lock())
+    if (p->isModel()) return CRef(p);
+  return CRef();
+}
+
+Model::Model(const CRef& ref) {
+  const auto o = as<SceneObject>(ref);
+  SetObject(o && o->isModel() ? ref : CRef());
+}
+
+// ---- Kinematics ---------------------------------------------------------------------------
+
+Kinematics::Kinematics(const CRef& ref) {
+  const auto p = as<PropertyObject>(ref);
+  SetObject(p && p->m_kind == PropertyObject::Kind::Kinematics ? ref : CRef());
+}
+
+KinematicState Kinematics::GetGlobal() const {
+  const auto p = as<PropertyObject>(m_ref);
+  if (!p) return KinematicState();
+  return KinematicState(CRef(std::make_shared<PropertyObject>(p->m_owner, PropertyObject::Kind::GlobalState)));
+}
+
+KinematicState Kinematics::GetLocal() const {
+  const auto p = as<PropertyObject>(m_ref);
+  if (!p) return KinematicState();
+  return KinematicState(CRef(std::make_shared<PropertyObject>(p->m_owner, PropertyObject::Kind::LocalState)));
+}
+
+KinematicState::KinematicState(const CRef& ref) {
+  const auto p = as<PropertyObject>(ref);
+  SetObject(p && (p->m_kind == PropertyObject::Kind::GlobalState ||
+                  p->m_kind == PropertyObject::Kind::LocalState)
+                ? ref
+                : CRef());
+}
+
+MATH::CTransformation KinematicState::GetTransform(double frame) const {
+  const auto p = as<PropertyObject>(m_ref);
+  if (!p) return MATH::CTransformation();
+  return p->m_kind == PropertyObject::Kind::GlobalState ? p->m_owner->globalAt(frame)
+                                                         : p->m_owner->localAt(frame);
+}
+
+// ---- Primitive ----------------------------------------------------------------------------
+
+Primitive::Primitive(const CRef& ref) : ProjectItem(bindIf(ref, as<PrimitiveObject>(ref) != nullptr)) {}
+
+CValue Primitive::GetParameterValue(const CString& name, double frame) const {
+  CValue value;
+  if (const auto p = as<PrimitiveObject>(m_ref)) p->parameterAt(name.Wide(), frame, value);
+  return value;
+}
+
+Geometry Primitive::GetGeometry(double /*frame*/, siConstructionMode /*mode*/) const {
+  const auto p = as<PrimitiveObject>(m_ref);
+  if (!p || (!p->m_owner->m_mesh && p->m_owner->m_curves.empty())) return Geometry();
+  return Geometry(CRef(std::make_shared<xsihost::GeometryObject>(p->m_owner)));
+}
+
+// ---- Selection ----------------------------------------------------------------------------
+
+CStatus Selection::Add(const CRef& item) {
+  if (!item.IsValid()) return CStatus::InvalidArgument;
+  auto& items = xsihost::selection();
+  if (std::find(items.begin(), items.end(), item) == items.end()) items.push_back(item);
+  return CStatus::OK;
+}
+
+CStatus Selection::Remove(const CRef& item) {
+  auto& items = xsihost::selection();
+  const auto it = std::find(items.begin(), items.end(), item);
+  if (it == items.end()) return CStatus::Fail;
+  items.erase(it);
+  return CStatus::OK;
+}
+
+CStatus Selection::Clear() {
+  xsihost::selection().clear();
+  return CStatus::OK;
+}
+
+LONG Selection::GetCount() const { return static_cast<LONG>(xsihost::selection().size()); }
+
+CRef Selection::GetItem(LONG index) const {
+  const auto& items = xsihost::selection();
+  if (index < 0 || static_cast<std::size_t>(index) >= items.size()) return CRef();
+  return items[static_cast<std::size_t>(index)];
+}
+
+CRefArray Selection::GetArray() const {
+  CRefArray out;
+  for (const CRef& r : xsihost::selection()) out.Add(r);
+  return out;
+}
+
+// ---- Plugin, CUtils -----------------------------------------------------------------------
+
+Plugin::Plugin(const CRef& ref)
+    : SIObject(bindIf(ref, as<xsihost::PluginObject>(ref) != nullptr)) {}
+
+CString Plugin::GetOriginPath() const {
+  const auto p = as<xsihost::PluginObject>(m_ref);
+  if (!p) return CString();
+  std::string folder = std::filesystem::path(p->m_path).parent_path().string();
+  if (folder.empty() || folder.back() != '/') folder += '/';
+  return CString(folder.c_str());
+}
+
+CString Plugin::GetFilename() const {
+  const auto p = as<xsihost::PluginObject>(m_ref);
+  return p ? CString(p->m_path.c_str()) : CString();
+}
+
+CString CUtils::BuildPath(const CString& p1, const CString& p2, const CString& p3,
+                          const CString& p4, const CString& p5, const CString& p6) {
+  std::wstring out;
+  for (const CString* part : {&p1, &p2, &p3, &p4, &p5, &p6}) {
+    if (part->IsEmpty()) continue;
+    if (!out.empty() && out.back() != L'/' && part->Wide().front() != L'/') out += L'/';
+    out += part->Wide();
+  }
+  return CString(out.c_str());
+}
+
+CString CUtils::GetEnvironmentVariable(const CString& name) {
+  const char* value = std::getenv(name.GetAsciiString());
+  return CString(value ? value : "");
+}
+
+}  // namespace XSI
