@@ -1,0 +1,42 @@
+// Quillix_fchk through the offline host.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "nodes/utility/node_values.h"
+
+namespace quillix::test {
+namespace {
+
+constexpr ULONG kFilepath = 1010, kFileExists = 2010;
+
+Written<bool> fileExists(const std::wstring& path) {
+  return writtenSingles<bool>(evaluate(
+      L"Quillix_fchk", requestOf(1, {{kFilepath, PortValues::strings1D({path})}}), kFileExists));
+}
+
+TEST(FileExistsNode, AnswersWhetherThePathOpensForReading) {
+  char pattern[] = "/tmp/quillix_fchk_XXXXXX";
+  ASSERT_NE(::mkdtemp(pattern), nullptr);
+  const std::filesystem::path folder = pattern;
+  std::ofstream(folder / "cache.bin") << "data";
+  std::ofstream(folder / "caf\xE9.txt") << "data";  // the host's narrow form of "café.txt"
+
+  EXPECT_EQ(fileExists(folder.wstring() + L"/cache.bin"), (Written<bool>{true}));
+  EXPECT_EQ(fileExists(folder.wstring() + L"/caf\u00e9.txt"), (Written<bool>{true}));
+  EXPECT_EQ(fileExists(folder.wstring() + L"/missing.bin"), (Written<bool>{false}));
+  EXPECT_EQ(fileExists(folder.wstring()), (Written<bool>{false}));
+  EXPECT_EQ(fileExists(L""), (Written<bool>{false}));
+  std::filesystem::remove_all(folder);
+}
+
+TEST(FileExistsNode, UnconnectedPathAndUnknownPortWriteFalseAndNothing) {
+  EXPECT_EQ(writtenSingles<bool>(evaluate(L"Quillix_fchk", requestOf(1, {}), kFileExists)),
+            (Written<bool>{false}));
+  EXPECT_EQ(evaluate(L"Quillix_fchk", requestOf(1, {}), 2020).values.count, 0u);
+}
+
+}  // namespace
+}  // namespace quillix::test
