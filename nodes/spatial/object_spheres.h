@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -34,16 +35,29 @@ struct SceneObjectInfo {
   double size = 0.0;    // primitive parameter "size"
 };
 
-// An object's global placement: its scaling and position, and the row-vector matrix that
-// maps an object-space point to world space (row (x, y, z, 1) times the matrix).
-struct ObjectTransform {
-  Vec3d scaling{1.0, 1.0, 1.0};
-  Vec3d position;
-  double matrix[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
+// An object's global placement, as the caller's scene knows it: its scaling and position,
+// and the mapping of an object-space point to world space.
+class ObjectTransform {
+ public:
+  virtual ~ObjectTransform() = default;
+  virtual Vec3d Scaling() const = 0;
+  virtual Vec3d Position() const = 0;
+  virtual Vec3d MapToWorld(Vec3d objectPoint) const = 0;
 };
 
-// World position of the object-space point `p` under `transform`.
-Vec3d MapObjectToWorld(const ObjectTransform& transform, Vec3d p);
+// A placement given by a row-vector affine matrix (point = row (x, y, z, 1) times the matrix;
+// the fourth column is ignored): scaling is the length of each axis row, position row 3.
+class MatrixTransform final : public ObjectTransform {
+ public:
+  MatrixTransform();  // identity
+  explicit MatrixTransform(const double (&rowMajor)[4][4]);
+  Vec3d Scaling() const override;
+  Vec3d Position() const override;
+  Vec3d MapToWorld(Vec3d objectPoint) const override;
+
+ private:
+  double m_[4][4];
+};
 
 // Number of spheres that `object` yields: 0 when it is not valid, for a bone three per unit
 // of |length| rounded half away from zero and at least 2, otherwise 1.
@@ -59,5 +73,12 @@ std::size_t SphereCount(const SceneObjectInfo& object);
 //    follows the type ("cube": length/2, "sphere": radius, "root"/"eff": 0.8 size, else 1).
 std::size_t ObjectToSpheres(const SceneObjectInfo& object, const ObjectTransform& transform,
                             double scale, double boneScale, std::vector<Sphere>* out);
+
+// Spheres of a list of objects with their placements (parallel spans; an object that is not
+// valid contributes nothing), in list order. The result is sized exactly: the objects are
+// counted first, then filled.
+std::vector<Sphere> SpheresOfObjects(std::span<const SceneObjectInfo> objects,
+                                     std::span<const ObjectTransform* const> transforms,
+                                     double scale, double boneScale);
 
 }  // namespace quillix

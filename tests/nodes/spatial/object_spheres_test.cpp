@@ -11,18 +11,13 @@ SceneObjectInfo Object(const wchar_t* type, double length = 0, double radius = 0
   return {true, type, length, radius, size};
 }
 
-ObjectTransform Placed(Vec3d scaling, Vec3d position) {
-  ObjectTransform t;
-  t.scaling = scaling;
-  t.position = position;
-  const double s[3] = {scaling.x, scaling.y, scaling.z};
-  for (int r = 0; r < 3; ++r) {
-    for (int c = 0; c < 4; ++c) t.matrix[r][c] = r == c ? s[r] : 0.0;
-  }
-  t.matrix[3][0] = position.x;
-  t.matrix[3][1] = position.y;
-  t.matrix[3][2] = position.z;
-  return t;
+// Scaled along the axes, then moved to `position`.
+MatrixTransform Placed(Vec3d scaling, Vec3d position) {
+  const double m[4][4] = {{scaling.x, 0, 0, 0},
+                          {0, scaling.y, 0, 0},
+                          {0, 0, scaling.z, 0},
+                          {position.x, position.y, position.z, 1}};
+  return MatrixTransform(m);
 }
 
 std::vector<Sphere> Spheres(const SceneObjectInfo& object, const ObjectTransform& t, double scale,
@@ -34,7 +29,7 @@ std::vector<Sphere> Spheres(const SceneObjectInfo& object, const ObjectTransform
 }
 
 TEST(ObjectToSpheres, RadiusFollowsTypeParameterAndMeanScaling) {
-  const ObjectTransform unit = Placed({1, 1, 1}, {4, 5, 6});
+  const MatrixTransform unit = Placed({1, 1, 1}, {4, 5, 6});
   const auto sphere = Spheres(Object(L"sphere", 0, 2), unit, 1.5, 1);
   ASSERT_EQ(sphere.size(), 1u);
   EXPECT_NEAR(sphere[0].radius, 3.0, 1e-15);
@@ -49,7 +44,7 @@ TEST(ObjectToSpheres, RadiusFollowsTypeParameterAndMeanScaling) {
 
 TEST(ObjectToSpheres, BoneGivesATaperingRowFromRootToTip) {
   // Length 2: six spheres at f = 0, 0.2, ... 1, along the bone's X axis from (1, 0, 0).
-  const ObjectTransform t = Placed({1, 1, 1}, {1, 0, 0});
+  const MatrixTransform t = Placed({1, 1, 1}, {1, 0, 0});
   const auto row = Spheres(Object(L"bone", 2, 0, 0.5), t, 1, -2);
   ASSERT_EQ(row.size(), 6u);
   for (int i = 0; i < 6; ++i) {
@@ -74,12 +69,28 @@ TEST(ObjectToSpheres, CountsWithoutOutputAndNeverShrinksTheGivenArray) {
   SceneObjectInfo missing = Object(L"sphere", 0, 1);
   missing.valid = false;
   std::vector<Sphere> out(10, Sphere{9, 9, 9, 9});
-  EXPECT_EQ(ObjectToSpheres(missing, ObjectTransform{}, 1, 1, &out), 0u);
-  EXPECT_EQ(ObjectToSpheres(Object(L"bone", 1), ObjectTransform{}, 1, 1, nullptr), 3u);
-  EXPECT_EQ(ObjectToSpheres(Object(L"bone", 1), ObjectTransform{}, 1, 1, &out), 3u);
+  EXPECT_EQ(ObjectToSpheres(missing, MatrixTransform{}, 1, 1, &out), 0u);
+  EXPECT_EQ(ObjectToSpheres(Object(L"bone", 1), MatrixTransform{}, 1, 1, nullptr), 3u);
+  EXPECT_EQ(ObjectToSpheres(Object(L"bone", 1), MatrixTransform{}, 1, 1, &out), 3u);
   ASSERT_EQ(out.size(), 10u);
   EXPECT_EQ(out[3].radius, 9.0);  // beyond the count: untouched
   EXPECT_NE(out[2].radius, 9.0);
+}
+
+TEST(SpheresOfObjects, ConcatenatesInListOrderAndSkipsMissingObjects) {
+  SceneObjectInfo missing = Object(L"sphere", 0, 7);
+  missing.valid = false;
+  const SceneObjectInfo objects[] = {Object(L"bone", 1, 0, 1), missing, Object(L"sphere", 0, 2)};
+  const MatrixTransform first = Placed({1, 1, 1}, {0, 0, 0});
+  const MatrixTransform second = Placed({1, 1, 1}, {9, 9, 9});
+  const MatrixTransform third = Placed({2, 2, 2}, {0, 5, 0});
+  const ObjectTransform* transforms[] = {&first, &second, &third};
+  const std::vector<Sphere> spheres = SpheresOfObjects(objects, transforms, 1, 1);
+  ASSERT_EQ(spheres.size(), 4u);  // three for the bone, one for the last sphere
+  EXPECT_NEAR(spheres[2].x, 1.0, 1e-12);  // the bone's tip
+  EXPECT_EQ(spheres[3].y, 5.0);
+  EXPECT_NEAR(spheres[3].radius, 4.0, 1e-12);
+  EXPECT_TRUE(SpheresOfObjects({}, {}, 1, 1).empty());
 }
 
 }  // namespace

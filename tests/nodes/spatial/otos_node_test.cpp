@@ -1,0 +1,138 @@
+// Quillix_otos through the offline host over a small scene: radii by type, bone rows,
+// parameters read at the evaluation time, unknown names and mismatched inputs.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <xsihost/scene.h>
+#include <xsihost/scene_file.h>
+
+#include "support/plugin_fixture.h"
+
+namespace quillix::test {
+namespace {
+
+using XSI::MATH::CMatrix4f;
+using XSI::MATH::CVector4f;
+
+constexpr ULONG kNames = 1010, kTransforms = 1020, kScale = 1030, kBoneScale = 1040;
+constexpr ULONG kSpheres = 2010;
+
+constexpr const char* kScene = R"({ "objects": [
+  { "name": "ball", "type": "sphere", "parameters": { "radius": 2 },
+    "keys": { "parameters": { "radius": [[1, 2], [11, 3]] } } },
+  { "name": "crate", "type": "cube", "parameters": { "length": 4 } },
+  { "name": "marker", "type": "null" },
+  { "name": "hip", "type": "root", "parameters": { "size": 0.5 } },
+  { "name": "thigh", "type": "bone", "parent": "hip", "parameters": { "length": 2, "size": 0.5 } },
+  { "name": "toe", "type": "bone", "parent": "thigh", "parameters": { "length": 0.4, "size": 1 } }
+] })";
+
+class OtosNode : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::string error;
+    auto scene = xsihost::ParseSceneText(kScene, ".", "otos test scene", error);
+    ASSERT_TRUE(scene) << error;
+    xsihost::setActiveScene(scene);
+  }
+  void TearDown() override { xsihost::setActiveScene(std::make_shared<xsihost::Scene>()); }
+};
+
+CMatrix4f placed(float sx, float sy, float sz, float x, float y, float z) {
+  return CMatrix4f(sx, 0, 0, 0, 0, sy, 0, 0, 0, 0, sz, 0, x, y, z, 1);
+}
+
+std::vector<CVector4f> spheres(const std::vector<std::wstring>& names,
+                               const std::vector<CMatrix4f>& matrices, float scale = 1.0f,
+                               float boneScale = 1.0f, double time = 1.0) {
+  EvaluationRequest r;
+  r.elements = 1;
+  r.time = time;
+  r.setInput(kNames, PortValues::strings2D({names}));
+  r.setInput(kTransforms, PortValues::arraysOf(std::vector<std::vector<CMatrix4f>>{matrices}));
+  r.setInput(kScale, PortValues::singles<float>({scale}));
+  r.setInput(kBoneScale, PortValues::singles<float>({boneScale}));
+  const OutputResult out = evaluate(L"Quillix_otos", r, kSpheres);
+  EXPECT_TRUE(out.values.wasWritten(0));
+  return out.values.arrayAt<CVector4f>(0);
+}
+
+TEST(OtosNodeDefinition, IsSingleThreadedWithUnlinkedSingletonPorts) {
+  const auto* definition = nodeDefinition(L"Quillix_otos");
+  ASSERT_NE(definition, nullptr);
+  EXPECT_EQ(definition->threadingModel, 1u);
+  ASSERT_EQ(definition->groups.size(), 1u);
+  EXPECT_EQ(definition->groups[0].maxInstances, 1u);
+  struct Port {
+    ULONG id, type, structure;
+    const wchar_t* script;
+    const wchar_t* display;
+  };
+  const Port expected[] = {{kNames, 131072, 2, L"Names", L"In Names"},
+                           {kTransforms, 256, 2, L"GlobalTransform", L"In Global Transform"},
+                           {kScale, 4, 1, L"Scale", L"Scale"},
+                           {kBoneScale, 4, 1, L"ScaleBone", L"Scale Bone"},
+                           {kSpheres, 32, 2, L"Spheres", L"Array of Spheres"}};
+  ASSERT_EQ(definition->inputs.size(), 4u);
+  ASSERT_EQ(definition->outputs.size(), 1u);
+  for (const Port& e : expected) {
+    const auto* port = definition->findPort(e.id);
+    ASSERT_NE(port, nullptr) << e.id;
+    EXPECT_EQ(port->dataTypes, e.type);
+    EXPECT_EQ(port->structures, e.structure);
+    EXPECT_EQ(port->contexts, 1u);
+    EXPECT_EQ(port->scriptName, e.script);
+    EXPECT_EQ(port->displayName, e.display);
+    EXPECT_EQ(port->typeLink & port->structureLink & port->contextLink, 0xFFFFFFFFu);
+  }
+  EXPECT_TRUE(definition->inputs[0].defaultValue == XSI::CValue(XSI::CString(L"")));
+  EXPECT_TRUE(definition->inputs[2].defaultValue == XSI::CValue(1.0f));
+  EXPECT_TRUE(definition->inputs[3].defaultValue == XSI::CValue(1.0f));
+}
+
+TEST_F(OtosNode, OneSpherePerObjectSizedByTypeParameterAndScaling) {
+  const auto out = spheres({L"ball", L"crate", L"marker", L"hip"},
+                           {placed(1, 1, 1, 4, 5, 6), placed(1, 2, 3, 0, 0, 0),
+                            placed(1, 2, 3, 0, 0, 0), placed(1, 1, 1, 0, 0, 0)},
+                           -1.5f);
+  ASSERT_EQ(out.size(), 4u);
+  EXPECT_EQ(out[0].GetX(), 4.0f);
+  EXPECT_EQ(out[0].GetZ(), 6.0f);
+  EXPECT_FLOAT_EQ(out[0].GetW(), 3.0f);        // radius 2 × |Scale| 1.5
+  EXPECT_FLOAT_EQ(out[1].GetW(), 6.0f);        // mean scaling 2 × length/2 × 1.5
+  EXPECT_FLOAT_EQ(out[2].GetW(), 3.0f);        // a null: mean scaling × 1.5
+  EXPECT_FLOAT_EQ(out[3].GetW(), 0.4f * 1.5f);  // a root: 0.8 size
+}
+
+TEST_F(OtosNode, BonesGiveTaperingRowsFromRootToTip) {
+  const auto out = spheres({L"thigh", L"toe"}, {placed(1, 1, 1, 1, 0, 0), placed(2, 2, 2, 0, 0, 0)},
+                           1.0f, -2.0f);
+  ASSERT_EQ(out.size(), 8u);  // length 2: six spheres; length 0.4: raised to two
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_FLOAT_EQ(out[i].GetX(), 1.0f + 0.4f * i);
+    EXPECT_FLOAT_EQ(out[i].GetW(), static_cast<float>((0.333 - 0.025 * i) * 0.5 * 2));
+  }
+  EXPECT_FLOAT_EQ(out[6].GetW(), 0.333f * 2 * 2);  // size 1 × mean scaling 2 × |ScaleBone| 2
+  EXPECT_FLOAT_EQ(out[7].GetX(), 0.8f);            // tip: length 0.4 scaled by 2
+  EXPECT_FLOAT_EQ(out[7].GetW(), 0.208f * 2 * 2);
+}
+
+TEST_F(OtosNode, ReadsParametersAtTheEvaluationTime) {
+  EXPECT_FLOAT_EQ(spheres({L"ball"}, {placed(1, 1, 1, 0, 0, 0)}, 1, 1, 11.0)[0].GetW(), 3.0f);
+}
+
+TEST_F(OtosNode, SkipsUnknownNamesAndEmptiesOnMismatchedInputs) {
+  const auto known = spheres({L"nowhere", L"ball"}, {placed(1, 1, 1, 0, 0, 0), placed(1, 1, 1, 7, 0, 0)});
+  ASSERT_EQ(known.size(), 1u);
+  EXPECT_EQ(known[0].GetX(), 7.0f);  // matrix 1 goes with name 1
+  EXPECT_TRUE(spheres({L"ball", L"crate", L"marker"}, {placed(1, 1, 1, 0, 0, 0), placed(1, 1, 1, 0, 0, 0)})
+                  .empty());
+  EXPECT_TRUE(spheres({}, {}).empty());
+  EXPECT_TRUE(takeLog().empty());
+}
+
+}  // namespace
+}  // namespace quillix::test
