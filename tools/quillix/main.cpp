@@ -11,6 +11,7 @@
 
 #include "tools/quillix/commands.h"
 #include "tools/quillix/json_values.h"
+#include "tools/quillix/scene_tool.h"
 
 namespace {
 
@@ -36,6 +37,11 @@ int run(int argc, char** argv) {
   eval->add_option("request", evalOptions.requestPath, "Request file, or - for standard input")->required();
   eval->add_option("--threads", evalOptions.threads, "Threads for multi-threaded nodes")->check(CLI::Range(1, 256));
   eval->add_option("--batch-size", evalOptions.batchSize, "Elements per batch")->check(CLI::PositiveNumber);
+  std::string evalScene;
+  eval->add_option("--scene", evalScene, "Scene file for the nodes that read the scene");
+  quillix::tool::RunOptions runOptions;
+  quillix::tool::SceneOptions sceneOptions;
+  quillix::tool::addSceneSubcommands(app, runOptions, sceneOptions);
 
   try {
     app.parse(argc, argv);
@@ -45,6 +51,9 @@ int run(int argc, char** argv) {
     std::cerr << "quillix: " << e.what() << '\n';
     return 2;
   }
+
+  if (app.got_subcommand("scene")) return quillix::tool::runScene(sceneOptions, std::cout, std::cerr);
+  if (!evalScene.empty() && !quillix::tool::loadActiveScene(evalScene, std::cerr)) return 2;
 
   std::string error;
   std::unique_ptr<xsihost::LoadedPlugin> plugin = xsihost::LoadedPlugin::load(pluginPath, error);
@@ -59,6 +68,9 @@ int run(int argc, char** argv) {
     status = quillix::tool::runList(*plugin, listJson, std::cout);
     plugin->unload();
     for (const auto& line : takeLog()) std::cerr << "log " << line[0] << ": " << line[1].get<std::string>() << '\n';
+  } else if (app.got_subcommand("run")) {
+    status = quillix::tool::runCommand(*plugin, runOptions, std::cout, std::cerr);
+    plugin->unload();
   } else if (*eval) {
     nlohmann::json out;
     status = quillix::tool::runEval(*plugin, evalOptions, out, std::cerr);

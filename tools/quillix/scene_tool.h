@@ -1,0 +1,43 @@
+// The scene side of `quillix`: loading a scene for eval, `run` (a command over a scene) and
+// `scene` (the loaded scene as a tree).
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include <xsihost/plugin_host.h>
+
+namespace quillix::tool {
+
+struct RunOptions {
+  std::string command;
+  std::vector<std::string> assignments;  // "name=value", by argument name
+  std::string scenePath;                 // empty: the empty scene
+  bool asJson = false;
+};
+
+struct SceneOptions {
+  std::string scenePath;
+  double frame = 1e300;  // above 1e100: the scene's own frame
+  bool asJson = false;
+};
+
+/// Adds the `run` and `scene` subcommands, filling `run` and `scene`.
+void addSceneSubcommands(CLI::App& app, RunOptions& run, SceneOptions& scene);
+
+/// Loads `path` as the active scene; on failure prints one message to `err` and returns false.
+bool loadActiveScene(const std::string& path, std::ostream& err);
+
+/// Runs a command of `plugin` (or of the host) over the scene and prints its log, status,
+/// return value and resulting selection. Returns 0 when the command succeeded, 1 when it
+/// failed, 2 for bad input.
+int runCommand(xsihost::LoadedPlugin& plugin, const RunOptions& options, std::ostream& out,
+               std::ostream& err);
+
+/// Prints the scene as a tree with types and global positions. Returns 0, or 2 for bad input.
+int runScene(const SceneOptions& options, std::ostream& out, std::ostream& err);
+
+}  // namespace quillix::tool
