@@ -1,0 +1,412 @@
+// Quillix__FindMatchingObjects: ranks the scene's objects of the input's type by their
+// similarity to the input, logs the ranking, optionally selects the best matches and returns
+// them as "name,percentage" text. The scene is read here; scoring and ranking are in
+// commands/match_scoring.h.
+#include <xsi_application.h>
+#include <xsi_argument.h>
+#include <xsi_command.h>
+#include <xsi_context.h>
+#include <xsi_geometry.h>
+#include <xsi_kinematics.h>
+#include <xsi_kinematicstate.h>
+#include <xsi_model.h>
+#include <xsi_primitive.h>
+#include <xsi_property.h>
+#include <xsi_selection.h>
+#include <xsi_status.h>
+#include <xsi_string.h>
+#include <xsi_transformation.h>
+#include <xsi_value.h>
+#include <xsi_valuearray.h>
+#include <xsi_x3dobject.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "commands/match_scoring.h"
+#include "commands/object_features.h"
+
+namespace {
+
+using namespace XSI;
+using quillix::MatchTerm;
+using quillix::ObjectFeatures;
+
+enum class ArgumentType { String, Integer, Double, Boolean, Float };
+
+struct ArgumentDef {
+  const wchar_t* name;
+  ArgumentType type;
+  double defaultValue;  // unused for the string argument, whose default is empty
+};
+
+// The largest double: the host reads it as "the current frame".
+constexpr double kCurrentFrame = 1.7976931348623157e308;
+
+// The arguments in the order in which Execute reads them by position.
+constexpr ArgumentDef kArguments[] = {
+    {L"inObj", ArgumentType::String, 0.0},
+    {L"inObjConstructionMode", ArgumentType::Integer, 0.0},
+    {L"inObjEvaluationFrame", ArgumentType::Double, kCurrentFrame},
+    {L"candidateConstructionMode", ArgumentType::Integer, 0.0},
+    {L"candidateEvaluationFrame", ArgumentType::Double, kCurrentFrame},
+    {L"candidateSkipIfSameParent", ArgumentType::Boolean, 1.0},
+    {L"candidateSkipIfNotVisible", ArgumentType::Boolean, 1.0},
+    {L"selectOut", ArgumentType::Boolean, 0.0},
+    {L"numOut", ArgumentType::Integer, 1.0},
+    {L"verbose", ArgumentType::Boolean, 0.0},
+    {L"weightName", ArgumentType::Float, 0.0},
+    {L"weightPointCount", ArgumentType::Float, 1.0},
+    {L"weightTriangleCount", ArgumentType::Float, 1.0},
+    {L"weightBoundingBox", ArgumentType::Float, 1.0},
+    {L"weightBoundingSphere", ArgumentType::Float, 1.0},
+    {L"weightLocalSurfArea", ArgumentType::Float, 1.0},
+    {L"weightLocalSurfNormalAverage", ArgumentType::Float, 1.0},
+    {L"weightLocalPos", ArgumentType::Float, 0.0},
+    {L"weightLocalRot", ArgumentType::Float, 0.0},
+    {L"weightLocalScl", ArgumentType::Float, 0.0},
+    // Deliberately 0.125: a hint from the position of the vertices, not a shape measure.
+    {L"weightGlobalVertexCenter", ArgumentType::Float, 0.125},
+    {L"weightGlobalSurfArea", ArgumentType::Float, 0.0},
+    {L"weightGlobalSurfNormalAverage", ArgumentType::Float, 0.0},
+    {L"weightGlobalPos", ArgumentType::Float, 0.0},
+    {L"weightGlobalRot", ArgumentType::Float, 0.0},
+    {L"weightGlobalScl", ArgumentType::Float, 0.0},
+};
+constexpr LONG kArgumentCount = LONG(std::size(kArguments));
+constexpr LONG kFirstWeightArgument = 10;
+static_assert(kArgumentCount == kFirstWeightArgument + LONG(quillix::kMatchTermCount));
+
+// The host's no-logging capability bit; cleared so that every call is logged as usual.
+constexpr LONG kNoLoggingFlag = 0x800000;
+
+CValue DefaultValue(const ArgumentDef& argument) {
+  switch (argument.type) {
+    case ArgumentType::String: return CValue(CString());
+    case ArgumentType::Integer: return CValue(LONG(argument.defaultValue));
+    case ArgumentType::Double: return CValue(argument.defaultValue);
+    case ArgumentType::Boolean: return CValue(argument.defaultValue != 0.0);
+    case ArgumentType::Float: return CValue(float(argument.defaultValue));
+  }
+  return CValue();
+}
+
+struct Options {
+  CString inputName;
+  LONG inputMode = 0;
+  double inputFrame = kCurrentFrame;
+  LONG candidateMode = 0;
+  double candidateFrame = kCurrentFrame;
+  bool skipSameParent = true;
+  bool skipHidden = true;
+  bool selectOut = false;
+  LONG numOut = 1;
+  bool verbose = false;
+  quillix::MatchWeights weights{};
+};
+
+Options ReadOptions(const CValueArray& given) {
+  std::vector<CValue> values;
+  for (LONG i = 0; i < kArgumentCount; ++i) {
+    const bool present = i < given.GetCount() && !given[i].IsEmpty();
+    values.push_back(present ? given[i] : DefaultValue(kArguments[i]));
+  }
+  Options o;
+  o.inputName = CString(values[0]);
+  o.inputMode = LONG(values[1]);
+  o.inputFrame = double(values[2]);
+  o.candidateMode = LONG(values[3]);
+  o.candidateFrame = double(values[4]);
+  o.skipSameParent = bool(values[5]);
+  o.skipHidden = bool(values[6]);
+  o.selectOut = bool(values[7]);
+  o.numOut = LONG(values[8]);
+  o.verbose = bool(values[9]);
+  for (std::size_t t = 0; t < quillix::kMatchTermCount; ++t) {
+    o.weights[t] = float(values[kFirstWeightArgument + t]);
+  }
+  return o;
+}
+
+void Log(const CString& text, siSeverityType severity) {
+  Application().LogMessage(text, severity);
+}
+
+CString Quoted(const CString& text) { return CString(L"\"") + text + L"\""; }
+
+CString Number(std::int64_t value) { return CString(std::to_string(value).c_str()); }
+
+quillix::Vector3d ToVector(const MATH::CVector3& v) { return {v.GetX(), v.GetY(), v.GetZ()}; }
+
+std::vector<quillix::Vector3d> ToVectors(const MATH::CVector3Array& array) {
+  std::vector<quillix::Vector3d> out(static_cast<std::size_t>(array.GetCount()));
+  for (LONG i = 0; i < array.GetCount(); ++i) out[std::size_t(i)] = ToVector(array[i]);
+  return out;
+}
+
+quillix::TransformParts ToParts(const MATH::CTransformation& transform) {
+  quillix::TransformParts parts;
+  parts.scaling = ToVector(transform.GetScaling());
+  parts.translation = ToVector(transform.GetTranslation());
+  const MATH::CMatrix3 rotation = transform.GetRotationMatrix3();
+  for (short r = 0; r < 3; ++r) {
+    for (short c = 0; c < 3; ++c) parts.rotation.m[r][c] = rotation.GetValue(r, c);
+  }
+  return parts;
+}
+
+quillix::Matrix4d ToMatrix(const MATH::CTransformation& transform) {
+  const MATH::CMatrix4 matrix = transform.GetMatrix4();
+  quillix::Matrix4d out;
+  for (short r = 0; r < 4; ++r) {
+    for (short c = 0; c < 4; ++c) out.m[r][c] = matrix.GetValue(r, c);
+  }
+  return out;
+}
+
+// Where an object's features are read: its frame and construction mode.
+struct Sampling {
+  double frame;
+  LONG mode;
+};
+
+Geometry GeometryOf(const X3DObject& object, const Sampling& at) {
+  return object.GetActivePrimitive().GetGeometry(at.frame, siConstructionMode(at.mode));
+}
+
+// Point and triangle counts; 0 and 0 for an object without geometry.
+void ReadCounts(const Geometry& geometry, ObjectFeatures& features) {
+  if (!geometry.IsValid()) return;
+  features.pointCount = geometry.GetPoints().GetCount();
+  features.triangleCount = geometry.GetTriangles().GetCount();
+}
+
+enum class FeatureFailure { None, BoundingBox, BoundingSphere };
+
+// Reads the features that `needs` asks for, beyond the counts. Without geometry every
+// geometric feature stays 0; a bounding box or sphere that the host cannot give is reported
+// and left at 0.
+FeatureFailure ReadFeatures(const X3DObject& object, const Geometry& geometry, const Sampling& at,
+                            const quillix::FeatureNeeds& needs, ObjectFeatures& features) {
+  FeatureFailure failure = FeatureFailure::None;
+  const MATH::CTransformation identity;
+  if (needs.boundingBox) {
+    double cx, cy, cz, ex, ey, ez;
+    if (geometry.IsValid() && geometry.GetBoundingBox(cx, cy, cz, ex, ey, ez, identity) ==
+                                  CStatus::OK) {
+      features.boxExtent = {ex, ey, ez};
+    } else {
+      failure = FeatureFailure::BoundingBox;
+    }
+  }
+  if (needs.boundingSphere) {
+    double cx, cy, cz, radius;
+    if (geometry.IsValid() &&
+        geometry.GetBoundingSphere(cx, cy, cz, radius, siVolumeCenterMethodBBoxCenter,
+                                   identity) == CStatus::OK) {
+      features.sphereRadius = radius;
+    } else if (failure == FeatureFailure::None) {
+      failure = FeatureFailure::BoundingSphere;
+    }
+  }
+  const Kinematics kinematics = object.GetKinematics();
+  if (needs.localTransform) features.local = ToParts(kinematics.GetLocal().GetTransform(at.frame));
+  quillix::Matrix4d global;
+  if (needs.globalTransform) {
+    const MATH::CTransformation transform = kinematics.GetGlobal().GetTransform(at.frame);
+    features.global = ToParts(transform);
+    global = ToMatrix(transform);
+  }
+  if (geometry.IsValid() && (needs.triangles || needs.localNormals || needs.globalNormals)) {
+    const CTriangleRefArray triangles = geometry.GetTriangles();
+    if (needs.triangles) {
+      const std::vector<quillix::Vector3d> corners = ToVectors(triangles.GetPositionArray());
+      if (needs.localArea) features.localSurfaceArea = quillix::TriangleSurfaceArea(corners);
+      if (needs.globalArea) {
+        features.globalSurfaceArea = quillix::TransformedSurfaceArea(corners, global);
+      }
+      if (needs.vertexCenter) {
+        features.globalVertexCenter = quillix::TransformedPointAverage(corners, global);
+      }
+    }
+    if (needs.localNormals || needs.globalNormals) {
+      const std::vector<quillix::Vector3d> normals =
+          ToVectors(triangles.GetPolygonNodeNormalArray());
+      if (needs.localNormals) features.localNormalAverage = quillix::Average(normals);
+      if (needs.globalNormals) {
+        features.globalNormalAverage = quillix::TransformedDirectionAverage(normals, global);
+      }
+    }
+  }
+  return failure;
+}
+
+// The input: the name as a full object name, or else the first object of that name anywhere
+// under the scene root.
+X3DObject FindInput(const Model& root, const CString& name) {
+  CRef ref;
+  if (ref.Set(name) == CStatus::OK) {
+    X3DObject object(ref);
+    if (object.IsValid()) return object;
+  }
+  return root.FindChild2(name, CString(), CStringArray(), true);
+}
+
+bool IsHidden(const SceneItem& item, double frame) {
+  const Property visibility = item.GetPropertyFromName(L"Visibility");
+  if (!visibility.IsValid()) return false;
+  const CValue viewvis = visibility.GetParameterValue(L"viewvis", frame);
+  return !viewvis.IsEmpty() && !bool(viewvis);
+}
+
+CStatus Execute(CRef& contextRef) {
+  Context context(contextRef);
+  Options o = ReadOptions(CValueArray(context.GetAttribute(L"Arguments")));
+
+  if (o.inputName.IsEmpty()) {
+    Log(L"No input object specified, aborting.", siWarningMsg);
+    return CStatus::OK;
+  }
+  Application application;
+  const Model root = application.GetActiveSceneRoot();
+  const X3DObject input = FindInput(root, o.inputName);
+  if (!input.IsValid()) {
+    Log(L"Unable to find " + Quoted(o.inputName) + L" in the scene.", siErrorMsg);
+    return CStatus::Fail;
+  }
+
+  const Sampling inputAt{quillix::EffectiveFrame(o.inputFrame), o.inputMode};
+  const Sampling candidateAt{quillix::EffectiveFrame(o.candidateFrame), o.candidateMode};
+  o.weights = quillix::ClampNegativeWeights(o.weights);
+
+  ObjectFeatures inputFeatures;
+  inputFeatures.name = input.GetName().GetAsciiString();
+  const Geometry inputGeometry = GeometryOf(input, inputAt);
+  ReadCounts(inputGeometry, inputFeatures);
+  if (o.verbose) {
+    Log(L"input object " + Quoted(input.GetName()) + L" is of type " + Quoted(input.GetType()),
+        siCommentMsg);
+    Log(L"    num points:    " + Number(inputFeatures.pointCount), siCommentMsg);
+    Log(L"    num triangles: " + Number(inputFeatures.triangleCount), siCommentMsg);
+  }
+
+  o.weights = quillix::WeightsForInput(o.weights, inputFeatures.pointCount,
+                                       inputFeatures.triangleCount);
+  const float weightSum = quillix::WeightSum(o.weights);
+  if (!(weightSum > 0.0f)) {
+    Log(L"all weights are zero... nothing to do.", siWarningMsg);
+    return CStatus::OK;
+  }
+
+  const quillix::FeatureNeeds needs = quillix::NeededFeatures(o.weights);
+  switch (ReadFeatures(input, inputGeometry, inputAt, needs, inputFeatures)) {
+    case FeatureFailure::BoundingBox:
+      Log(L"failed to get input object's (local) bounding box.", siErrorMsg);
+      return CStatus::Fail;
+    case FeatureFailure::BoundingSphere:
+      Log(L"failed to get input object's (local) bounding sphere.", siErrorMsg);
+      return CStatus::Fail;
+    case FeatureFailure::None: break;
+  }
+
+  CRefArray candidates = root.FindChildren2(CString(), input.GetType(), CStringArray(), true);
+  candidates.Remove(input.GetRef());
+  const std::size_t candidateCount = std::size_t(candidates.GetCount());
+  if (o.verbose) {
+    if (candidateCount == 0) {
+      Log(L"found 0 candidates.", siCommentMsg);
+    } else {
+      Log(L"found " + Number(std::int64_t(candidateCount)) + L" candidate(s):", siCommentMsg);
+      Log(L"{", siCommentMsg);
+      for (LONG i = 0; i < candidates.GetCount(); ++i) {
+        Log(L"    " + Quoted(SIObject(candidates[i]).GetName()), siCommentMsg);
+      }
+      Log(L"}", siCommentMsg);
+    }
+  }
+  const std::size_t reported = quillix::ReportedCount(o.numOut, candidateCount);
+
+  const CRef inputParent = input.GetParent();
+  std::vector<std::string> names(candidateCount);
+  std::vector<float> scores(candidateCount, 0.0f);
+  for (std::size_t i = 0; i < candidateCount; ++i) {
+    const CRef& ref = candidates[LONG(i)];
+    const SceneItem item(ref);
+    names[i] = item.GetName().GetAsciiString();
+    if (o.skipSameParent && item.GetParent() == inputParent) continue;
+    if (o.skipHidden && IsHidden(item, candidateAt.frame)) continue;
+    const X3DObject candidate(ref);
+    if (!candidate.IsValid()) {
+      Log(L"failed to set X3DObject for " + Quoted(item.GetName()), siWarningMsg);
+      continue;
+    }
+    ObjectFeatures features;
+    features.name = names[i];
+    const Geometry geometry = GeometryOf(candidate, candidateAt);
+    ReadCounts(geometry, features);
+    if (o.verbose) {
+      Log(L"processing candidate " + Quoted(candidate.GetName()) + L" (pnts: " +
+              Number(features.pointCount) + L",  tris: " + Number(features.triangleCount) +
+              L").",
+          siCommentMsg);
+    }
+    // A candidate's missing box or sphere counts as empty; only the input's stops the command.
+    ReadFeatures(candidate, geometry, candidateAt, needs, features);
+    scores[i] = quillix::MatchScore(quillix::ComputeMatchTerms(inputFeatures, features, o.weights));
+  }
+
+  const std::vector<std::size_t> order = quillix::RankByScore(scores);
+  std::vector<std::string> rankedNames;
+  std::vector<double> rankedPercentages;
+  for (std::size_t index : order) {
+    rankedNames.push_back(names[index]);
+    rankedPercentages.push_back(quillix::MatchPercentage(scores[index], weightSum));
+  }
+
+  if (o.verbose) {
+    Log(L"the final matches:", siCommentMsg);
+    Log(L"{", siCommentMsg);
+    for (std::size_t k = order.size(); k > 0; --k) {
+      const std::string line = quillix::FinalMatchLine(rankedPercentages[k - 1], rankedNames[k - 1]);
+      Log(CString(line.c_str()), siCommentMsg);
+    }
+    Log(L"}", siCommentMsg);
+  }
+
+  if (o.selectOut) {
+    Selection selection = application.GetSelection();
+    selection.Clear();
+    for (std::size_t k = 0; k < reported; ++k) selection.Add(candidates[LONG(order[k])]);
+  }
+
+  const std::string list = quillix::MatchListText(rankedNames, rankedPercentages, reported);
+  context.PutAttribute(L"ReturnValue", CValue(CString(list.c_str())));
+  return CStatus::OK;
+}
+
+}  // namespace
+
+XSIPLUGINCALLBACK CStatus Quillix__FindMatchingObjects_Init(CRef& contextRef) {
+  try {
+    Context context(contextRef);
+    Command command(context.GetSource());
+    command.PutDescription(L"Find matching objects");
+    command.SetFlag(kNoLoggingFlag, false);
+    ArgumentArray arguments = command.GetArguments();
+    for (const ArgumentDef& argument : kArguments) arguments.Add(argument.name, DefaultValue(argument));
+    return CStatus::OK;
+  } catch (...) {
+    return CStatus::Fail;
+  }
+}
+
+XSIPLUGINCALLBACK CStatus Quillix__FindMatchingObjects_Execute(CRef& contextRef) {
+  try {
+    return Execute(contextRef);
+  } catch (...) {
+    // Only an exhausted allocation gets here; the host must never see the exception.
+    Log(L"Quillix__FindMatchingObjects: out of memory.", siErrorMsg);
+    return CStatus::Fail;
+  }
+}
