@@ -12,6 +12,9 @@
 namespace quillix {
 namespace {
 
+// Below this many vertices a parallel loop costs more in thread wake-ups than it saves.
+constexpr std::int32_t kParallelMinimum = 32768;
+
 bool KnownVectorEncoding(std::int32_t e) { return e == 0 || e == 14 || e == 1 || e == 7 || e == 15; }
 
 // Converts `count` elements of three components from `encoding` into floats.
@@ -71,7 +74,7 @@ bool BuildIncidences(QRVMemoryContext& memory, std::int32_t vertexCount, std::in
   });
   for (std::int32_t v = vertexCount; v > 0; --v) offsets[v] = offsets[v - 1];
   offsets[0] = 0;
-#pragma omp parallel for schedule(dynamic, 4096)
+#pragma omp parallel for if (vertexCount > kParallelMinimum) schedule(dynamic, 4096)
   for (std::int32_t v = 0; v < vertexCount; ++v) std::sort(items + offsets[v], items + offsets[v + 1]);
   return true;
 }
@@ -700,7 +703,7 @@ bool QRVGeometry::ComputeEdges() {
   }
   edgeStarts_[vertexCount_] = edge;
   edgeCount_ = edge;
-#pragma omp parallel for schedule(dynamic, 4096)
+#pragma omp parallel for if (vertexCount_ > kParallelMinimum) schedule(dynamic, 4096)
   for (std::int32_t v = 0; v < vertexCount_; ++v) {
     const std::int32_t higher = firstHigher(v);
     for (std::int32_t i = neighbourOffsets_[v]; i < neighbourOffsets_[v + 1]; ++i) {
@@ -785,7 +788,7 @@ bool QRVGeometry::ComputeNeighbourDistances() {
   neighbourDistances_ = Alloc<float>(std::size_t(neighbourOffsets_[vertexCount_]));
   if (neighbourDistances_ == nullptr) return false;
   // (a - b) and (b - a) round to exact negatives, so the length is the same from either end.
-#pragma omp parallel for schedule(dynamic, 4096)
+#pragma omp parallel for if (vertexCount_ > kParallelMinimum) schedule(dynamic, 4096)
   for (std::int32_t v = 0; v < vertexCount_; ++v) {
     const Vec3f& p = positions_[v];
     for (std::int32_t i = neighbourOffsets_[v]; i < neighbourOffsets_[v + 1]; ++i) {

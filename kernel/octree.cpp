@@ -10,7 +10,9 @@
 namespace quillix {
 namespace {
 
-constexpr int kMaxDepth = 21;  // 21 bits per axis in a 63-bit Morton code
+constexpr int kMaxDepth = 21;
+// Below this many points a parallel loop costs more in thread wake-ups than it saves.
+constexpr std::int32_t kParallelMinimum = 32768;  // 21 bits per axis in a 63-bit Morton code
 
 std::uint64_t SpreadBits(std::uint32_t v) {
   std::uint64_t x = v & 0x1FFFFFu;
@@ -56,7 +58,7 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
   float hi[3] = {-lo[0], -lo[1], -lo[2]};
   std::int32_t finite = 0;
   float lx = lo[0], ly = lo[1], lz = lo[2], hx = hi[0], hy = hi[1], hz = hi[2];
-#pragma omp parallel for reduction(min : lx, ly, lz) reduction(max : hx, hy, hz) reduction(+ : finite)
+#pragma omp parallel for if (count > kParallelMinimum) reduction(min : lx, ly, lz) reduction(max : hx, hy, hz) reduction(+ : finite)
   for (std::int32_t i = 0; i < count; ++i) {
     const Vec3f& p = points[i];
     if (!Finite(p)) continue;
@@ -79,7 +81,7 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
   double extent = 0.0;
   for (int a = 0; a < 3; ++a) extent = std::max(extent, double(hi[a]) - double(lo[a]));
   const double scale = extent > 0.0 ? double((1u << kMaxDepth) - 1) / extent : 0.0;
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for if (count > kParallelMinimum) schedule(static)
   for (std::int32_t i = 0; i < count; ++i) {
     const Vec3f& p = points[i];
     if (!Finite(p)) {
@@ -95,7 +97,7 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
   // Sort: chunks in parallel, then pairwise merges of neighbouring chunks in parallel.
   const int chunks = std::max(1, std::min(omp_get_max_threads() * 4, count / 4096 + 1));
   const auto bound = [&](int c) { return std::int64_t(count) * c / chunks; };
-#pragma omp parallel for schedule(dynamic, 1)
+#pragma omp parallel for if (chunks > 1) schedule(dynamic, 1)
   for (int c = 0; c < chunks; ++c) std::sort(keyed + bound(c), keyed + bound(c + 1));
   for (int width = 1; width < chunks; width *= 2) {
 #pragma omp parallel for schedule(dynamic, 1)
@@ -106,7 +108,7 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
     }
   }
   pointCount_ = finite;
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for if (finite > kParallelMinimum) schedule(static)
   for (std::int32_t i = 0; i < finite; ++i) {
     order_[i] = keyed[i].id;
     points_[i] = points[keyed[i].id];
@@ -131,7 +133,7 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
   bool failed = false;
   for (int level = 0; level < kMaxDepth && levelBegin < levelEnd && !failed; ++level) {
     const std::int64_t levelSize = levelEnd - levelBegin;
-#pragma omp parallel for schedule(dynamic, 64)
+#pragma omp parallel for if (levelSize > 64) schedule(dynamic, 64)
     for (std::int64_t k = 0; k < levelSize; ++k) {
       const Node& node = nodes[levelBegin + k];
       std::int32_t children = 0;
@@ -164,7 +166,7 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
       nodes = bigger;
       capacity = grown;
     }
-#pragma omp parallel for schedule(dynamic, 64)
+#pragma omp parallel for if (levelSize > 64) schedule(dynamic, 64)
     for (std::int64_t k = 0; k < levelSize; ++k) {
       const Node& node = nodes[levelBegin + k];
       if (node.firstChild < 0) continue;
@@ -191,7 +193,7 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
   }
 
   // Tight bounds of every node from its contiguous point range.
-#pragma omp parallel for schedule(dynamic, 256)
+#pragma omp parallel for if (total > 256) schedule(dynamic, 256)
   for (std::int64_t k = 0; k < total; ++k) {
     Node& node = nodes[k];
     Vec3f mn{std::numeric_limits<float>::max(), std::numeric_limits<float>::max(),
