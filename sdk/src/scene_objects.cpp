@@ -263,8 +263,14 @@ CString CUtils::BuildPath(const CString& p1, const CString& p2, const CString& p
   std::wstring out;
   for (const CString* part : {&p1, &p2, &p3, &p4, &p5, &p6}) {
     if (part->IsEmpty()) continue;
-    if (!out.empty() && out.back() != L'/' && part->Wide().front() != L'/') out += L'/';
-    out += part->Wide();
+    std::wstring piece = part->Wide();
+    if (!out.empty()) {
+      const bool endsWithSeparator = out.back() == L'/';
+      const bool startsWithSeparator = piece.front() == L'/';
+      if (endsWithSeparator && startsWithSeparator) piece.erase(0, 1);
+      if (!endsWithSeparator && !startsWithSeparator) out += L'/';
+    }
+    out += piece;
   }
   return CString(out.c_str());
 }

@@ -505,7 +505,7 @@ std::shared_ptr<Scene> ParseSceneText(const std::string& text, const std::string
   } catch (const json::parse_error& e) {
     // The library's message carries its own position prefix; keep only the reason.
     std::string what = e.what();
-    const auto colon = what.rfind(": ");
+    const auto colon = what.find(": ", what.find("column"));
     if (colon != std::string::npos) what = what.substr(colon + 2);
     error = fileLabel + ":" + lineAndColumn(text, e.byte == 0 ? 0 : e.byte - 1) + ": invalid JSON: " + what;
     return nullptr;
