@@ -2,11 +2,14 @@
 // message for every kind of bad input.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
+
+#include <sys/wait.h>
 
 #include <xsihost/scene.h>
 #include <xsihost/scene_file.h>
@@ -97,7 +100,7 @@ TEST(MeshFiles, BadFilesNameTheFileAndThePlace) {
 
 TEST(SceneFile, EachKindOfBadInputGetsOneMessageWithItsPlace) {
   EXPECT_EQ(errorOf("{\n  \"objects\": [\n    { \"name\": \"a\", }\n  ]\n}"),
-            "s.json:3:22: invalid JSON: syntax error while parsing object key - unexpected '}'; expected string literal");
+            "s.json:3:20: invalid JSON: syntax error while parsing object key - unexpected '}'; expected string literal");
   EXPECT_EQ(errorOf(objects(R"({"name": "a", "type": "polymsh", "mesh": {"file": "missing.obj"}})")),
             "s.json: /objects/0/mesh/file: ./missing.obj: cannot open the mesh file");
   EXPECT_EQ(errorOf(objects(R"({"name": "a", "type": "null", "parent": "b"})")),
