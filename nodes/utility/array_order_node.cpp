@@ -126,21 +126,34 @@ void reorderBatch(ICENodeContext& context, siICENodeStructureType structure,
 void reorderForType(ICENodeContext& context, siICENodeDataType type,
                     siICENodeStructureType structure, const Reordering& reordering) {
   switch (type) {
-    case siICENodeDataBool: return reorderBatch<bool>(context, structure, reordering);
-    case siICENodeDataLong: return reorderBatch<LONG>(context, structure, reordering);
-    case siICENodeDataFloat: return reorderBatch<float>(context, structure, reordering);
-    case siICENodeDataVector2: return reorderBatch<MATH::CVector2f>(context, structure, reordering);
-    case siICENodeDataVector3: return reorderBatch<MATH::CVector3f>(context, structure, reordering);
-    case siICENodeDataVector4: return reorderBatch<MATH::CVector4f>(context, structure, reordering);
+    case siICENodeDataBool:
+      return reorderBatch<bool>(context, structure, reordering);
+    case siICENodeDataLong:
+      return reorderBatch<LONG>(context, structure, reordering);
+    case siICENodeDataFloat:
+      return reorderBatch<float>(context, structure, reordering);
+    case siICENodeDataVector2:
+      return reorderBatch<MATH::CVector2f>(context, structure, reordering);
+    case siICENodeDataVector3:
+      return reorderBatch<MATH::CVector3f>(context, structure, reordering);
+    case siICENodeDataVector4:
+      return reorderBatch<MATH::CVector4f>(context, structure, reordering);
     case siICENodeDataQuaternion:
       return reorderBatch<MATH::CQuaternionf>(context, structure, reordering);
-    case siICENodeDataMatrix33: return reorderBatch<MATH::CMatrix3f>(context, structure, reordering);
-    case siICENodeDataMatrix44: return reorderBatch<MATH::CMatrix4f>(context, structure, reordering);
-    case siICENodeDataColor4: return reorderBatch<MATH::CColor4f>(context, structure, reordering);
-    case siICENodeDataRotation: return reorderBatch<MATH::CRotationf>(context, structure, reordering);
-    case siICENodeDataShape: return reorderBatch<CShape>(context, structure, reordering);
-    case siICENodeDataString: return reorderBatch<CString>(context, structure, reordering);
-    default: return;
+    case siICENodeDataMatrix33:
+      return reorderBatch<MATH::CMatrix3f>(context, structure, reordering);
+    case siICENodeDataMatrix44:
+      return reorderBatch<MATH::CMatrix4f>(context, structure, reordering);
+    case siICENodeDataColor4:
+      return reorderBatch<MATH::CColor4f>(context, structure, reordering);
+    case siICENodeDataRotation:
+      return reorderBatch<MATH::CRotationf>(context, structure, reordering);
+    case siICENodeDataShape:
+      return reorderBatch<CShape>(context, structure, reordering);
+    case siICENodeDataString:
+      return reorderBatch<CString>(context, structure, reordering);
+    default:
+      return;
   }
 }
 

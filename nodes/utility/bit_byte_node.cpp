@@ -24,8 +24,7 @@ constexpr ULONG kResultPort = 2010;
 
 constexpr PortDef kBytePorts[] = {
     {kInputPort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextAny, L"Input", L"Input", defaultInt(0), kNoLink, kLinkStructure,
-     kLinkContext},
+     siICENodeContextAny, L"Input", L"Input", defaultInt(0), kNoLink, kLinkStructure, kLinkContext},
     {2010, PortDirection::Out, siICENodeDataLong, siICENodeStructureSingle, siICENodeContextAny,
      L"Byte0", L"Byte 0", noDefault(), kNoLink, kNoLink, kLinkContext},
     {2020, PortDirection::Out, siICENodeDataLong, siICENodeStructureSingle, siICENodeContextAny,
@@ -41,9 +40,8 @@ constexpr PortDef kBitPorts[] = {
      L"Value", L"Value", defaultInt(0), kNoLink, kLinkStructure, kLinkContext},
     {kBitPort, PortDirection::In, siICENodeDataLong, siICENodeStructureAny, siICENodeContextAny,
      L"Bit", L"Bit", defaultInt(0), kNoLink, kLinkStructure, kLinkContext},
-    {kResultPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureAny,
-     siICENodeContextAny, L"Result", L"Result", noDefault(), kNoLink, kLinkStructure,
-     kLinkContext},
+    {kResultPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureAny, siICENodeContextAny,
+     L"Result", L"Result", noDefault(), kNoLink, kLinkStructure, kLinkContext},
 };
 
 }  // namespace

@@ -28,10 +28,14 @@ bool isNegativeInfinity(float value) { return outOfRange(value) && value < 0.0f;
 
 bool classifyFloat(float value, FloatTest test) {
   switch (test) {
-    case FloatTest::NaN: return isNaNBits(value);
-    case FloatTest::PositiveInfinityOrNaN: return isPositiveInfinityOrNaN(value);
-    case FloatTest::PositiveInfinity: return isPositiveInfinity(value);
-    case FloatTest::NegativeInfinity: return isNegativeInfinity(value);
+    case FloatTest::NaN:
+      return isNaNBits(value);
+    case FloatTest::PositiveInfinityOrNaN:
+      return isPositiveInfinityOrNaN(value);
+    case FloatTest::PositiveInfinity:
+      return isPositiveInfinity(value);
+    case FloatTest::NegativeInfinity:
+      return isNegativeInfinity(value);
   }
   return false;
 }

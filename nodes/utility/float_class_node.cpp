@@ -56,10 +56,14 @@ constexpr PortDef kIntegerPorts[] = {
 // has; the integer node answers 0 for NaN there, so that exactly one output flags a NaN.
 std::optional<FloatTest> testForPort(ULONG port, FloatTest positiveTest) {
   switch (port) {
-    case kIsNaNPort: return FloatTest::NaN;
-    case kPositiveInfPort: return positiveTest;
-    case kNegativeInfPort: return FloatTest::NegativeInfinity;
-    default: return std::nullopt;
+    case kIsNaNPort:
+      return FloatTest::NaN;
+    case kPositiveInfPort:
+      return positiveTest;
+    case kNegativeInfPort:
+      return FloatTest::NegativeInfinity;
+    default:
+      return std::nullopt;
   }
 }
 

@@ -47,8 +47,8 @@ bool appendNonFinite(double value, std::wstring& out) {
 void appendGeneral(double value, int precision, std::wstring& out) {
   if (appendNonFinite(value, out)) return;
   char buffer[kBufferSize];
-  const std::to_chars_result printed =
-      std::to_chars(buffer, buffer + sizeof buffer - 1, value, std::chars_format::general, precision);
+  const std::to_chars_result printed = std::to_chars(buffer, buffer + sizeof buffer - 1, value,
+                                                     std::chars_format::general, precision);
   *printed.ptr = '\0';
   appendPrinted(buffer, out);
 }
@@ -121,9 +121,9 @@ void appendFloatListText(std::span<const float> values, std::wstring& out) {
 
 void appendNumberArrayText(std::span<const float> values, const NumberTextOptions& options,
                            std::wstring& out) {
-  appendList(values, true,
-             [&options](float value, std::wstring& text) { appendNumberText(value, options, text); },
-             out);
+  appendList(
+      values, true,
+      [&options](float value, std::wstring& text) { appendNumberText(value, options, text); }, out);
 }
 
 }  // namespace quillix

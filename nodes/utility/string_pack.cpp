@@ -19,7 +19,8 @@ void packString(bool active, std::size_t characterCount, std::string_view narrow
                 std::span<std::int32_t> out) {
   const std::size_t words = dataWordCount(active, characterCount);
   assert(out.size() == words + 6);
-  for (std::size_t i = 0; i < kPackedStringSignature.size(); ++i) out[i] = kPackedStringSignature[i];
+  for (std::size_t i = 0; i < kPackedStringSignature.size(); ++i)
+    out[i] = kPackedStringSignature[i];
   out[4] = static_cast<std::int32_t>(words);
   for (std::size_t w = 0; w < words; ++w) {
     // Assembled by shifts, not copied, so that the byte order is the same on every machine.

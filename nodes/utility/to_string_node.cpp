@@ -30,9 +30,17 @@ constexpr ULONG kTreatAsIntPort = 1030;
 constexpr ULONG kLeadingZerosPort = 1040;
 constexpr ULONG kResultPort = 2010;
 
-constexpr PortDef kResultPortDef{kResultPort, PortDirection::Out, siICENodeDataString,
-                                 siICENodeStructureSingle, siICENodeContextAny, L"Result",
-                                 L"Result", noDefault(), kNoLink, kNoLink, kLinkContext};
+constexpr PortDef kResultPortDef{kResultPort,
+                                 PortDirection::Out,
+                                 siICENodeDataString,
+                                 siICENodeStructureSingle,
+                                 siICENodeContextAny,
+                                 L"Result",
+                                 L"Result",
+                                 noDefault(),
+                                 kNoLink,
+                                 kNoLink,
+                                 kLinkContext};
 
 constexpr PortDef kBoolPorts[] = {
     {kInputPort, PortDirection::In, siICENodeDataBool, siICENodeStructureAny, siICENodeContextAny,
@@ -80,24 +88,24 @@ class InputEntries {
  public:
   InputEntries(ICENodeContext& context, ULONG instance, const PortInfo& info) {
     if (info.isArray()) {
-      arrays_.emplace(context, kInputPort, instance);
+      m_arrays.emplace(context, kInputPort, instance);
     } else {
-      singles_.emplace(context, kInputPort, instance);
+      m_singles.emplace(context, kInputPort, instance);
     }
   }
   std::span<const T> at(ULONG element) {
-    if (arrays_) {
-      const typename CDataArray2D<T>::Accessor entries = (*arrays_)[element];
+    if (m_arrays) {
+      const typename CDataArray2D<T>::Accessor entries = (*m_arrays)[element];
       return {entries.GetData(), entries.GetCount()};
     }
-    single_ = valueAt(*singles_, element);
-    return {&single_, 1};
+    m_single = valueAt(*m_singles, element);
+    return {&m_single, 1};
   }
 
  private:
-  std::optional<CDataArray<T>> singles_;
-  std::optional<CDataArray2D<T>> arrays_;
-  T single_{};
+  std::optional<CDataArray<T>> m_singles;
+  std::optional<CDataArray2D<T>> m_arrays;
+  T m_single{};
 };
 
 void appendListText(std::span<const bool> values, std::wstring& out) {
@@ -182,7 +190,8 @@ void evaluateNumberText(ICENodeContext& context) {
 }  // namespace
 
 XSIPLUGINCALLBACK CStatus Quillix_btoa_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { evaluateListText<bool>(context, false, BatchEnd::AfterShortInput); });
+  return evaluateGuarded(
+      [&] { evaluateListText<bool>(context, false, BatchEnd::AfterShortInput); });
 }
 XSIPLUGINCALLBACK CStatus Quillix_btoa2_Evaluate(ICENodeContext& context) {
   return evaluateGuarded([&] { evaluateListText<bool>(context, true, BatchEnd::AllElements); });
@@ -213,10 +222,24 @@ CStatus registerToString(PluginRegistrar& registrar, const wchar_t* name, bool v
 
 }  // namespace
 
-CStatus Quillix_btoa_Register(PluginRegistrar& r) { return registerToString(r, L"Quillix_btoa", false, kBoolPorts); }
-CStatus Quillix_btoa2_Register(PluginRegistrar& r) { return registerToString(r, L"Quillix_btoa2", true, kBoolPorts); }
-CStatus Quillix_itoa_Register(PluginRegistrar& r) { return registerToString(r, L"Quillix_itoa", false, kIntPorts); }
-CStatus Quillix_itoa2_Register(PluginRegistrar& r) { return registerToString(r, L"Quillix_itoa2", true, kIntPorts); }
-CStatus Quillix_ftoa_Register(PluginRegistrar& r) { return registerToString(r, L"Quillix_ftoa", false, kFloatPorts); }
-CStatus Quillix_ftoa2_Register(PluginRegistrar& r) { return registerToString(r, L"Quillix_ftoa2", true, kFloatPorts); }
-CStatus Quillix_ntoa_Register(PluginRegistrar& r) { return registerToString(r, L"Quillix_ntoa", false, kNumberPorts); }
+CStatus Quillix_btoa_Register(PluginRegistrar& r) {
+  return registerToString(r, L"Quillix_btoa", false, kBoolPorts);
+}
+CStatus Quillix_btoa2_Register(PluginRegistrar& r) {
+  return registerToString(r, L"Quillix_btoa2", true, kBoolPorts);
+}
+CStatus Quillix_itoa_Register(PluginRegistrar& r) {
+  return registerToString(r, L"Quillix_itoa", false, kIntPorts);
+}
+CStatus Quillix_itoa2_Register(PluginRegistrar& r) {
+  return registerToString(r, L"Quillix_itoa2", true, kIntPorts);
+}
+CStatus Quillix_ftoa_Register(PluginRegistrar& r) {
+  return registerToString(r, L"Quillix_ftoa", false, kFloatPorts);
+}
+CStatus Quillix_ftoa2_Register(PluginRegistrar& r) {
+  return registerToString(r, L"Quillix_ftoa2", true, kFloatPorts);
+}
+CStatus Quillix_ntoa_Register(PluginRegistrar& r) {
+  return registerToString(r, L"Quillix_ntoa", false, kNumberPorts);
+}

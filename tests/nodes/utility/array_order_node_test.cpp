@@ -24,31 +24,36 @@ TEST(ArrayOrderNode, ReversesAndShiftsEachElementsArray) {
   EXPECT_EQ(writtenArrays<XSI::LONG>(reverse(requestOf(4, {{kArray, arrays}}))),
             (Written<Ints>{Ints{4, 3, 2, 1}, Ints{5}, Ints{}, Ints{8, 7, 6}}));
 
-  const PortValues shifts = PortValues::singles<XSI::LONG>({1, -1, 5, std::numeric_limits<XSI::LONG>::min()});
+  const PortValues shifts =
+      PortValues::singles<XSI::LONG>({1, -1, 5, std::numeric_limits<XSI::LONG>::min()});
   EXPECT_EQ(writtenArrays<XSI::LONG>(shift(requestOf(4, {{kArray, arrays}, {kShift, shifts}}))),
             (Written<Ints>{Ints{4, 1, 2, 3}, Ints{5}, Ints{}, Ints{7, 8, 6}}));
 }
 
-// Every value type moves its entries whole: entry i of an array is filled with the byte i + 1,
-// and the result must hold the same bytes in the new order.
+// Every value type moves its entries whole: each entry is filled with one byte value, and the
+// result must hold the same bytes in the new order. Booleans only take 0 and 1.
 TEST(ArrayOrderNode, EveryValueTypeIsReorderedWhole) {
   for (ULONG type = 1; type <= 0x8000; type <<= 1) {
     const std::size_t size = xsihost::valueSize(type);
     if (size == 0) continue;
     SCOPED_TRACE(xsihost::typeName(type));
-    auto arrayOf = [&](std::initializer_list<int> entries) {
+    const std::vector<int> fill =
+        type == XSI::siICENodeDataBool ? std::vector<int>{1, 0, 0} : std::vector<int>{1, 2, 3};
+    auto arrayOf = [&](std::initializer_list<int> order) {
       PortValues values;
       values.type = type;
       values.array = true;
       values.resize(1);
-      for (int entry : entries) values.arrays[0].insert(values.arrays[0].end(), size, std::byte(entry));
+      for (int entry : order)
+        values.arrays[0].insert(values.arrays[0].end(), size, std::byte(fill[entry]));
       return values;
     };
-    const PortValues input = arrayOf({1, 2, 3});
-    EXPECT_EQ(reverse(requestOf(1, {{kArray, input}})).values.arrays[0], arrayOf({3, 2, 1}).arrays[0]);
+    const PortValues input = arrayOf({0, 1, 2});
+    EXPECT_EQ(reverse(requestOf(1, {{kArray, input}})).values.arrays[0],
+              arrayOf({2, 1, 0}).arrays[0]);
     EXPECT_EQ(shift(requestOf(1, {{kArray, input}, {kShift, PortValues::singles<XSI::LONG>({1})}}))
                   .values.arrays[0],
-              arrayOf({3, 1, 2}).arrays[0]);
+              arrayOf({2, 0, 1}).arrays[0]);
   }
 }
 
@@ -62,7 +67,8 @@ TEST(ArrayOrderNode, StringArraysAreReorderedLikeAnyOtherType) {
 }
 
 TEST(ArrayOrderNode, SingleValuesAreCopiedThroughAndTheShiftIgnored) {
-  EXPECT_EQ(writtenSingles<float>(reverse(requestOf(2, {{kArray, PortValues::singles<float>({1.5f, -2.0f})}}))),
+  EXPECT_EQ(writtenSingles<float>(
+                reverse(requestOf(2, {{kArray, PortValues::singles<float>({1.5f, -2.0f})}}))),
             (Written<float>{1.5f, -2.0f}));
   EXPECT_EQ(writtenStrings(shift(requestOf(2, {{kArray, PortValues::strings1D({L"x", L"yz"})},
                                                {kShift, PortValues::singles<XSI::LONG>({1, 2})}}))),
@@ -70,9 +76,11 @@ TEST(ArrayOrderNode, SingleValuesAreCopiedThroughAndTheShiftIgnored) {
 }
 
 TEST(ArrayOrderNode, ConstantInputsGiveEveryElementTheSameResult) {
-  const auto out = shift(requestOf(3, {{kArray, PortValues::arraysOf<XSI::LONG>({{1, 2, 3}}).asConstant()},
-                                       {kShift, PortValues::singles<XSI::LONG>({0, 1, 2})}}));
-  EXPECT_EQ(writtenArrays<XSI::LONG>(out), (Written<Ints>{Ints{1, 2, 3}, Ints{3, 1, 2}, Ints{2, 3, 1}}));
+  const auto out =
+      shift(requestOf(3, {{kArray, PortValues::arraysOf<XSI::LONG>({{1, 2, 3}}).asConstant()},
+                          {kShift, PortValues::singles<XSI::LONG>({0, 1, 2})}}));
+  EXPECT_EQ(writtenArrays<XSI::LONG>(out),
+            (Written<Ints>{Ints{1, 2, 3}, Ints{3, 1, 2}, Ints{2, 3, 1}}));
   const auto constantShift =
       shift(requestOf(2, {{kArray, PortValues::arraysOf<XSI::LONG>({{1, 2}, {3, 4, 5}})},
                           {kShift, PortValues::singles<XSI::LONG>({1}).asConstant()}}));
@@ -80,7 +88,8 @@ TEST(ArrayOrderNode, ConstantInputsGiveEveryElementTheSameResult) {
 }
 
 TEST(ArrayOrderNode, WritesOnlyTheBatchAndNothingForUnknownPortsOrFailedQueries) {
-  auto request = requestOf(4, {{kArray, PortValues::arraysOf<XSI::LONG>({{1, 2}, {3, 4}, {5, 6}, {7, 8}})}});
+  auto request =
+      requestOf(4, {{kArray, PortValues::arraysOf<XSI::LONG>({{1, 2}, {3, 4}, {5, 6}, {7, 8}})}});
   request.batch = std::vector<ULONG>{0, 2};
   EXPECT_EQ(writtenArrays<XSI::LONG>(reverse(request)),
             (Written<Ints>{Ints{2, 1}, std::nullopt, Ints{6, 5}, std::nullopt}));

@@ -57,7 +57,8 @@ TEST(ShiftArray, MatchesARotationForEveryShiftExceptTheMinimum) {
   const std::vector<int> input{10, 11, 12, 13, 14, 15, 16};
   const auto n = static_cast<std::int64_t>(input.size());
   const std::int32_t big = std::numeric_limits<std::int32_t>::max();
-  for (std::int32_t shift : {-big, -big + 1, -15, -8, -7, -6, -1, 0, 1, 6, 7, 8, 15, big - 1, big}) {
+  for (std::int32_t shift :
+       {-big, -big + 1, -15, -8, -7, -6, -1, 0, 1, 6, 7, 8, 15, big - 1, big}) {
     const std::vector<int> result = shifted(input, shift);
     for (std::int64_t j = 0; j < n; ++j) {
       const std::int64_t target = ((j + shift) % n + n) % n;

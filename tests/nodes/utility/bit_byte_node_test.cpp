@@ -9,7 +9,8 @@ namespace {
 constexpr ULONG kInput = 1010, kValue = 1010, kBit = 1020, kResult = 2010;
 
 TEST(IntToBytesNode, EachOutputIsOneByteLeastSignificantFirst) {
-  const auto request = requestOf(3, {{kInput, PortValues::singles<XSI::LONG>({0x12345678, -2, 255})}});
+  const auto request =
+      requestOf(3, {{kInput, PortValues::singles<XSI::LONG>({0x12345678, -2, 255})}});
   const auto out = evaluate(L"Quillix_ntob", request, {2010, 2020, 2030, 2040});
   ASSERT_EQ(out.size(), 4u);
   EXPECT_EQ(writtenSingles<XSI::LONG>(out[0]), (Written<XSI::LONG>{0x78, 254, 255}));
@@ -30,13 +31,15 @@ TEST(IntToBytesNode, ConstantBatchUnknownPortAndFailedQuery) {
 }
 
 OutputResult testBits(PortValues values, PortValues bits) {
-  return evaluate(L"Quillix_tbit", requestOf(values.count, {{kValue, values}, {kBit, bits}}), kResult);
+  return evaluate(L"Quillix_tbit", requestOf(values.count, {{kValue, values}, {kBit, bits}}),
+                  kResult);
 }
 
 TEST(TestBitNode, HandlesTheFourStructureCombinations) {
-  EXPECT_EQ(writtenSingles<XSI::LONG>(testBits(PortValues::singles<XSI::LONG>({5, 5, 5, 5, 1 << 31}),
-                                               PortValues::singles<XSI::LONG>({0, 1, 2, 34, -1}))),
-            (Written<XSI::LONG>{1, 0, 1, 1, 1}));
+  EXPECT_EQ(
+      writtenSingles<XSI::LONG>(testBits(PortValues::singles<XSI::LONG>({5, 5, 5, 5, 1 << 31}),
+                                         PortValues::singles<XSI::LONG>({0, 1, 2, 34, -1}))),
+      (Written<XSI::LONG>{1, 0, 1, 1, 1}));
   EXPECT_EQ(writtenArrays<XSI::LONG>(testBits(PortValues::arraysOf<XSI::LONG>({{5, 5, 5, 5}}),
                                               PortValues::arraysOf<XSI::LONG>({{0, 1, 2}}))),
             (Written<Ints>{Ints{1, 0, 1}}));
@@ -55,7 +58,8 @@ TEST(TestBitNode, ManyThreadsGiveTheSingleThreadedResult) {
     values[i] = XSI::LONG(i * 2654435761u);
     bits[i] = XSI::LONG(i % 70) - 35;
   }
-  auto request = requestOf(n, {{kValue, PortValues::singles(values)}, {kBit, PortValues::singles(bits)}});
+  auto request =
+      requestOf(n, {{kValue, PortValues::singles(values)}, {kBit, PortValues::singles(bits)}});
   request.batchSize = 64;
   for (const wchar_t* node : {L"Quillix_tbit", L"Quillix_ntob"}) {
     request.threads = 1;

@@ -13,8 +13,13 @@ constexpr ULONG kInput = 1010, kIsNaN = 2010, kPositiveInf = 2020, kNegativeInf 
 const float kInf = std::numeric_limits<float>::infinity();
 const float kQuietNaN = std::numeric_limits<float>::quiet_NaN();
 const float kSignallingNaN = std::bit_cast<float>(0x7F800001u);
-const Floats kSamples{0.0f, std::numeric_limits<float>::max(), std::numeric_limits<float>::denorm_min(),
-                      kInf, -kInf, kQuietNaN, kSignallingNaN};
+const Floats kSamples{0.0f,
+                      std::numeric_limits<float>::max(),
+                      std::numeric_limits<float>::denorm_min(),
+                      kInf,
+                      -kInf,
+                      kQuietNaN,
+                      kSignallingNaN};
 
 TEST(FloatClassNode, BooleanNodeReportsANaNAlsoAsPositiveInfinity) {
   const auto out = evaluate(L"Quillix_nan", requestOf(7, {{kInput, PortValues::singles(kSamples)}}),
@@ -27,8 +32,9 @@ TEST(FloatClassNode, BooleanNodeReportsANaNAlsoAsPositiveInfinity) {
 }
 
 TEST(FloatClassNode, IntegerNodeReportsANaNOnlyAsNaN) {
-  const auto out = evaluate(L"Quillix_nan2", requestOf(7, {{kInput, PortValues::singles(kSamples)}}),
-                            {kIsNaN, kPositiveInf, kNegativeInf});
+  const auto out =
+      evaluate(L"Quillix_nan2", requestOf(7, {{kInput, PortValues::singles(kSamples)}}),
+               {kIsNaN, kPositiveInf, kNegativeInf});
   ASSERT_EQ(out.size(), 3u);
   using Flags = Written<XSI::LONG>;
   EXPECT_EQ(writtenSingles<XSI::LONG>(out[0]), (Flags{0, 0, 0, 0, 0, 1, 1}));
@@ -37,7 +43,8 @@ TEST(FloatClassNode, IntegerNodeReportsANaNOnlyAsNaN) {
 }
 
 TEST(FloatClassNode, IntegerNodeClassifiesArraysEntryByEntry) {
-  const auto request = requestOf(2, {{kInput, PortValues::arraysOf<float>({{1.0f, kQuietNaN, -kInf}, {}})}});
+  const auto request =
+      requestOf(2, {{kInput, PortValues::arraysOf<float>({{1.0f, kQuietNaN, -kInf}, {}})}});
   EXPECT_EQ(writtenArrays<XSI::LONG>(evaluate(L"Quillix_nan2", request, kIsNaN)),
             (Written<Ints>{Ints{0, 1, 0}, Ints{}}));
   EXPECT_EQ(writtenArrays<XSI::LONG>(evaluate(L"Quillix_nan2", request, kNegativeInf)),

@@ -19,7 +19,8 @@ TEST(RunningIdsNode, NumbersAllPointsConsecutivelyInPointOrder) {
             (Written<Ints>{Ints{0}, Ints{}, Ints{1, 2}}));
   EXPECT_EQ(ids(requestOf(2, {{kArraySize, PortValues::singles<XSI::LONG>({0, 0})}})),
             (Written<Ints>{Ints{}, Ints{}}));
-  EXPECT_EQ(ids(requestOf(0, {{kArraySize, PortValues::singles<XSI::LONG>({})}})), (Written<Ints>{}));
+  EXPECT_EQ(ids(requestOf(0, {{kArraySize, PortValues::singles<XSI::LONG>({})}})),
+            (Written<Ints>{}));
 }
 
 TEST(RunningIdsNode, ConstantSizeNumbersEveryPoint) {

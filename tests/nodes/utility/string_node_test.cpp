@@ -10,22 +10,26 @@ constexpr ULONG kJoinInput = 1010, kDelimiter = 1020, kActive = 1010, kString = 
 constexpr ULONG kResult = 2010;
 
 Written<std::wstring> join(PortValues input, PortValues delimiter) {
-  return writtenStrings(
-      evaluate(L"Quillix_jstr", requestOf(1, {{kJoinInput, input}, {kDelimiter, delimiter}}), kResult));
+  return writtenStrings(evaluate(
+      L"Quillix_jstr", requestOf(1, {{kJoinInput, input}, {kDelimiter, delimiter}}), kResult));
 }
 
 TEST(JoinStringsNode, JoinsElementZerosArrayKeepingTheTrailingDelimiter) {
   const PortValues dash = PortValues::strings1D({L"-"});
-  EXPECT_EQ(join(PortValues::strings2D({{L"a", L"b", L"c"}}), dash), (Written<std::wstring>{L"a-b-c"}));
-  EXPECT_EQ(join(PortValues::strings2D({{L"a", L"", L"c"}}), dash), (Written<std::wstring>{L"a-c"}));
-  EXPECT_EQ(join(PortValues::strings2D({{L"a", L"b", L""}}), dash), (Written<std::wstring>{L"a-b-"}));
+  EXPECT_EQ(join(PortValues::strings2D({{L"a", L"b", L"c"}}), dash),
+            (Written<std::wstring>{L"a-b-c"}));
+  EXPECT_EQ(join(PortValues::strings2D({{L"a", L"", L"c"}}), dash),
+            (Written<std::wstring>{L"a-c"}));
+  EXPECT_EQ(join(PortValues::strings2D({{L"a", L"b", L""}}), dash),
+            (Written<std::wstring>{L"a-b-"}));
   EXPECT_EQ(join(PortValues::strings2D({{}}), dash), (Written<std::wstring>{L""}));
   EXPECT_EQ(join(PortValues::strings1D({L"as it is"}), dash), (Written<std::wstring>{L"as it is"}));
 }
 
 TEST(JoinStringsNode, UnconnectedDelimiterIsEmptyAndFailedQueryIsReported) {
   auto request = requestOf(1, {{kJoinInput, PortValues::strings2D({{L"x", L"y"}})}});
-  EXPECT_EQ(writtenStrings(evaluate(L"Quillix_jstr", request, kResult)), (Written<std::wstring>{L"xy"}));
+  EXPECT_EQ(writtenStrings(evaluate(L"Quillix_jstr", request, kResult)),
+            (Written<std::wstring>{L"xy"}));
   request.failingPortInfo = {kJoinInput};
   EXPECT_EQ(writtenStrings(evaluate(L"Quillix_jstr", request, kResult)),
             (Written<std::wstring>{L"GetPortInfo() failed"}));
@@ -63,8 +67,8 @@ TEST(PackStringNode, CharactersBeyondEightBitsGoThroughTheHostsNarrowConversion)
 }
 
 TEST(PackStringNode, ActiveDefaultsToTrue) {
-  const auto out = evaluate(L"Quillix_stoi",
-                            requestOf(1, {{kString, PortValues::strings1D({L"hi"})}}), kResult);
+  const auto out =
+      evaluate(L"Quillix_stoi", requestOf(1, {{kString, PortValues::strings1D({L"hi"})}}), kResult);
   EXPECT_EQ(out.values.arrayAt<XSI::LONG>(0), frame({0x00006968}));
 }
 

@@ -27,8 +27,7 @@ EvaluationRequest instancesOf(ULONG elements, std::vector<PortValues> instances)
 TEST(ToStringNode, RendersEmptyAsZeroOneEntryBareAndMoreInBrackets) {
   const auto ints = requestOf(3, {{kInput, PortValues::arraysOf<XSI::LONG>({{3, -12}, {}, {7}})}});
   EXPECT_EQ(text(L"Quillix_itoa", ints), (Texts{L"<3,-12>", L"0", L"7"}));
-  const auto floats =
-      requestOf(3, {{kInput, PortValues::singles<float>({1e20f, 0.5f, -1.5e-7f})}});
+  const auto floats = requestOf(3, {{kInput, PortValues::singles<float>({1e20f, 0.5f, -1.5e-7f})}});
   EXPECT_EQ(text(L"Quillix_ftoa", floats), (Texts{L"1e+020", L"0.5", L"-1.5e-007"}));
   const auto bools = requestOf(2, {{kInput, boolArrays({{true, false, true}, {false, false}})}});
   EXPECT_EQ(text(L"Quillix_btoa", bools), (Texts{L"<1,0,1>", L"<0,0>"}));
@@ -47,11 +46,11 @@ TEST(ToStringNode, BooleanNodeEndsItsBatchAfterAnInputOfAtMostOneEntry) {
 }
 
 TEST(ToStringNode, VariadicNodesJoinTheirInstancesInOrder) {
-  const auto bools = instancesOf(2, {boolSingles({false, true}), boolSingles({true, true}),
-                                     boolArrays({{true, true}, {}})});
+  const auto bools = instancesOf(
+      2, {boolSingles({false, true}), boolSingles({true, true}), boolArrays({{true, true}, {}})});
   EXPECT_EQ(text(L"Quillix_btoa2", bools), (Texts{L"0,1,<1,1>", L"1,1,0"}));
-  const auto ints = instancesOf(1, {PortValues::arraysOf<XSI::LONG>({{1, 2}}),
-                                    PortValues::singles<XSI::LONG>({-3})});
+  const auto ints = instancesOf(
+      1, {PortValues::arraysOf<XSI::LONG>({{1, 2}}), PortValues::singles<XSI::LONG>({-3})});
   EXPECT_EQ(text(L"Quillix_itoa2", ints), (Texts{L"<1,2>,-3"}));
   const auto floats = instancesOf(1, {PortValues::singles<float>({2.5f})});
   EXPECT_EQ(text(L"Quillix_ftoa2", floats), (Texts{L"2.5"}));
@@ -59,10 +58,11 @@ TEST(ToStringNode, VariadicNodesJoinTheirInstancesInOrder) {
 
 EvaluationRequest numberRequest(PortValues input, XSI::LONG precision, bool treatAsInt,
                                 XSI::LONG leadingZeros) {
-  return requestOf(input.count, {{kInput, input},
-                                 {kPrecision, PortValues::singles<XSI::LONG>({precision}).asConstant()},
-                                 {kTreatAsInt, boolSingles({treatAsInt}).asConstant()},
-                                 {kLeadingZeros, PortValues::singles<XSI::LONG>({leadingZeros}).asConstant()}});
+  return requestOf(input.count,
+                   {{kInput, input},
+                    {kPrecision, PortValues::singles<XSI::LONG>({precision}).asConstant()},
+                    {kTreatAsInt, boolSingles({treatAsInt}).asConstant()},
+                    {kLeadingZeros, PortValues::singles<XSI::LONG>({leadingZeros}).asConstant()}});
 }
 
 TEST(NumberToStringNode, FormatsWithPrecisionOrAsPaddedInteger) {
@@ -91,10 +91,10 @@ TEST(NumberToStringNode, FailedPortQueryIsReportedInTheResult) {
 }
 
 TEST(ToStringNode, ConstantInputsBatchesAndUnknownPorts) {
-  EXPECT_EQ(text(L"Quillix_itoa2",
-                 instancesOf(3, {PortValues::arraysOf<XSI::LONG>({{4, 5}}).asConstant(),
-                                 PortValues::singles<XSI::LONG>({1, 2, 3})})),
-            (Texts{L"<4,5>,1", L"<4,5>,2", L"<4,5>,3"}));
+  EXPECT_EQ(
+      text(L"Quillix_itoa2", instancesOf(3, {PortValues::arraysOf<XSI::LONG>({{4, 5}}).asConstant(),
+                                             PortValues::singles<XSI::LONG>({1, 2, 3})})),
+      (Texts{L"<4,5>,1", L"<4,5>,2", L"<4,5>,3"}));
   auto request = requestOf(4, {{kInput, PortValues::singles<XSI::LONG>({10, 11, 12, 13})}});
   request.batch = std::vector<ULONG>{1, 2};
   EXPECT_EQ(text(L"Quillix_itoa", request), (Texts{std::nullopt, L"11", L"12", std::nullopt}));
@@ -112,7 +112,8 @@ TEST(ToStringNode, ManyThreadsGiveTheSingleThreadedResult) {
     for (ULONG j = 0; j < i % 5; ++j) arrays[i].push_back(float(i) / float(j + 1));
   }
   const std::vector<std::pair<const wchar_t*, EvaluationRequest>> cases = {
-      {L"Quillix_ftoa2", instancesOf(n, {PortValues::arraysOf(arrays), PortValues::singles(singles)})},
+      {L"Quillix_ftoa2",
+       instancesOf(n, {PortValues::arraysOf(arrays), PortValues::singles(singles)})},
       {L"Quillix_ntoa", numberRequest(PortValues::arraysOf(arrays), 4, false, 0)},
       {L"Quillix_ntoa", numberRequest(PortValues::singles(singles), 0, true, 9)},
   };
