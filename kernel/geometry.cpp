@@ -203,7 +203,8 @@ QRVStatus QRVGeometry::Set(const void* positions, std::int32_t vertexCount,
   std::int64_t nodeCount = 0;
   switch (descriptionEncoding) {
     case kDescriptionByteSizes:
-      std::memcpy(polygonSizes_, description, std::size_t(polygonCount));
+      // Without polygons the description may be null, which memcpy must not see.
+      if (polygonCount > 0) std::memcpy(polygonSizes_, description, std::size_t(polygonCount));
       break;
     case kDescriptionInline:
     case kDescriptionIntSizes: {
