@@ -46,6 +46,7 @@ QRVStatus BuildPathGeometry(std::span<const Vec3f> positions, std::span<const st
   std::size_t polygon = 0, node = 0;
   for (std::int32_t value : description) {
     if (value >= 0) {
+      if (polygon == polygons) break;  // indices after the last closer belong to no polygon
       ++sizes[polygon];  // an 8-bit count: 256 corners wrap to 0
       indices[node++] = value;
     } else {
