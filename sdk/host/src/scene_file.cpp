@@ -509,6 +509,10 @@ std::shared_ptr<Scene> ParseSceneText(const std::string& text, const std::string
     if (colon != std::string::npos) what = what.substr(colon + 2);
     error = fileLabel + ":" + lineAndColumn(text, e.byte == 0 ? 0 : e.byte - 1) + ": invalid JSON: " + what;
     return nullptr;
+  } catch (const json::exception& e) {
+    // Well-formed text the library still refuses, such as a number beyond a double (1E400).
+    error = fileLabel + ": invalid JSON: " + e.what();
+    return nullptr;
   }
   try {
     std::shared_ptr<Scene> scene = parse(doc, baseDirectory);
