@@ -234,7 +234,8 @@ int runEval(xsihost::LoadedPlugin& plugin, const EvalOptions& options, nlohmann:
   json document;
   try {
     document = json::parse(text);
-  } catch (const json::parse_error& e) {
+  } catch (const json::exception& e) {
+    // Syntax errors, and numbers beyond a double (1E400), which the parser refuses apart.
     err << "quillix: " << file << ": not valid JSON: " << e.what() << '\n';
     return 2;
   }
