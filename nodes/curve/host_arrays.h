@@ -27,6 +27,12 @@ inline std::span<const Vec3f> pointsAt(const XSI::CDataArray2D<XSI::MATH::CVecto
   return {reinterpret_cast<const Vec3f*>(entries.GetData()), entries.GetCount()};
 }
 
+// An output element's entries (after Resize) as points the cores write in place.
+inline std::span<Vec3f> mutablePoints(XSI::CDataArray2D<XSI::MATH::CVector3f>::Accessor& entries) {
+  if (entries.GetCount() == 0) return {};
+  return {reinterpret_cast<Vec3f*>(entries.GetData()), entries.GetCount()};
+}
+
 // Sizes element `element`'s output to `values` and copies them in.
 template <class HostT, class CoreT>
 void writeArray(XSI::CDataArray2D<HostT>& out, XSI::ULONG element, std::span<const CoreT> values) {

@@ -66,9 +66,8 @@ XSIPLUGINCALLBACK CStatus Quillix_rlins_Evaluate(ICENodeContext& context) {
       // Resampled and smoothed directly in the host's output array.
       auto out = result.Resize(it, static_cast<ULONG>(plan.count));
       if (out.GetCount() != plan.count) continue;
-      std::span<quillix::Vec3f> target(reinterpret_cast<quillix::Vec3f*>(out.GetData()),
-                                       out.GetCount());
-      quillix::ResampleLine(input, plan, segmentLengths, strength[it], iterations[it], target);
+      quillix::ResampleLine(input, plan, segmentLengths, strength[it], iterations[it],
+                            quillix::curve::mutablePoints(out));
     }
   });
 }
