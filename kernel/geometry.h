@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "kernel/math_types.h"
 #include "kernel/memory_context.h"
@@ -176,6 +177,13 @@ class QRVGeometry {
   const std::int32_t* ComponentNumbers() const { return componentNumbers_; }
   const QRVOctree* Octree() const { return octree_; }
   const float* NeighbourDistances() const { return neighbourDistances_; }
+
+  // Appends points on the surface to `positions` (object space): `mode` is a QRVSurfaceMode
+  // (kernel/surface_positions.h), `lod` scales how many, `seed` fixes the random sequence, so
+  // the same inputs always give the same points. 6 for an unknown mode or too many points,
+  // 9 on memory refusal; an empty or zero-area mesh gives no points and status 0.
+  QRVStatus GeneratePositionsFromSurface(std::int32_t mode, float lod, std::uint64_t seed,
+                                         std::vector<Vec3f>& positions);
 
   // Bits of the derived items currently held.
   std::uint32_t ValidMask() const { return valid_; }
