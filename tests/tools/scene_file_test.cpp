@@ -70,6 +70,24 @@ TEST(MeshFiles, VertexIOfTheFileIsPointIOfTheMesh) {
   EXPECT_EQ(ell.polygons[7], (std::vector<std::int32_t>{11, 5, 0, 6}));  // relative indices
 }
 
+TEST(MeshFiles, GltfVerticesFollowTheirAccessorsInMeshAndPrimitiveOrder) {
+  xsihost::MeshData mesh;
+  std::string error;
+  const std::string path = (kExamples / "meshes" / "pyramid_and_triangle.gltf").string();
+  const bool loaded = xsihost::LoadMeshFile(path, mesh, error);
+#ifndef QUILLIX_HAVE_GLTF
+  if (!loaded) GTEST_SKIP() << error;
+#endif
+  ASSERT_TRUE(loaded) << error;
+  // Two primitives share the pyramid's five positions; the triangle's own three follow them.
+  ASSERT_EQ(mesh.points.size(), 8u);
+  EXPECT_EQ(mesh.points[4], (xsihost::Vec3d{0, 1, 0}));
+  EXPECT_EQ(mesh.points[7], (xsihost::Vec3d{3, 1, 0}));
+  ASSERT_EQ(mesh.polygons.size(), 7u);
+  EXPECT_EQ(mesh.polygons[2], (std::vector<std::int32_t>{0, 4, 1}));
+  EXPECT_EQ(mesh.polygons[6], (std::vector<std::int32_t>{5, 6, 7}));
+}
+
 TEST(MeshFiles, BadFilesNameTheFileAndThePlace) {
   const fs::path dir = fs::temp_directory_path() / "scene_file_test_meshes";
   fs::create_directories(dir);

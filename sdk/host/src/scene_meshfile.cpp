@@ -14,6 +14,13 @@
 #include "xsihost/scene_file.h"
 
 namespace xsihost {
+
+#ifdef QUILLIX_HAVE_GLTF
+namespace detail {
+bool loadGltf(const std::string& path, MeshData& mesh, std::string& error);  // scene_meshfile_gltf.cpp
+}
+#endif
+
 namespace {
 
 std::string lowerExtension(const std::string& path) {
@@ -307,8 +314,14 @@ bool LoadMeshFile(const std::string& path, MeshData& mesh, std::string& error) {
     ok = loadObj(path, mesh, error);
   } else if (ext == "ply") {
     ok = loadPly(path, mesh, error);
+  } else if (ext == "gltf" || ext == "glb") {
+#ifdef QUILLIX_HAVE_GLTF
+    ok = detail::loadGltf(path, mesh, error);
+#else
+    error = path + ": glTF files need tinygltf, which this build was made without";
+#endif
   } else {
-    error = path + ": unknown mesh file type \"." + ext + "\" (OBJ or PLY)";
+    error = path + ": unknown mesh file type \"." + ext + "\" (OBJ, PLY, glTF or GLB)";
   }
   if (!ok) mesh = MeshData();
   return ok;
