@@ -82,6 +82,7 @@ QRVStatus QRVSpline::Build(std::span<const Vec3f> positions, std::span<const Vec
     if (!ups.empty()) point.up = ups[std::min(i, ups.size() - 1)];
     points_[i] = point;
   }
+  anyDirty_ = !positions.empty();
   return kStatusOk;
 }
 
@@ -101,6 +102,7 @@ QRVStatus QRVSpline::CopyFrom(const QRVSpline& other) {
             cumulative_.data());
   closed_ = other.closed_;
   length_ = other.length_;
+  anyDirty_ = other.anyDirty_;
   return kStatusOk;
 }
 
@@ -108,6 +110,7 @@ void QRVSpline::SetClosed(bool closed) {
   closed_ = closed;
   length_ = -1.0f;
   if (points_.empty()) return;
+  anyDirty_ = true;
   for (QRVSplinePoint* point : {&points_[0], &points_[points_.size() - 1]}) {
     point->tangentDirty = point->upDirty = point->chordDirty = 1;
   }
@@ -115,7 +118,8 @@ void QRVSpline::SetClosed(bool closed) {
 
 void QRVSpline::Update() {
   const std::size_t n = points_.size();
-  if (n == 0) return;
+  if (n == 0 || !anyDirty_) return;
+  anyDirty_ = false;
   QRVSplinePoint* p = points_.data();
   bool chordsChanged = length_ < 0.0f;
 

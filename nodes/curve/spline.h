@@ -90,6 +90,7 @@ class QRVSpline {
   CountedArray<float> cumulative_;  // cumulative_[i] = chord[0] + ... + chord[i]
   bool closed_ = false;
   float length_ = -1.0f;            // -1: unknown
+  bool anyDirty_ = false;           // some point has a dirty flag set
 };
 
 }  // namespace quillix
