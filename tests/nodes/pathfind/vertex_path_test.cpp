@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <list>
 #include <random>
 #include <vector>
 
@@ -11,11 +10,13 @@
 #include "kernel/status_codes.h"
 #include "nodes/pathfind/vertex_path.h"
 #include "tests/kernel/test_meshes.h"
+#include "tests/nodes/pathfind/literal_search.h"
 
 namespace quillix {
 namespace {
 
 using testing::PlainMesh;
+using testing::LiteralSearch;
 using testing::QuadGrid;
 
 void Build(QRVGeometry& geo, const PlainMesh& mesh, bool components = true) {
@@ -27,53 +28,6 @@ void Build(QRVGeometry& geo, const PlainMesh& mesh, bool components = true) {
   if (components) {
     ASSERT_NE(geo.ComponentNumbers(), nullptr);
   }
-}
-
-// The search as first written: an unsorted open list in ascending vertex order, scanned for
-// the first strictly smallest distance, stopping the scan at a distance of exactly 0.
-std::vector<std::int32_t> LiteralSearch(QRVGeometry& geo, std::int32_t start, std::int32_t end,
-                                        const std::uint8_t* flags) {
-  const std::int32_t n = geo.VertexCount();
-  const Vec3f* p = geo.Positions();
-  std::vector<float> distance(n, kUnreachedDistance);
-  std::vector<std::int32_t> predecessor(n, -1);
-  std::vector<std::uint8_t> open(n, 1);
-  distance[start] = 0.0f;
-  std::list<std::int32_t> list;
-  for (std::int32_t v = 0; v < n; ++v) {
-    if (flags == nullptr || flags[v] != 0) {
-      list.push_back(v);
-    } else {
-      open[v] = 0;
-    }
-  }
-  while (!list.empty()) {
-    auto selected = list.begin();
-    float best = kUnreachedDistance;
-    for (auto it = list.begin(); it != list.end(); ++it) {
-      if (distance[*it] < best) {
-        best = distance[*it];
-        selected = it;
-        if (best == 0.0f) break;
-      }
-    }
-    const std::int32_t v = *selected;
-    list.erase(selected);
-    open[v] = 0;
-    if (distance[v] == kUnreachedDistance || v == end) break;
-    for (std::int32_t i = geo.NeighbourOffsets()[v]; i < geo.NeighbourOffsets()[v + 1]; ++i) {
-      const std::int32_t w = geo.NeighbourLists()[i];
-      if (open[w] != 1) continue;
-      const float dx = p[v].x - p[w].x, dy = p[v].y - p[w].y, dz = p[v].z - p[w].z;
-      const float candidate = distance[v] + std::sqrt(dy * dy + dx * dx + dz * dz);
-      if (distance[w] > candidate) distance[w] = candidate, predecessor[w] = v;
-    }
-  }
-  if (predecessor[end] == -1) return {};
-  std::vector<std::int32_t> path;
-  for (std::int32_t v = end; v != start; v = predecessor[v]) path.insert(path.begin(), v);
-  path.insert(path.begin(), start);
-  return path;
 }
 
 std::vector<std::int32_t> HeapSearch(const QRVGeometry& geo, std::int32_t start, std::int32_t end,
