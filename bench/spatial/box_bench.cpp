@@ -98,7 +98,9 @@ void MovingBoxContactTime(benchmark::State& state) {
 // Arguments: {extent} for the baseline, {mode, extent} for the cascade and {subdivision
 // count, extent} for the contact time (counts 0 and 6 give depths 0 and 3).
 BENCHMARK(SeparatingAxisBaseline)->Arg(25)->Arg(100)->Unit(benchmark::kMillisecond);
-BENCHMARK(BoxesIntersectCascade)->ArgsProduct({{-1, 0, 1}, {25, 100}})->Unit(benchmark::kMillisecond);
+BENCHMARK(BoxesIntersectCascade)
+    ->ArgsProduct({{-1, 0, 1}, {25, 100}})
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(MovingBoxContactTime)->ArgsProduct({{0, 6}, {25, 100}})->Unit(benchmark::kMillisecond);
 
 }  // namespace

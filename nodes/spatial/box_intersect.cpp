@@ -123,8 +123,8 @@ PreparedBox PrepareBox(const EllipsoidRecord& box, bool withInverse) {
   }
   if (withInverse) {
     prepared.inverse = box.matrix;
-    prepared.inverseState = Invert4x4(prepared.inverse) ? PreparedBox::Inverse::Valid
-                                                        : PreparedBox::Inverse::Singular;
+    prepared.inverseState =
+        Invert4x4(prepared.inverse) ? PreparedBox::Inverse::Valid : PreparedBox::Inverse::Singular;
   }
   return prepared;
 }

@@ -24,7 +24,7 @@ struct PreparedBox {
   Vec3f upper;                   // component-wise maximum of the corners
   enum class Inverse : std::uint8_t { NotComputed, Valid, Singular };
   Inverse inverseState = Inverse::NotComputed;
-  Mat4f inverse;                 // meaningful only when inverseState is Valid
+  Mat4f inverse;  // meaningful only when inverseState is Valid
 };
 
 // Prepares `box`. With `withInverse` the matrix is inverted now; without, each pair test

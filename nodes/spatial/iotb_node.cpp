@@ -29,9 +29,8 @@ constexpr PortDef kPorts[] = {
     {kBoxBPort, PortDirection::In, siICENodeDataMatrix44, siICENodeStructureAny,
      siICENodeContextAny, L"tmB", L"Transformation of Box B", defaultMatrix44Zero(), kNoLink,
      kLinkStructure, kLinkContext},
-    {kResultPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureAny,
-     siICENodeContextAny, L"result", L"A and B intersect", noDefault(), kNoLink,
-     kLinkStructure, kLinkContext},
+    {kResultPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureAny, siICENodeContextAny,
+     L"result", L"A and B intersect", noDefault(), kNoLink, kLinkStructure, kLinkContext},
 };
 
 struct BoxPair {

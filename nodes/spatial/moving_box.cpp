@@ -26,10 +26,6 @@ EllipsoidRecord MovedTo(const EllipsoidRecord& box, Vec3f centre) {
   return moved;
 }
 
-bool Intersect(const EllipsoidRecord& a, const EllipsoidRecord& b, std::int32_t mode) {
-  return BoxesIntersect(a, b, mode);
-}
-
 // Contact time when only `mover` moves: it is placed where its centre passes nearest the
 // resting box's centre, and that one position is tested.
 float OneMovingBox(const EllipsoidRecord& mover, Vec3f velocity, float speed,
@@ -38,7 +34,8 @@ float OneMovingBox(const EllipsoidRecord& mover, Vec3f velocity, float speed,
   const float along = Dot(Subtract(resting.centre, mover.centre), direction);
   if (along < 0.0f) return -1.0f;
   const EllipsoidRecord moved = MovedTo(mover, Advance(mover.centre, along, direction));
-  const bool touch = moverIsA ? Intersect(moved, resting, mode) : Intersect(resting, moved, mode);
+  const bool touch =
+      moverIsA ? BoxesIntersect(moved, resting, mode) : BoxesIntersect(resting, moved, mode);
   return touch ? along / speed : -1.0f;
 }
 
@@ -58,14 +55,14 @@ float ContactAfterStart(const EllipsoidRecord& a, Vec3f velocityA, const Ellipso
   if (closest.t1 < 0.0f && closest.t2 < 0.0f) return -1.0f;
   // The larger distance along the paths picks the candidate time, not the larger time.
   const float time = closest.t1 >= closest.t2 ? closest.t1 / speedA : closest.t2 / speedB;
-  const bool touch = Intersect(MovedTo(a, Advance(a.centre, time, velocityA)),
-                               MovedTo(b, Advance(b.centre, time, velocityB)), mode);
+  const bool touch = BoxesIntersect(MovedTo(a, Advance(a.centre, time, velocityA)),
+                                    MovedTo(b, Advance(b.centre, time, velocityB)), mode);
   return touch ? time : -1.0f;
 }
 
 float ContactDirect(const EllipsoidRecord& a, Vec3f velocityA, const EllipsoidRecord& b,
                     Vec3f velocityB, std::int32_t mode) {
-  if (Intersect(a, b, mode)) return 0.0f;
+  if (BoxesIntersect(a, b, mode)) return 0.0f;
   return ContactAfterStart(a, velocityA, b, velocityB, mode);
 }
 
@@ -78,22 +75,27 @@ float ContactSubdivided(const EllipsoidRecord& a, Vec3f velocityA, const Ellipso
   const Vec3f subVelocityB = Scale(velocityB, step);
   for (std::int64_t k = 0; k <= depth; ++k) {
     const float start = static_cast<float>(k) * step;
-    const float r = ContactDirect(MovedTo(a, Advance(a.centre, start, velocityA)), subVelocityA,
-                                  MovedTo(b, Advance(b.centre, start, velocityB)), subVelocityB,
-                                  mode);
+    const float r =
+        ContactDirect(MovedTo(a, Advance(a.centre, start, velocityA)), subVelocityA,
+                      MovedTo(b, Advance(b.centre, start, velocityB)), subVelocityB, mode);
     if (r >= 0.0f) return (static_cast<float>(k) + r) * step;
   }
   return -1.0f;
 }
 
-bool BothMove(Vec3f velocityA, Vec3f velocityB) {
-  return !(Length(velocityA) == 0.0f) && !(Length(velocityB) == 0.0f);
+// Contact time once the start test has failed, by depth.
+float ContactAfterFailedStart(const EllipsoidRecord& a, Vec3f velocityA, const EllipsoidRecord& b,
+                              Vec3f velocityB, std::int32_t mode, std::int32_t depth) {
+  const bool bothMove = !(Length(velocityA) == 0.0f) && !(Length(velocityB) == 0.0f);
+  if (depth >= 1 && bothMove) return ContactSubdivided(a, velocityA, b, velocityB, mode, depth);
+  return ContactAfterStart(a, velocityA, b, velocityB, mode);
 }
 
 }  // namespace
 
 MovingBox MovingBoxFromMatrix(const Mat4f& packed) {
-  return {EllipsoidFromMatrix(packed), {packed.m[0][3], packed.m[1][3], packed.m[2][3]},
+  return {EllipsoidFromMatrix(packed),
+          {packed.m[0][3], packed.m[1][3], packed.m[2][3]},
           packed.m[3][3]};
 }
 
@@ -123,11 +125,8 @@ LineParameters ClosestLineParameters(Vec3f p1, Vec3f d1, Vec3f p2, Vec3f d2) {
 
 float ContactTime(const EllipsoidRecord& a, Vec3f velocityA, const EllipsoidRecord& b,
                   Vec3f velocityB, std::int32_t mode, std::int32_t depth) {
-  if (Intersect(a, b, mode)) return 0.0f;
-  if (depth >= 1 && BothMove(velocityA, velocityB)) {
-    return ContactSubdivided(a, velocityA, b, velocityB, mode, depth);
-  }
-  return ContactAfterStart(a, velocityA, b, velocityB, mode);
+  if (BoxesIntersect(a, b, mode)) return 0.0f;
+  return ContactAfterFailedStart(a, velocityA, b, velocityB, mode, depth);
 }
 
 PreparedMovingBox PrepareMovingBox(const MovingBox& moving, bool withInverse) {
@@ -138,11 +137,8 @@ float ContactTime(const PreparedMovingBox& a, const PreparedMovingBox& b, std::i
   if (BoxesIntersect(a.start, b.start, mode)) return 0.0f;
   const MovingBox& ma = a.moving;
   const MovingBox& mb = b.moving;
-  const std::int32_t depth = SubdivisionDepth(ma.subdivisions, mb.subdivisions);
-  if (depth >= 1 && BothMove(ma.velocity, mb.velocity)) {
-    return ContactSubdivided(ma.box, ma.velocity, mb.box, mb.velocity, mode, depth);
-  }
-  return ContactAfterStart(ma.box, ma.velocity, mb.box, mb.velocity, mode);
+  return ContactAfterFailedStart(ma.box, ma.velocity, mb.box, mb.velocity, mode,
+                                 SubdivisionDepth(ma.subdivisions, mb.subdivisions));
 }
 
 }  // namespace quillix

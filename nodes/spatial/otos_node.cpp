@@ -38,8 +38,8 @@ constexpr PortDef kPorts[] = {
      siICENodeContextSingleton, L"Names", L"In Names", defaultString(L""), kNoLink, kNoLink,
      kNoLink},
     {kTransformsPort, PortDirection::In, siICENodeDataMatrix44, siICENodeStructureArray,
-     siICENodeContextSingleton, L"GlobalTransform", L"In Global Transform",
-     defaultMatrix44Zero(), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"GlobalTransform", L"In Global Transform", defaultMatrix44Zero(),
+     kNoLink, kNoLink, kNoLink},
     {kScalePort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
      siICENodeContextSingleton, L"Scale", L"Scale", defaultFloat(1.0f), kNoLink, kNoLink, kNoLink},
     {kBoneScalePort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
@@ -120,9 +120,9 @@ XSIPLUGINCALLBACK CStatus Quillix_otos_Evaluate(ICENodeContext& context) {
       }
       std::vector<const quillix::ObjectTransform*> placementViews;
       for (const HostTransform& placement : placements) placementViews.push_back(&placement);
-      const std::vector<quillix::Sphere> spheres = quillix::SpheresOfObjects(
-          objects, placementViews, scale.GetCount() > 0 ? scale[0] : 1.0f,
-          boneScale.GetCount() > 0 ? boneScale[0] : 1.0f);
+      const std::vector<quillix::Sphere> spheres =
+          quillix::SpheresOfObjects(objects, placementViews, scale.GetCount() > 0 ? scale[0] : 1.0f,
+                                    boneScale.GetCount() > 0 ? boneScale[0] : 1.0f);
       auto out = result.Resize(it, static_cast<ULONG>(spheres.size()));
       for (ULONG k = 0; k < out.GetCount(); ++k) {
         const quillix::Sphere& s = spheres[k];

@@ -43,11 +43,13 @@ inline Mat4f Rotation(double xDegrees, double yDegrees, double zDegrees, float s
   double xy[3][3];
   Vec3f rows[3];
   for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) xy[i][j] = rx[i][0] * ry[0][j] + rx[i][1] * ry[1][j] + rx[i][2] * ry[2][j];
+    for (int j = 0; j < 3; ++j)
+      xy[i][j] = rx[i][0] * ry[0][j] + rx[i][1] * ry[1][j] + rx[i][2] * ry[2][j];
   }
   for (int i = 0; i < 3; ++i) {
     double r[3];
-    for (int j = 0; j < 3; ++j) r[j] = (xy[i][0] * rz[0][j] + xy[i][1] * rz[1][j] + xy[i][2] * rz[2][j]) * scale;
+    for (int j = 0; j < 3; ++j)
+      r[j] = (xy[i][0] * rz[0][j] + xy[i][1] * rz[1][j] + xy[i][2] * rz[2][j]) * scale;
     rows[i] = {static_cast<float>(r[0]), static_cast<float>(r[1]), static_cast<float>(r[2])};
   }
   return AffineMatrix(rows[0], rows[1], rows[2], translation);
@@ -74,9 +76,10 @@ class RandomBoxes {
     norm = std::sqrt(norm);
     for (double& v : q) v /= norm;
     const double w = q[0], x = q[1], y = q[2], z = q[3];
-    const double rotation[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y + w * z), 2 * (x * z - w * y)},
-                                   {2 * (x * y - w * z), 1 - 2 * (x * x + z * z), 2 * (y * z + w * x)},
-                                   {2 * (x * z + w * y), 2 * (y * z - w * x), 1 - 2 * (x * x + y * y)}};
+    const double rotation[3][3] = {
+        {1 - 2 * (y * y + z * z), 2 * (x * y + w * z), 2 * (x * z - w * y)},
+        {2 * (x * y - w * z), 1 - 2 * (x * x + z * z), 2 * (y * z + w * x)},
+        {2 * (x * z + w * y), 2 * (y * z - w * x), 1 - 2 * (x * x + y * y)}};
     Vec3f rows[3];
     for (int r = 0; r < 3; ++r) {
       const double s = Uniform(0.1, 2.0);
@@ -111,9 +114,13 @@ struct SeparatingAxes {
   struct V {
     Real x, y, z;
   };
-  static V Row(const Mat4f& m, int r) { return {Real(m.m[r][0]), Real(m.m[r][1]), Real(m.m[r][2])}; }
+  static V Row(const Mat4f& m, int r) {
+    return {Real(m.m[r][0]), Real(m.m[r][1]), Real(m.m[r][2])};
+  }
   static Real Dot(V p, V q) { return p.x * q.x + p.y * q.y + p.z * q.z; }
-  static V Cross(V p, V q) { return {p.y * q.z - p.z * q.y, p.z * q.x - p.x * q.z, p.x * q.y - p.y * q.x}; }
+  static V Cross(V p, V q) {
+    return {p.y * q.z - p.z * q.y, p.z * q.x - p.x * q.z, p.x * q.y - p.y * q.x};
+  }
 
   SeparatingAxes(const Mat4f& a, const Mat4f& b) {
     const V ca = Row(a, 3);
@@ -137,7 +144,8 @@ struct SeparatingAxes {
   // by |axis|: negative when `axis` separates the boxes.
   Real Overlap(V axis) const {
     Real reach = 0;
-    for (int i = 0; i < 3; ++i) reach += std::fabs(Dot(edgesA[i], axis)) + std::fabs(Dot(edgesB[i], axis));
+    for (int i = 0; i < 3; ++i)
+      reach += std::fabs(Dot(edgesA[i], axis)) + std::fabs(Dot(edgesB[i], axis));
     return reach - std::fabs(Dot(between, axis));
   }
 

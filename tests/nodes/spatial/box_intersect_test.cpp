@@ -135,10 +135,11 @@ TEST(BoxesIntersect, IsConservativeAgainstAnExactSeparatingAxisTest) {
   ASSERT_GT(intersecting, kPairs / 10);
   ASSERT_GT(separated, kPairs / 10);
   for (int m = 0; m < 3; ++m) {
-    std::printf("mode %2d: %d intersecting pairs all found; %d of %d separated pairs reported "
-                "as intersecting (%.2f%%)\n",
-                kModes[m], intersecting, falsePositives[m], separated,
-                100.0 * falsePositives[m] / separated);
+    std::printf(
+        "mode %2d: %d intersecting pairs all found; %d of %d separated pairs reported "
+        "as intersecting (%.2f%%)\n",
+        kModes[m], intersecting, falsePositives[m], separated,
+        100.0 * falsePositives[m] / separated);
   }
   // Each stronger mode only adds rejections.
   EXPECT_GE(falsePositives[0], falsePositives[1]);

@@ -50,12 +50,15 @@ TEST(ClosestDistance, SubtractsBothHalfChordsAlongTheCentreLine) {
 }
 
 TEST(ClosestDistance, IsZeroOnContactOverlapAndCoincidentCentres) {
-  EXPECT_EQ(Gap(ScaleTranslate({2, 2, 2}, {0, 0, 0}), ScaleTranslate({1, 1, 1}, {2.5f, 0, 0})), 0.0f);
+  EXPECT_EQ(Gap(ScaleTranslate({2, 2, 2}, {0, 0, 0}), ScaleTranslate({1, 1, 1}, {2.5f, 0, 0})),
+            0.0f);
   // B's centre exactly on A's surface (|q|² = 1), and A's centre inside a large B.
-  EXPECT_EQ(Gap(ScaleTranslate({1, 1, 1}, {0, 0, 0}), ScaleTranslate({0.1f, 0.1f, 0.1f}, {1, 0, 0})),
-            0.0f);
-  EXPECT_EQ(Gap(ScaleTranslate({0.1f, 0.1f, 0.1f}, {0, 0, 0}), ScaleTranslate({9, 9, 9}, {5, 0, 0})),
-            0.0f);
+  EXPECT_EQ(
+      Gap(ScaleTranslate({1, 1, 1}, {0, 0, 0}), ScaleTranslate({0.1f, 0.1f, 0.1f}, {1, 0, 0})),
+      0.0f);
+  EXPECT_EQ(
+      Gap(ScaleTranslate({0.1f, 0.1f, 0.1f}, {0, 0, 0}), ScaleTranslate({9, 9, 9}, {5, 0, 0})),
+      0.0f);
   // Default all-zero matrices: both centres at the origin.
   EXPECT_EQ(Gap(Mat4f{}, Mat4f{}), 0.0f);
 }
@@ -67,7 +70,8 @@ TEST(ClosestDistance, IgnoresProjectiveTermsAndToleratesSingularMatrices) {
   EXPECT_EQ(Gap(projective, ScaleTranslate({1, 1, 1}, {5, 0, 0})), 3.0f);
   // A flat ellipsoid (zero Z row) cannot be inverted; its forward matrix stands in, which
   // still yields a defined, non-negative gap.
-  const float flat = Gap(ScaleTranslate({1, 1, 0}, {0, 0, 0}), ScaleTranslate({1, 1, 1}, {5, 0, 0}));
+  const float flat =
+      Gap(ScaleTranslate({1, 1, 0}, {0, 0, 0}), ScaleTranslate({1, 1, 1}, {5, 0, 0}));
   EXPECT_GE(flat, 0.0f);
   EXPECT_LE(flat, 4.0f);
 }

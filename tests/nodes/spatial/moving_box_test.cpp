@@ -53,10 +53,12 @@ TEST(ClosestLineParameters, GivesDistancesToTheMutuallyClosestPoints) {
   const LineParameters skew = ClosestLineParameters({0, 0, 0}, {2, 0, 0}, {3, -4, 1}, {0, 5, 0});
   EXPECT_FLOAT_EQ(skew.t1, 3.0f);
   EXPECT_FLOAT_EQ(skew.t2, 4.0f);
-  const LineParameters parallel = ClosestLineParameters({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {-3, 0, 0});
+  const LineParameters parallel =
+      ClosestLineParameters({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {-3, 0, 0});
   EXPECT_EQ(parallel.t1, 0.0f);
   EXPECT_EQ(parallel.t2, 0.0f);
-  const LineParameters degenerate = ClosestLineParameters({0, 0, 0}, {0, 0, 0}, {0, 1, 0}, {1, 0, 0});
+  const LineParameters degenerate =
+      ClosestLineParameters({0, 0, 0}, {0, 0, 0}, {0, 1, 0}, {1, 0, 0});
   EXPECT_EQ(degenerate.t1, 0.0f);
   EXPECT_EQ(degenerate.t2, 0.0f);
 }

@@ -86,7 +86,7 @@ TEST(SpheresOfObjects, ConcatenatesInListOrderAndSkipsMissingObjects) {
   const MatrixTransform third = Placed({2, 2, 2}, {0, 5, 0});
   const ObjectTransform* transforms[] = {&first, &second, &third};
   const std::vector<Sphere> spheres = SpheresOfObjects(objects, transforms, 1, 1);
-  ASSERT_EQ(spheres.size(), 4u);  // three for the bone, one for the last sphere
+  ASSERT_EQ(spheres.size(), 4u);          // three for the bone, one for the last sphere
   EXPECT_NEAR(spheres[2].x, 1.0, 1e-12);  // the bone's tip
   EXPECT_EQ(spheres[3].y, 5.0);
   EXPECT_NEAR(spheres[3].radius, 4.0, 1e-12);

@@ -101,9 +101,9 @@ TEST_F(OtosNode, OneSpherePerObjectSizedByTypeParameterAndScaling) {
   ASSERT_EQ(out.size(), 4u);
   EXPECT_EQ(out[0].GetX(), 4.0f);
   EXPECT_EQ(out[0].GetZ(), 6.0f);
-  EXPECT_FLOAT_EQ(out[0].GetW(), 3.0f);        // radius 2 × |Scale| 1.5
-  EXPECT_FLOAT_EQ(out[1].GetW(), 6.0f);        // mean scaling 2 × length/2 × 1.5
-  EXPECT_FLOAT_EQ(out[2].GetW(), 3.0f);        // a null: mean scaling × 1.5
+  EXPECT_FLOAT_EQ(out[0].GetW(), 3.0f);         // radius 2 × |Scale| 1.5
+  EXPECT_FLOAT_EQ(out[1].GetW(), 6.0f);         // mean scaling 2 × length/2 × 1.5
+  EXPECT_FLOAT_EQ(out[2].GetW(), 3.0f);         // a null: mean scaling × 1.5
   EXPECT_FLOAT_EQ(out[3].GetW(), 0.4f * 1.5f);  // a root: 0.8 size
 }
 
@@ -125,11 +125,13 @@ TEST_F(OtosNode, ReadsParametersAtTheEvaluationTime) {
 }
 
 TEST_F(OtosNode, SkipsUnknownNamesAndEmptiesOnMismatchedInputs) {
-  const auto known = spheres({L"nowhere", L"ball"}, {placed(1, 1, 1, 0, 0, 0), placed(1, 1, 1, 7, 0, 0)});
+  const auto known =
+      spheres({L"nowhere", L"ball"}, {placed(1, 1, 1, 0, 0, 0), placed(1, 1, 1, 7, 0, 0)});
   ASSERT_EQ(known.size(), 1u);
   EXPECT_EQ(known[0].GetX(), 7.0f);  // matrix 1 goes with name 1
-  EXPECT_TRUE(spheres({L"ball", L"crate", L"marker"}, {placed(1, 1, 1, 0, 0, 0), placed(1, 1, 1, 0, 0, 0)})
-                  .empty());
+  EXPECT_TRUE(
+      spheres({L"ball", L"crate", L"marker"}, {placed(1, 1, 1, 0, 0, 0), placed(1, 1, 1, 0, 0, 0)})
+          .empty());
   EXPECT_TRUE(spheres({}, {}).empty());
   EXPECT_TRUE(takeLog().empty());
 }

@@ -26,7 +26,9 @@ CMatrix4f host(const Mat4f& m) {
   return h;
 }
 
-CMatrix4f scaled(float s, Vec3f at) { return host(quillix::testing::ScaleTranslate({s, s, s}, at)); }
+CMatrix4f scaled(float s, Vec3f at) {
+  return host(quillix::testing::ScaleTranslate({s, s, s}, at));
+}
 
 // A unit box at `at` moving by `velocity` over the step, with a subdivision count.
 CMatrix4f moving(Vec3f at, Vec3f velocity, float subdivisions = 0.0f) {
@@ -125,10 +127,11 @@ TEST(SpatialPairNodes, RegisterTheirPortTables) {
 TEST(SpatialPairNodes, EllipsoidGapOverEveryStructureCombination) {
   const CMatrix4f unit = scaled(1, {0, 0, 0});
   // Single × single, B constant: gaps 3 (5 apart) and 0 (radius 2 and 1 at 2.5).
-  auto out = evaluate(L"Quillix_cdbte",
-                      pairRequest(PortValues::singles(Matrices{scaled(1, {5, 0, 0}), scaled(2, {2.5f, 0, 0})}),
-                                  PortValues::singles(Matrices{unit}).asConstant(), 2),
-                      kResult);
+  auto out = evaluate(
+      L"Quillix_cdbte",
+      pairRequest(PortValues::singles(Matrices{scaled(1, {5, 0, 0}), scaled(2, {2.5f, 0, 0})}),
+                  PortValues::singles(Matrices{unit}).asConstant(), 2),
+      kResult);
   EXPECT_EQ(singles<float>(out), (std::vector<float>{3.0f, 0.0f}));
   // Array × array (5 and 3 entries) gives 3 values; array × single one per entry.
   const Matrices five{scaled(1, {5, 0, 0}), scaled(1, {0, 6, 0}), unit, unit, unit};
@@ -137,14 +140,16 @@ TEST(SpatialPairNodes, EllipsoidGapOverEveryStructureCombination) {
                              PortValues::arraysOf(std::vector<Matrices>{{unit, unit, unit}}), 1),
                  kResult);
   EXPECT_EQ(out.values.arrayAt<float>(0), (std::vector<float>{3.0f, 4.0f, 0.0f}));
-  out = evaluate(L"Quillix_cdbte",
-                 pairRequest(PortValues::singles(Matrices{scaled(3, {0, 0, 0})}),
-                             PortValues::arraysOf(std::vector<Matrices>{{scaled(1, {10, 0, 0}), unit}}), 1),
-                 kResult);
+  out = evaluate(
+      L"Quillix_cdbte",
+      pairRequest(PortValues::singles(Matrices{scaled(3, {0, 0, 0})}),
+                  PortValues::arraysOf(std::vector<Matrices>{{scaled(1, {10, 0, 0}), unit}}), 1),
+      kResult);
   EXPECT_EQ(out.values.arrayAt<float>(0), (std::vector<float>{6.0f, 0.0f}));
   // Inputs left at their all-zero defaults: centres coincide.
   EvaluationRequest defaults;
-  EXPECT_EQ(singles<float>(evaluate(L"Quillix_cdbte", defaults, kResult)), (std::vector<float>{0.0f}));
+  EXPECT_EQ(singles<float>(evaluate(L"Quillix_cdbte", defaults, kResult)),
+            (std::vector<float>{0.0f}));
   EXPECT_TRUE(takeLog().empty());
 }
 
@@ -165,17 +170,19 @@ TEST(SpatialPairNodes, BoxIntersectionAnswersOneOrZeroPerMode) {
   const Matrices others{host(Translation({2, 0, 0})), host(Translation({2.001f, 0, 0})),
                         host(quillix::testing::RotationZ(45.0, {1.75f, 1.75f, 0}))};
   for (XSI::LONG mode : {-1, 0, 1}) {
-    auto r = pairRequest(PortValues::singles(Matrices{unit}).asConstant(), PortValues::singles(others), 3);
+    auto r = pairRequest(PortValues::singles(Matrices{unit}).asConstant(),
+                         PortValues::singles(others), 3);
     r.setInput(kMode, PortValues::singles<XSI::LONG>({mode}));
     const std::vector<XSI::LONG> expected{1, 0, mode < 0 ? 1 : 0};
     EXPECT_EQ(singles<XSI::LONG>(evaluate(L"Quillix_iotb", r, kResult)), expected) << mode;
   }
   // Arrays of 5 and 3 boxes give 3 answers; the default mode is 0.
   const Matrices five{unit, others[0], others[1], others[2], unit};
-  const auto out = evaluate(L"Quillix_iotb",
-                            pairRequest(PortValues::arraysOf(std::vector<Matrices>{five}),
-                                        PortValues::arraysOf(std::vector<Matrices>{{unit, unit, unit}}), 1),
-                            kResult);
+  const auto out =
+      evaluate(L"Quillix_iotb",
+               pairRequest(PortValues::arraysOf(std::vector<Matrices>{five}),
+                           PortValues::arraysOf(std::vector<Matrices>{{unit, unit, unit}}), 1),
+               kResult);
   EXPECT_EQ(out.values.arrayAt<XSI::LONG>(0), (std::vector<XSI::LONG>{1, 1, 0}));
 }
 
@@ -191,10 +198,11 @@ TEST(SpatialPairNodes, MovingBoxesGiveContactTimes) {
   // Head-on along one line: missed directly, found at the first overlapping sub-step when the
   // two counts (2 and 3) round to depth 3.
   const auto headOn = [](float countA, float countB) {
-    return evaluate(L"Quillix_iotmb",
-                    pairRequest(PortValues::singles(Matrices{moving({-5, 0, 0}, {10, 0, 0}, countA)}),
-                                PortValues::singles(Matrices{moving({5, 0, 0}, {-10, 0, 0}, countB)}), 1),
-                    kResult);
+    return evaluate(
+        L"Quillix_iotmb",
+        pairRequest(PortValues::singles(Matrices{moving({-5, 0, 0}, {10, 0, 0}, countA)}),
+                    PortValues::singles(Matrices{moving({5, 0, 0}, {-10, 0, 0}, countB)}), 1),
+        kResult);
   };
   EXPECT_EQ(singles<float>(headOn(0, 0)), (std::vector<float>{-1.0f}));
   EXPECT_EQ(singles<float>(headOn(2, 3)), (std::vector<float>{0.5f}));
