@@ -16,24 +16,11 @@ using namespace quillix::plugin;
 
 namespace {
 
-constexpr ULONG kModePort = 1000;
-constexpr ULONG kEllipsoidAPort = 1010;
-constexpr ULONG kEllipsoidBPort = 1020;
-constexpr ULONG kResultPort = 2010;
+using namespace quillix::spatial;
 
-constexpr PortDef kPorts[] = {
-    {kModePort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"mode", L"Mode", defaultInt(0), kNoLink, kNoLink, kNoLink},
-    {kEllipsoidAPort, PortDirection::In, siICENodeDataMatrix44, siICENodeStructureAny,
-     siICENodeContextAny, L"tmA", L"Transformation of Ellipsoid A", defaultMatrix44Zero(), kNoLink,
-     kLinkStructure, kLinkContext},
-    {kEllipsoidBPort, PortDirection::In, siICENodeDataMatrix44, siICENodeStructureAny,
-     siICENodeContextAny, L"tmB", L"Transformation of Ellipsoid B", defaultMatrix44Zero(), kNoLink,
-     kLinkStructure, kLinkContext},
-    {kResultPort, PortDirection::Out, siICENodeDataFloat, siICENodeStructureAny,
-     siICENodeContextAny, L"result", L"Closest Distance between Surfaces", noDefault(), kNoLink,
-     kLinkStructure, kLinkContext},
-};
+constexpr auto kPorts =
+    matrixPairPorts(0, L"Transformation of Ellipsoid A", L"Transformation of Ellipsoid B",
+                    siICENodeDataFloat, L"Closest Distance between Surfaces");
 
 struct EllipsoidGap {
   quillix::PreparedEllipsoid prepare(const quillix::Mat4f& matrix, bool) const {
@@ -50,12 +37,10 @@ XSIPLUGINCALLBACK CStatus Quillix_cdbte_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
   return quillix::utility::evaluateGuarded([&] {
     // Only one method exists; any other value is worth a warning but computes the same.
-    const CDataArrayLong mode(context, kModePort);
-    if (mode.GetCount() > 0 && mode[0] != 0) {
+    if (readMode(context, 0) != 0) {
       Application().LogMessage(L"Quillix_cdbte: illegal method!", siWarningMsg);
     }
-    quillix::spatial::evaluateMatrixPairs<float>(context, kEllipsoidAPort, kEllipsoidBPort,
-                                                 EllipsoidGap{});
+    evaluateMatrixPairs<float>(context, kMatrixAPort, kMatrixBPort, EllipsoidGap{});
   });
 }
 

@@ -15,23 +15,10 @@ using namespace quillix::plugin;
 
 namespace {
 
-constexpr ULONG kModePort = 1000;
-constexpr ULONG kBoxAPort = 1010;
-constexpr ULONG kBoxBPort = 1020;
-constexpr ULONG kResultPort = 2010;
+using namespace quillix::spatial;
 
-constexpr PortDef kPorts[] = {
-    {kModePort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"mode", L"Mode", defaultInt(0), kNoLink, kNoLink, kNoLink},
-    {kBoxAPort, PortDirection::In, siICENodeDataMatrix44, siICENodeStructureAny,
-     siICENodeContextAny, L"tmA", L"Transformation of Box A", defaultMatrix44Zero(), kNoLink,
-     kLinkStructure, kLinkContext},
-    {kBoxBPort, PortDirection::In, siICENodeDataMatrix44, siICENodeStructureAny,
-     siICENodeContextAny, L"tmB", L"Transformation of Box B", defaultMatrix44Zero(), kNoLink,
-     kLinkStructure, kLinkContext},
-    {kResultPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureAny, siICENodeContextAny,
-     L"result", L"A and B intersect", noDefault(), kNoLink, kLinkStructure, kLinkContext},
-};
+constexpr auto kPorts = matrixPairPorts(0, L"Transformation of Box A", L"Transformation of Box B",
+                                        siICENodeDataLong, L"A and B intersect");
 
 struct BoxPair {
   LONG mode;
@@ -50,9 +37,7 @@ XSIPLUGINCALLBACK CStatus Quillix_iotb_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
   return quillix::utility::evaluateGuarded([&] {
     // Every integer is a mode: negative, zero and positive select the three test strengths.
-    const CDataArrayLong mode(context, kModePort);
-    const BoxPair kernel{mode.GetCount() > 0 ? mode[0] : 0};
-    quillix::spatial::evaluateMatrixPairs<LONG>(context, kBoxAPort, kBoxBPort, kernel);
+    evaluateMatrixPairs<LONG>(context, kMatrixAPort, kMatrixBPort, BoxPair{readMode(context, 0)});
   });
 }
 

@@ -16,26 +16,14 @@ using namespace quillix::plugin;
 
 namespace {
 
-constexpr ULONG kModePort = 1000;
-constexpr ULONG kBoxAPort = 1010;
-constexpr ULONG kBoxBPort = 1020;
-constexpr ULONG kResultPort = 2010;
+using namespace quillix::spatial;
+
+// Edge-diagonal tests are on by default here: a contact time is worth the stronger test.
 constexpr LONG kDefaultMode = 1;
 
-constexpr PortDef kPorts[] = {
-    {kModePort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"mode", L"Mode", defaultInt(kDefaultMode), kNoLink, kNoLink,
-     kNoLink},
-    {kBoxAPort, PortDirection::In, siICENodeDataMatrix44, siICENodeStructureAny,
-     siICENodeContextAny, L"tmA", L"Transformation of Box A", defaultMatrix44Zero(), kNoLink,
-     kLinkStructure, kLinkContext},
-    {kBoxBPort, PortDirection::In, siICENodeDataMatrix44, siICENodeStructureAny,
-     siICENodeContextAny, L"tmB", L"Transformation of Box B", defaultMatrix44Zero(), kNoLink,
-     kLinkStructure, kLinkContext},
-    {kResultPort, PortDirection::Out, siICENodeDataFloat, siICENodeStructureAny,
-     siICENodeContextAny, L"result", L"Intersection occurs in", noDefault(), kNoLink,
-     kLinkStructure, kLinkContext},
-};
+constexpr auto kPorts =
+    matrixPairPorts(kDefaultMode, L"Transformation of Box A", L"Transformation of Box B",
+                    siICENodeDataFloat, L"Intersection occurs in");
 
 struct MovingBoxPair {
   LONG mode;
@@ -52,9 +40,8 @@ struct MovingBoxPair {
 XSIPLUGINCALLBACK CStatus Quillix_iotmb_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
   return quillix::utility::evaluateGuarded([&] {
-    const CDataArrayLong mode(context, kModePort);
-    const MovingBoxPair kernel{mode.GetCount() > 0 ? mode[0] : kDefaultMode};
-    quillix::spatial::evaluateMatrixPairs<float>(context, kBoxAPort, kBoxBPort, kernel);
+    const MovingBoxPair kernel{readMode(context, kDefaultMode)};
+    evaluateMatrixPairs<float>(context, kMatrixAPort, kMatrixBPort, kernel);
   });
 }
 

@@ -9,6 +9,7 @@
 // array — is prepared once instead of once per pair.
 #pragma once
 
+#include <array>
 #include <cstring>
 #include <optional>
 #include <span>
@@ -22,10 +23,44 @@
 
 #include "kernel/math_types.h"
 #include "plugin/evaluation.h"
+#include "plugin/registration.h"
 
 namespace quillix::spatial {
 
 using XSI::ULONG;
+
+// The ports the three nodes share: the mode, two 4×4 matrix inputs of either structure and
+// any context, and the result, the last three linked by structure and context.
+inline constexpr ULONG kModePort = 1000;
+inline constexpr ULONG kMatrixAPort = 1010;
+inline constexpr ULONG kMatrixBPort = 1020;
+inline constexpr ULONG kResultPort = 2010;
+
+constexpr std::array<plugin::PortDef, 4> matrixPairPorts(int defaultMode, const wchar_t* displayA,
+                                                         const wchar_t* displayB, ULONG resultType,
+                                                         const wchar_t* resultDisplay) {
+  using namespace plugin;
+  return {{
+      {kModePort, PortDirection::In, XSI::siICENodeDataLong, XSI::siICENodeStructureSingle,
+       XSI::siICENodeContextSingleton, L"mode", L"Mode", defaultInt(defaultMode), kNoLink, kNoLink,
+       kNoLink},
+      {kMatrixAPort, PortDirection::In, XSI::siICENodeDataMatrix44, XSI::siICENodeStructureAny,
+       XSI::siICENodeContextAny, L"tmA", displayA, defaultMatrix44Zero(), kNoLink, kLinkStructure,
+       kLinkContext},
+      {kMatrixBPort, PortDirection::In, XSI::siICENodeDataMatrix44, XSI::siICENodeStructureAny,
+       XSI::siICENodeContextAny, L"tmB", displayB, defaultMatrix44Zero(), kNoLink, kLinkStructure,
+       kLinkContext},
+      {kResultPort, PortDirection::Out, resultType, XSI::siICENodeStructureAny,
+       XSI::siICENodeContextAny, L"result", resultDisplay, noDefault(), kNoLink, kLinkStructure,
+       kLinkContext},
+  }};
+}
+
+// The first value of the mode port, or `fallback` when the host supplies none.
+inline XSI::LONG readMode(XSI::ICENodeContext& context, XSI::LONG fallback) {
+  const XSI::CDataArray<XSI::LONG> mode(context, kModePort);
+  return mode.GetCount() > 0 ? mode[0] : fallback;
+}
 
 inline Mat4f toMat4f(const XSI::MATH::CMatrix4f& matrix) {
   static_assert(sizeof(Mat4f) == 16 * sizeof(float));
