@@ -3,8 +3,6 @@
 // them as "name,percentage" text. The scene is read here; scoring and ranking are in
 // commands/match_scoring.h.
 #include <xsi_application.h>
-#include <xsi_argument.h>
-#include <xsi_command.h>
 #include <xsi_context.h>
 #include <xsi_geometry.h>
 #include <xsi_kinematics.h>
@@ -24,22 +22,19 @@
 #include <string>
 #include <vector>
 
+#include "commands/command_binding.h"
 #include "commands/match_scoring.h"
 #include "commands/object_features.h"
 
 namespace {
 
 using namespace XSI;
-using quillix::MatchTerm;
 using quillix::ObjectFeatures;
-
-enum class ArgumentType { String, Integer, Double, Boolean, Float };
-
-struct ArgumentDef {
-  const wchar_t* name;
-  ArgumentType type;
-  double defaultValue;  // unused for the string argument, whose default is empty
-};
+using quillix::commands::ArgumentDef;
+using quillix::commands::ArgumentType;
+using quillix::commands::DefaultValue;
+using quillix::commands::Log;
+using quillix::commands::Quoted;
 
 // The largest double: the host reads it as "the current frame".
 constexpr double kCurrentFrame = 1.7976931348623157e308;
@@ -78,20 +73,6 @@ constexpr LONG kArgumentCount = LONG(std::size(kArguments));
 constexpr LONG kFirstWeightArgument = 10;
 static_assert(kArgumentCount == kFirstWeightArgument + LONG(quillix::kMatchTermCount));
 
-// The host's no-logging capability bit; cleared so that every call is logged as usual.
-constexpr LONG kNoLoggingFlag = 0x800000;
-
-CValue DefaultValue(const ArgumentDef& argument) {
-  switch (argument.type) {
-    case ArgumentType::String: return CValue(CString());
-    case ArgumentType::Integer: return CValue(LONG(argument.defaultValue));
-    case ArgumentType::Double: return CValue(argument.defaultValue);
-    case ArgumentType::Boolean: return CValue(argument.defaultValue != 0.0);
-    case ArgumentType::Float: return CValue(float(argument.defaultValue));
-  }
-  return CValue();
-}
-
 struct Options {
   CString inputName;
   LONG inputMode = 0;
@@ -128,12 +109,6 @@ Options ReadOptions(const CValueArray& given) {
   }
   return o;
 }
-
-void Log(const CString& text, siSeverityType severity) {
-  Application().LogMessage(text, severity);
-}
-
-CString Quoted(const CString& text) { return CString(L"\"") + text + L"\""; }
 
 CString Number(std::int64_t value) { return CString(std::to_string(value).c_str()); }
 
@@ -388,17 +363,7 @@ CStatus Execute(CRef& contextRef) {
 }  // namespace
 
 XSIPLUGINCALLBACK CStatus Quillix__FindMatchingObjects_Init(CRef& contextRef) {
-  try {
-    Context context(contextRef);
-    Command command(context.GetSource());
-    command.PutDescription(L"Find matching objects");
-    command.SetFlag(kNoLoggingFlag, false);
-    ArgumentArray arguments = command.GetArguments();
-    for (const ArgumentDef& argument : kArguments) arguments.Add(argument.name, DefaultValue(argument));
-    return CStatus::OK;
-  } catch (...) {
-    return CStatus::Fail;
-  }
+  return quillix::commands::DefineCommand(contextRef, L"Find matching objects", kArguments);
 }
 
 XSIPLUGINCALLBACK CStatus Quillix__FindMatchingObjects_Execute(CRef& contextRef) {

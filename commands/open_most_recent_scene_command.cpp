@@ -2,8 +2,6 @@
 // list file is scanned in commands/recent_scene.h; here are the environment, the log and the
 // host's "OpenScene".
 #include <xsi_application.h>
-#include <xsi_command.h>
-#include <xsi_context.h>
 #include <xsi_status.h>
 #include <xsi_string.h>
 #include <xsi_utils.h>
@@ -15,22 +13,15 @@
 #include <string>
 #include <vector>
 
+#include "commands/command_binding.h"
 #include "commands/recent_scene.h"
 
 namespace {
 
 using namespace XSI;
 
-// The command takes no arguments.
-
-// The host's no-logging capability bit; cleared so that every call is logged as usual.
-constexpr LONG kNoLoggingFlag = 0x800000;
-
-void Log(const CString& text, siSeverityType severity) {
-  Application().LogMessage(text, severity);
-}
-
-CString Quoted(const CString& text) { return CString(L"\"") + text + L"\""; }
+using quillix::commands::Log;
+using quillix::commands::Quoted;
 
 CStatus Execute() {
   const char* home = std::getenv(quillix::kUserHomeVariable);
@@ -78,15 +69,8 @@ CStatus Execute() {
 }  // namespace
 
 XSIPLUGINCALLBACK CStatus Quillix__OpenMostRecentScene_Init(CRef& contextRef) {
-  try {
-    Context context(contextRef);
-    Command command(context.GetSource());
-    command.PutDescription(L"Opens the most recent scene file");
-    command.SetFlag(kNoLoggingFlag, false);
-    return CStatus::OK;
-  } catch (...) {
-    return CStatus::Fail;
-  }
+  // The command takes no arguments.
+  return quillix::commands::DefineCommand(contextRef, L"Opens the most recent scene file", {});
 }
 
 XSIPLUGINCALLBACK CStatus Quillix__OpenMostRecentScene_Execute(CRef& /*contextRef*/) {
