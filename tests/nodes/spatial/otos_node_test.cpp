@@ -60,39 +60,6 @@ std::vector<CVector4f> spheres(const std::vector<std::wstring>& names,
   return out.values.arrayAt<CVector4f>(0);
 }
 
-TEST(OtosNodeDefinition, IsSingleThreadedWithUnlinkedSingletonPorts) {
-  const auto* definition = nodeDefinition(L"Quillix_otos");
-  ASSERT_NE(definition, nullptr);
-  EXPECT_EQ(definition->threadingModel, 1u);
-  ASSERT_EQ(definition->groups.size(), 1u);
-  EXPECT_EQ(definition->groups[0].maxInstances, 1u);
-  struct Port {
-    ULONG id, type, structure;
-    const wchar_t* script;
-    const wchar_t* display;
-  };
-  const Port expected[] = {{kNames, 131072, 2, L"Names", L"In Names"},
-                           {kTransforms, 256, 2, L"GlobalTransform", L"In Global Transform"},
-                           {kScale, 4, 1, L"Scale", L"Scale"},
-                           {kBoneScale, 4, 1, L"ScaleBone", L"Scale Bone"},
-                           {kSpheres, 32, 2, L"Spheres", L"Array of Spheres"}};
-  ASSERT_EQ(definition->inputs.size(), 4u);
-  ASSERT_EQ(definition->outputs.size(), 1u);
-  for (const Port& e : expected) {
-    const auto* port = definition->findPort(e.id);
-    ASSERT_NE(port, nullptr) << e.id;
-    EXPECT_EQ(port->dataTypes, e.type);
-    EXPECT_EQ(port->structures, e.structure);
-    EXPECT_EQ(port->contexts, 1u);
-    EXPECT_EQ(port->scriptName, e.script);
-    EXPECT_EQ(port->displayName, e.display);
-    EXPECT_EQ(port->typeLink & port->structureLink & port->contextLink, 0xFFFFFFFFu);
-  }
-  EXPECT_TRUE(definition->inputs[0].defaultValue == XSI::CValue(XSI::CString(L"")));
-  EXPECT_TRUE(definition->inputs[2].defaultValue == XSI::CValue(1.0f));
-  EXPECT_TRUE(definition->inputs[3].defaultValue == XSI::CValue(1.0f));
-}
-
 TEST_F(OtosNode, OneSpherePerObjectSizedByTypeParameterAndScaling) {
   const auto out = spheres({L"ball", L"crate", L"marker", L"hip"},
                            {placed(1, 1, 1, 4, 5, 6), placed(1, 2, 3, 0, 0, 0),

@@ -1,9 +1,8 @@
-// Quillix_cdbte, Quillix_iotb and Quillix_iotmb through the offline host: port tables, the
-// four structure paths, constants, defaults, the mode warning, batches and threads.
+// Quillix_cdbte, Quillix_iotb and Quillix_iotmb through the offline host: the four
+// structure paths, constants, defaults, the mode warning, batches and threads.
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <cwchar>
 #include <string>
 #include <vector>
 
@@ -18,7 +17,6 @@ using Matrices = std::vector<CMatrix4f>;
 using quillix::testing::Translation;
 
 constexpr ULONG kMode = 1000, kA = 1010, kB = 1020, kResult = 2010;
-constexpr ULONG kNone = 0xFFFFFFFFu;
 
 CMatrix4f host(const Mat4f& m) {
   CMatrix4f h;
@@ -53,75 +51,6 @@ std::vector<T> singles(const OutputResult& out) {
   std::vector<T> v;
   for (ULONG i = 0; i < out.values.count; ++i) v.push_back(out.values.single<T>(i));
   return v;
-}
-
-TEST(SpatialPairNodes, RegisterTheirPortTables) {
-  struct Expected {
-    const wchar_t* node;
-    const wchar_t* a;
-    const wchar_t* b;
-    ULONG resultType;
-    const wchar_t* result;
-    XSI::LONG mode;
-  };
-  const Expected nodes[] = {
-      {L"Quillix_cdbte", L"Transformation of Ellipsoid A", L"Transformation of Ellipsoid B", 4,
-       L"Closest Distance between Surfaces", 0},
-      {L"Quillix_iotb", L"Transformation of Box A", L"Transformation of Box B", 2,
-       L"A and B intersect", 0},
-      {L"Quillix_iotmb", L"Transformation of Box A", L"Transformation of Box B", 4,
-       L"Intersection occurs in", 1},
-  };
-  CMatrix4f zero;
-  for (short r = 0; r < 4; ++r)
-    for (short c = 0; c < 4; ++c) zero.SetValue(r, c, 0.0f);
-  for (const Expected& e : nodes) {
-    SCOPED_TRACE(std::string(e.node, e.node + std::wcslen(e.node)));
-    const auto* definition = nodeDefinition(e.node);
-    ASSERT_NE(definition, nullptr);
-    EXPECT_EQ(definition->threadingModel, 2u);
-    ASSERT_EQ(definition->groups.size(), 1u);
-    EXPECT_EQ(definition->groups[0].name, L"Inputs");
-    EXPECT_EQ(definition->groups[0].maxInstances, 1u);
-    ASSERT_EQ(definition->inputs.size(), 3u);
-    ASSERT_EQ(definition->outputs.size(), 1u);
-    const auto& mode = definition->inputs[0];
-    EXPECT_EQ(mode.id, kMode);
-    EXPECT_EQ(mode.scriptName, L"mode");
-    EXPECT_EQ(mode.displayName, L"Mode");
-    EXPECT_EQ(mode.dataTypes, 2u);
-    EXPECT_EQ(mode.structures, 1u);
-    EXPECT_EQ(mode.contexts, 1u);
-    EXPECT_TRUE(mode.defaultValue == XSI::CValue(e.mode));
-    EXPECT_EQ(mode.typeLink, kNone);
-    EXPECT_EQ(mode.structureLink, kNone);
-    EXPECT_EQ(mode.contextLink, kNone);
-    const wchar_t* scripts[] = {L"tmA", L"tmB"};
-    const wchar_t* displays[] = {e.a, e.b};
-    for (int i = 0; i < 2; ++i) {
-      const auto& port = definition->inputs[i + 1];
-      EXPECT_EQ(port.id, i == 0 ? kA : kB);
-      EXPECT_EQ(port.scriptName, scripts[i]);
-      EXPECT_EQ(port.displayName, displays[i]);
-      EXPECT_EQ(port.dataTypes, 256u);
-      EXPECT_EQ(port.structures, 3u);
-      EXPECT_EQ(port.contexts, 63u);
-      EXPECT_TRUE(port.defaultValue == XSI::CValue(zero));
-      EXPECT_EQ(port.typeLink, kNone);
-      EXPECT_EQ(port.structureLink, 4001u);
-      EXPECT_EQ(port.contextLink, 4002u);
-    }
-    const auto& result = definition->outputs[0];
-    EXPECT_EQ(result.id, kResult);
-    EXPECT_EQ(result.scriptName, L"result");
-    EXPECT_EQ(result.displayName, e.result);
-    EXPECT_EQ(result.dataTypes, e.resultType);
-    EXPECT_EQ(result.structures, 3u);
-    EXPECT_EQ(result.contexts, 63u);
-    EXPECT_EQ(result.typeLink, kNone);
-    EXPECT_EQ(result.structureLink, 4001u);
-    EXPECT_EQ(result.contextLink, 4002u);
-  }
 }
 
 TEST(SpatialPairNodes, EllipsoidGapOverEveryStructureCombination) {
