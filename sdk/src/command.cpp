@@ -4,19 +4,14 @@
 
 #include <xsihost/scene_commands.h>
 
+#include "scene_refs.h"
+
 namespace XSI {
 
 using xsihost::ArgumentObject;
 using xsihost::CommandObject;
 
-namespace {
-
-template <class T>
-std::shared_ptr<T> as(const CRef& ref) {
-  return std::dynamic_pointer_cast<T>(ref.GetObjectHandle());
-}
-
-}  // namespace
+using scene_detail::as;
 
 Command::Command(const CRef& ref) : SIObject(as<CommandObject>(ref) ? ref : CRef()) {}
 

@@ -13,6 +13,8 @@
 
 #include <xsihost/scene.h>
 
+#include "scene_refs.h"
+
 namespace XSI {
 
 using MATH::CTransformation;
@@ -22,14 +24,10 @@ using xsihost::AttributeData;
 using xsihost::GeometryObject;
 using xsihost::SceneObject;
 
+using scene_detail::as;
+using scene_detail::bindIf;
+
 namespace {
-
-template <class T>
-std::shared_ptr<T> as(const CRef& ref) {
-  return std::dynamic_pointer_cast<T>(ref.GetObjectHandle());
-}
-
-CRef bindIf(const CRef& ref, bool ok) { return ok ? ref : CRef(); }
 
 // The points of a geometry: mesh vertices, or the control points of every curve in order.
 std::vector<CVector3> pointsOf(const SceneObject& o) {

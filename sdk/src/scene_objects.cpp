@@ -15,6 +15,8 @@
 #include <filesystem>
 
 #include <xsihost/scene.h>
+
+#include "scene_refs.h"
 #include <xsihost/scene_commands.h>
 
 namespace XSI {
@@ -23,14 +25,10 @@ using xsihost::PrimitiveObject;
 using xsihost::PropertyObject;
 using xsihost::SceneObject;
 
+using scene_detail::as;
+using scene_detail::bindIf;
+
 namespace {
-
-template <class T>
-std::shared_ptr<T> as(const CRef& ref) {
-  return std::dynamic_pointer_cast<T>(ref.GetObjectHandle());
-}
-
-CRef bindIf(const CRef& ref, bool ok) { return ok ? ref : CRef(); }
 
 // Families of the scene's object types, as FindChild2 filters them.
 std::vector<std::wstring> familiesOf(const std::wstring& type) {

@@ -51,13 +51,9 @@ class Commands : public ::testing::Test {
   static void SetUpTestSuite() {
     std::string error;
     s_plugin = xsihost::LoadedPlugin::load(SCENE_TEST_PLUGIN_PATH, error).release();
-    ASSERT_NE(s_plugin, nullptr) << error;
-    xsihost::AttachPluginCommands(*s_plugin);
+    ASSERT_NE(s_plugin, nullptr) << error;  // loading runs the commands' Init
   }
-  static void TearDownTestSuite() {
-    xsihost::DetachPluginCommands(*s_plugin);
-    delete s_plugin;
-  }
+  static void TearDownTestSuite() { delete s_plugin; }
   void SetUp() override {
     m_home = fs::temp_directory_path() / ("scene_command_test_" + std::to_string(::getpid()));
     fs::remove_all(m_home);
@@ -196,6 +192,25 @@ TEST_F(Commands, OpenSceneWithoutAUserHomeOnlyWarns) {
   EXPECT_TRUE(Application().GetActiveSceneRoot().FindChild2(L"box").IsValid());
   EXPECT_EQ(xsihost::hostLog().take().back().severity, siWarningMsg);
   EXPECT_FALSE(fs::exists(listFile()));
+}
+
+TEST_F(Commands, AttachingAgainKeepsTheDefinitionsAndUnloadingForgetsThem) {
+  const auto before = xsihost::FindCommand(L"SceneTest__Sum");
+  xsihost::AttachPluginCommands(*s_plugin);
+  EXPECT_EQ(xsihost::FindCommand(L"SceneTest__Sum"), before);
+  EXPECT_EQ(Application().GetPlugins().GetCount(), 1);
+
+  std::string error;
+  auto second = xsihost::LoadedPlugin::load(SCENE_TEST_PLUGIN_PATH, error);
+  ASSERT_NE(second, nullptr) << error;
+  EXPECT_EQ(Application().GetPlugins().GetCount(), 2);
+  second->unload();
+  EXPECT_EQ(Application().GetPlugins().GetCount(), 1);
+  // The second load's definitions replaced the first's and left with it.
+  EXPECT_EQ(xsihost::FindCommand(L"SceneTest__Sum"), nullptr);
+  xsihost::DetachPluginCommands(*s_plugin);
+  xsihost::AttachPluginCommands(*s_plugin);
+  EXPECT_NE(xsihost::FindCommand(L"SceneTest__Sum"), nullptr);
 }
 
 TEST_F(Commands, PluginsAreListedWithTheirFolder) {

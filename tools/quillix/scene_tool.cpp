@@ -135,12 +135,9 @@ bool loadActiveScene(const std::string& path, std::ostream& err) {
 int runCommand(xsihost::LoadedPlugin& plugin, const RunOptions& options, std::ostream& out,
                std::ostream& err) {
   if (!options.scenePath.empty() && !loadActiveScene(options.scenePath, err)) return 2;
-  xsihost::AttachPluginCommands(plugin);
-  struct Detach {
-    xsihost::LoadedPlugin& plugin;
-    ~Detach() { xsihost::DetachPluginCommands(plugin); }
-  } detach{plugin};
-  xsihost::hostLog().take();  // the Init callbacks' lines are not this command's
+  // The plug-in's commands were defined (their Init run) when it was loaded.
+  (void)plugin;
+  xsihost::hostLog().take();  // lines of the load are not this command's
 
   const std::wstring name = utf8ToWide(options.command);
   const auto definition = xsihost::FindCommand(name);

@@ -6,6 +6,7 @@
 
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
+#include <xsihost/scene_commands.h>
 
 namespace xsihost {
 
@@ -43,6 +44,8 @@ std::unique_ptr<LoadedPlugin> LoadedPlugin::load(const std::string& path, std::s
     error = path + ": XSILoadPlugin failed";
     return nullptr;
   }
+  // Registered commands run their Init now, as the host does at load.
+  AttachPluginCommands(*plugin);
   return plugin;
 }
 
@@ -50,6 +53,7 @@ LoadedPlugin::~LoadedPlugin() { unload(); }
 
 void LoadedPlugin::unload() {
   if (m_handle == nullptr) return;
+  DetachPluginCommands(*this);
   if (auto unloadFn = reinterpret_cast<UnloadFunction>(dlsym(m_handle, "XSIUnloadPlugin"))) {
     XSI::PluginRegistrar registrar(m_record.get());
     unloadFn(registrar);

@@ -122,8 +122,11 @@ void AttachPluginCommands(const LoadedPlugin& plugin) {
   auto listing = std::make_shared<PluginObject>();
   listing->m_name = plugin.record().name;
   listing->m_path = plugin.path();
+  listing->m_plugin = &plugin;
   {
     std::lock_guard<std::mutex> lock(r.mutex);
+    for (const auto& p : r.plugins)
+      if (p->m_plugin == &plugin) return;  // attached already: keep its definitions and user data
     r.plugins.push_back(listing);
   }
   for (const std::wstring& name : plugin.record().commands) {
@@ -148,7 +151,7 @@ void DetachPluginCommands(const LoadedPlugin& plugin) {
   for (auto it = r.commands.begin(); it != r.commands.end();) {
     it = it->second->m_plugin == &plugin ? r.commands.erase(it) : std::next(it);
   }
-  std::erase_if(r.plugins, [&](const auto& p) { return p->m_path == plugin.path(); });
+  std::erase_if(r.plugins, [&](const auto& p) { return p->m_plugin == &plugin; });
 }
 
 std::shared_ptr<CommandObject> FindCommand(const std::wstring& name) {

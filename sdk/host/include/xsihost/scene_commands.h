@@ -52,6 +52,7 @@ class PluginObject : public XSI::host_detail::Object {
  public:
   std::wstring m_name;
   std::string m_path;  // the plug-in's file
+  const LoadedPlugin* m_plugin = nullptr;
   std::wstring name() const override { return m_name; }
   std::wstring typeName() const override { return L"Plugin"; }
 };
@@ -61,9 +62,9 @@ inline constexpr XSI::LONG kCommandNoLoggingFlag = 0x800000;
 
 /// Makes `plugin`'s registered commands runnable: runs each command's `<name>_Init` with a
 /// fresh definition, and lists the plug-in for Application::GetPlugins. A command name already
-/// known is replaced.
+/// known is replaced. LoadedPlugin::load calls it; attaching a plug-in again does nothing.
 void AttachPluginCommands(const LoadedPlugin& plugin);
-/// Forgets the commands and the listing of `plugin` (call before unloading it).
+/// Forgets the commands and the listing of `plugin`; LoadedPlugin::unload calls it.
 void DetachPluginCommands(const LoadedPlugin& plugin);
 
 /// Runs the command `name` with `arguments` by position (missing or empty values take the
