@@ -32,6 +32,7 @@ struct PreparedEllipsoid {
   Mat4f inverse;
 };
 
+// Copies `record` and inverts its matrix (unchecked, see PreparedEllipsoid::inverse).
 PreparedEllipsoid PrepareEllipsoid(const EllipsoidRecord& record);
 
 // Gap between the surfaces of `a` and `b` measured along the line joining their centres:

@@ -18,6 +18,7 @@ struct MovingBox {
   float subdivisions = 0.0f;
 };
 
+// Unpacks `packed`: velocity and count are read before the record drops the fourth column.
 MovingBox MovingBoxFromMatrix(const Mat4f& packed);
 
 // Number of sub-steps beyond the first for a pair of boxes: the mean of their two counts
@@ -53,6 +54,7 @@ struct PreparedMovingBox {
   PreparedBox start;
 };
 
+// Prepares the start position of `moving`; `withInverse` as for PrepareBox.
 PreparedMovingBox PrepareMovingBox(const MovingBox& moving, bool withInverse);
 
 // ContactTime of two packed boxes, with the depth from their two subdivision counts.
