@@ -30,7 +30,9 @@ QRVStatus BuildPathGeometry(std::span<const Vec3f> positions, std::span<const st
 
   // Temporary arrays go through the memory context like the geometry's own.
   Vec3f* points = memory.AllocateArray<Vec3f>(positions.size());
-  std::uint8_t* sizes = memory.AllocateArray<std::uint8_t>(polygons);
+  // One counter more than closed polygons: indices after the last negative value count into a
+  // polygon that is never closed and never passed on.
+  std::uint8_t* sizes = memory.AllocateArray<std::uint8_t>(polygons + 1);
   std::int32_t* indices = memory.AllocateArray<std::int32_t>(indexCount);
   const auto release = [&] {
     memory.Release(points);
@@ -42,7 +44,7 @@ QRVStatus BuildPathGeometry(std::span<const Vec3f> positions, std::span<const st
     return kStatusNoMemory;
   }
   if (!positions.empty()) std::memcpy(points, positions.data(), positions.size_bytes());
-  std::memset(sizes, 0, polygons);
+  std::memset(sizes, 0, polygons + 1);
   std::size_t polygon = 0, node = 0;
   for (std::int32_t value : description) {
     if (value >= 0) {
