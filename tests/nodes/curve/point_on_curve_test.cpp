@@ -17,12 +17,6 @@ TEST(CurveQueryValue, ClampsFromBelowInEveryModeAndScalesPercentages) {
   EXPECT_TRUE(std::isnan(CurveQueryValue(std::nanf(""), CurveParameterMode::Parameter)));
 }
 
-TEST(CurveModeFromValue, OnlyOneAndTwoAreSpecial) {
-  EXPECT_EQ(CurveModeFromValue(1), CurveParameterMode::Normalized);
-  EXPECT_EQ(CurveModeFromValue(2), CurveParameterMode::Percentage);
-  for (int mode : {0, 3, 5, -1}) EXPECT_EQ(CurveModeFromValue(mode), CurveParameterMode::Parameter);
-}
-
 // A straight curve along x whose tangent has the length of the parameter, and whose normal
 // vanishes beyond u = 1.
 class Ray final : public CurveSampler {
