@@ -16,11 +16,16 @@ constexpr LONG kNoLoggingFlag = 0x800000;
 
 CValue DefaultValue(const ArgumentDef& argument) {
   switch (argument.type) {
-    case ArgumentType::String: return CValue(CString());
-    case ArgumentType::Integer: return CValue(LONG(argument.defaultValue));
-    case ArgumentType::Double: return CValue(argument.defaultValue);
-    case ArgumentType::Boolean: return CValue(argument.defaultValue != 0.0);
-    case ArgumentType::Float: return CValue(float(argument.defaultValue));
+    case ArgumentType::String:
+      return CValue(CString());
+    case ArgumentType::Integer:
+      return CValue(LONG(argument.defaultValue));
+    case ArgumentType::Double:
+      return CValue(argument.defaultValue);
+    case ArgumentType::Boolean:
+      return CValue(argument.defaultValue != 0.0);
+    case ArgumentType::Float:
+      return CValue(float(argument.defaultValue));
   }
   return CValue();
 }
@@ -42,9 +47,7 @@ CStatus DefineCommand(CRef& contextRef, const wchar_t* description,
   }
 }
 
-void Log(const CString& text, siSeverityType severity) {
-  Application().LogMessage(text, severity);
-}
+void Log(const CString& text, siSeverityType severity) { Application().LogMessage(text, severity); }
 
 CString Quoted(const CString& text) { return CString(L"\"") + text + L"\""; }
 

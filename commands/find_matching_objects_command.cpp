@@ -168,8 +168,8 @@ FeatureFailure ReadFeatures(const X3DObject& object, const Geometry& geometry, c
   const MATH::CTransformation identity;
   if (needs.boundingBox) {
     double cx, cy, cz, ex, ey, ez;
-    if (geometry.IsValid() && geometry.GetBoundingBox(cx, cy, cz, ex, ey, ez, identity) ==
-                                  CStatus::OK) {
+    if (geometry.IsValid() &&
+        geometry.GetBoundingBox(cx, cy, cz, ex, ey, ez, identity) == CStatus::OK) {
       features.boxExtent = {ex, ey, ez};
     } else {
       failure = FeatureFailure::BoundingBox;
@@ -178,8 +178,8 @@ FeatureFailure ReadFeatures(const X3DObject& object, const Geometry& geometry, c
   if (needs.boundingSphere) {
     double cx, cy, cz, radius;
     if (geometry.IsValid() &&
-        geometry.GetBoundingSphere(cx, cy, cz, radius, siVolumeCenterMethodBBoxCenter,
-                                   identity) == CStatus::OK) {
+        geometry.GetBoundingSphere(cx, cy, cz, radius, siVolumeCenterMethodBBoxCenter, identity) ==
+            CStatus::OK) {
       features.sphereRadius = radius;
     } else if (failure == FeatureFailure::None) {
       failure = FeatureFailure::BoundingSphere;
@@ -266,8 +266,8 @@ CStatus Execute(CRef& contextRef) {
     Log(L"    num triangles: " + Number(inputFeatures.triangleCount), siCommentMsg);
   }
 
-  o.weights = quillix::WeightsForInput(o.weights, inputFeatures.pointCount,
-                                       inputFeatures.triangleCount);
+  o.weights =
+      quillix::WeightsForInput(o.weights, inputFeatures.pointCount, inputFeatures.triangleCount);
   const float weightSum = quillix::WeightSum(o.weights);
   if (!(weightSum > 0.0f)) {
     Log(L"all weights are zero... nothing to do.", siWarningMsg);
@@ -282,7 +282,8 @@ CStatus Execute(CRef& contextRef) {
     case FeatureFailure::BoundingSphere:
       Log(L"failed to get input object's (local) bounding sphere.", siErrorMsg);
       return CStatus::Fail;
-    case FeatureFailure::None: break;
+    case FeatureFailure::None:
+      break;
   }
 
   CRefArray candidates = root.FindChildren2(CString(), input.GetType(), CStringArray(), true);
@@ -322,8 +323,7 @@ CStatus Execute(CRef& contextRef) {
     ReadCounts(geometry, features);
     if (o.verbose) {
       Log(L"processing candidate " + Quoted(candidate.GetName()) + L" (pnts: " +
-              Number(features.pointCount) + L",  tris: " + Number(features.triangleCount) +
-              L").",
+              Number(features.pointCount) + L",  tris: " + Number(features.triangleCount) + L").",
           siCommentMsg);
     }
     // A candidate's missing box or sphere counts as empty; only the input's stops the command.
@@ -343,7 +343,8 @@ CStatus Execute(CRef& contextRef) {
     Log(L"the final matches:", siCommentMsg);
     Log(L"{", siCommentMsg);
     for (std::size_t k = order.size(); k > 0; --k) {
-      const std::string line = quillix::FinalMatchLine(rankedPercentages[k - 1], rankedNames[k - 1]);
+      const std::string line =
+          quillix::FinalMatchLine(rankedPercentages[k - 1], rankedNames[k - 1]);
       Log(CString(line.c_str()), siCommentMsg);
     }
     Log(L"}", siCommentMsg);

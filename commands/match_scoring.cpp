@@ -125,9 +125,10 @@ MatchWeights ClampNegativeWeights(const MatchWeights& weights) {
 MatchWeights WeightsForInput(const MatchWeights& weights, std::int64_t pointCount,
                              std::int64_t triangleCount) {
   static constexpr MatchTerm kTriangleBased[] = {
-      kTermTriangleCount,     kTermBoundingBox,        kTermBoundingSphere,
-      kTermLocalSurfArea,     kTermLocalSurfNormalAverage, kTermGlobalVertexCenter,
-      kTermGlobalSurfArea,    kTermGlobalSurfNormalAverage};
+      kTermTriangleCount,          kTermBoundingBox,
+      kTermBoundingSphere,         kTermLocalSurfArea,
+      kTermLocalSurfNormalAverage, kTermGlobalVertexCenter,
+      kTermGlobalSurfArea,         kTermGlobalSurfNormalAverage};
   MatchWeights adjusted = weights;
   if (pointCount <= 0) adjusted[kTermPointCount] = 0.0f;
   if (pointCount <= 0 || triangleCount <= 0) {

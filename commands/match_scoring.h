@@ -31,8 +31,8 @@ struct Matrix3d {
 // 4×4 transform in the row-vector convention: a point is the row (x, y, z, 1) times the
 // matrix; rows 0 to 2 hold the scaled axes, row 3 the translation.
 struct Matrix4d {
-  double m[4][4] = {{1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 0.0, 0.0}, {0.0, 0.0, 1.0, 0.0},
-                    {0.0, 0.0, 0.0, 1.0}};
+  double m[4][4] = {
+      {1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 0.0, 0.0}, {0.0, 0.0, 1.0, 0.0}, {0.0, 0.0, 0.0, 1.0}};
 };
 
 // The parts of a transform that the matching compares: scaling per axis, rotation and
@@ -69,14 +69,14 @@ using MatchTerms = std::array<float, kMatchTermCount>;
 
 // What the scoring knows of one object. Counts of 0 stand for a missing geometry.
 struct ObjectFeatures {
-  std::string name;               // 8-bit; compared case-insensitively (ASCII)
+  std::string name;  // 8-bit; compared case-insensitively (ASCII)
   std::int64_t pointCount = 0;
   std::int64_t triangleCount = 0;
-  Vector3d boxExtent;             // local bounding box, full extent per axis
-  double sphereRadius = 0.0;      // local bounding sphere
+  Vector3d boxExtent;         // local bounding box, full extent per axis
+  double sphereRadius = 0.0;  // local bounding sphere
   double localSurfaceArea = 0.0;
   double globalSurfaceArea = 0.0;
-  Vector3d globalVertexCenter;    // average of the triangle corners in world space
+  Vector3d globalVertexCenter;  // average of the triangle corners in world space
   Vector3d localNormalAverage;
   Vector3d globalNormalAverage;
   TransformParts local;

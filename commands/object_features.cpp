@@ -58,8 +58,7 @@ double TriangleSurfaceArea(std::span<const Vector3d> corners) {
   return area;
 }
 
-double TransformedSurfaceArea(std::span<const Vector3d> corners,
-                              const Matrix4d& transform) {
+double TransformedSurfaceArea(std::span<const Vector3d> corners, const Matrix4d& transform) {
   assert(corners.size() % 3 == 0);
   double area = 0.0;
   for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
@@ -76,8 +75,7 @@ Vector3d Average(std::span<const Vector3d> values) {
   return mean.Value();
 }
 
-Vector3d TransformedPointAverage(std::span<const Vector3d> points,
-                                 const Matrix4d& transform) {
+Vector3d TransformedPointAverage(std::span<const Vector3d> points, const Matrix4d& transform) {
   VectorMean mean;
   for (const Vector3d& p : points) mean.Add(TransformPoint(p, transform));
   return mean.Value();

@@ -38,7 +38,7 @@ Vector3d TransformedDirectionAverage(std::span<const Vector3d> directions,
 
 // Which features a weight set asks for, so that nothing unweighted is read from the host.
 struct FeatureNeeds {
-  bool triangles = false;      // triangle corners (areas, vertex centre)
+  bool triangles = false;  // triangle corners (areas, vertex centre)
   bool boundingBox = false;
   bool boundingSphere = false;
   bool localArea = false;

@@ -31,10 +31,9 @@ CStatus Execute() {
         siErrorMsg);
     return CStatus::Fail;
   }
-  const CString listPath =
-      CUtils::BuildPath(CString(home), CString(quillix::kRecentListFolder),
-                        CString(quillix::kRecentListSubfolder),
-                        CString(quillix::kRecentListFileName));
+  const CString listPath = CUtils::BuildPath(CString(home), CString(quillix::kRecentListFolder),
+                                             CString(quillix::kRecentListSubfolder),
+                                             CString(quillix::kRecentListFileName));
   // The path's characters are bytes widened one by one, so this gives the bytes back.
   const std::string listFile = listPath.GetAsciiString();
 

@@ -69,31 +69,14 @@ TEST(Averages, MeanOfPointsAndDirectionsWithZeroForNoValues) {
   ExpectNear(TransformedPointAverage({}, SampleTransform()), {0.0, 0.0, 0.0});
 }
 
-TEST(NeededFeatures, OnlyPositiveWeightsAskForTheirFeatures) {
+TEST(NeededFeatures, GlobalFeaturesNeedTheGlobalTransformAndNothingUnweightedIsRead) {
   MatchWeights weights{};
-  FeatureNeeds none = NeededFeatures(weights);
-  EXPECT_FALSE(none.triangles || none.boundingBox || none.boundingSphere || none.localNormals ||
-               none.globalNormals || none.localTransform || none.globalTransform);
-
-  weights[kTermGlobalSurfNormalAverage] = 0.5f;
-  const FeatureNeeds normals = NeededFeatures(weights);
-  EXPECT_TRUE(normals.globalNormals);
-  EXPECT_TRUE(normals.globalTransform);
-  EXPECT_FALSE(normals.triangles);
-  EXPECT_FALSE(normals.localNormals);
-
-  weights = {};
   weights[kTermGlobalVertexCenter] = 0.125f;
-  const FeatureNeeds centre = NeededFeatures(weights);
-  EXPECT_TRUE(centre.triangles && centre.vertexCenter && centre.globalTransform);
-  EXPECT_FALSE(centre.localArea || centre.localTransform);
-
-  weights = {};
-  weights[kTermLocalRot] = 1.0f;
   weights[kTermBoundingSphere] = -1.0f;
-  const FeatureNeeds rotation = NeededFeatures(weights);
-  EXPECT_TRUE(rotation.localTransform);
-  EXPECT_FALSE(rotation.globalTransform || rotation.boundingSphere);
+  const FeatureNeeds needs = NeededFeatures(weights);
+  EXPECT_TRUE(needs.triangles && needs.vertexCenter && needs.globalTransform);
+  EXPECT_FALSE(needs.localArea || needs.globalArea || needs.localTransform ||
+               needs.boundingSphere || needs.localNormals || needs.globalNormals);
 }
 
 }  // namespace

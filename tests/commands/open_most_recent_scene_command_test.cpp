@@ -56,7 +56,8 @@ class OpenMostRecentScene : public ::testing::Test {
   }
   std::string WriteScene(const std::string& name, const std::string& object) const {
     const std::string path = (home_ / name).string();
-    std::ofstream(path) << R"({ "objects": [ { "name": ")" << object << R"(", "type": "null" } ] })";
+    std::ofstream(path) << R"({ "objects": [ { "name": ")" << object
+                        << R"(", "type": "null" } ] })";
     return path;
   }
   // Runs the command; the log lines after the host's call line.
@@ -71,11 +72,6 @@ class OpenMostRecentScene : public ::testing::Test {
     }
     return status;
   }
-  std::vector<LogLine> UnableToExtract() const {
-    return {{siErrorMsg,
-             L"unable to extract the most recent scene from \"" + Wide(ListPath()) + L"\"."}};
-  }
-
   fs::path home_;
   std::vector<LogLine> log_;
 };
@@ -97,7 +93,8 @@ TEST_F(OpenMostRecentScene, OpensTheFirstSceneAfterTheMarker) {
             "</menu>\n</recent_file_menus>\n");
   EXPECT_EQ(Run(), CStatus(CStatus::OK));
   ASSERT_GE(log_.size(), 2u);
-  EXPECT_EQ(log_[0], (LogLine{siCommentMsg, L"found most recent scene \"" + Wide(latest) + L"\"."}));
+  EXPECT_EQ(log_[0],
+            (LogLine{siCommentMsg, L"found most recent scene \"" + Wide(latest) + L"\"."}));
   EXPECT_EQ(log_[1].text.rfind(L"OpenScene(\"" + Wide(latest) + L"\"", 0), 0u);
   EXPECT_TRUE(Application().GetActiveSceneRoot().FindChild2(L"fresh").IsValid());
 }
@@ -115,9 +112,9 @@ TEST_F(OpenMostRecentScene, SpacesAroundTheEntryArePartOfThePath) {
 TEST_F(OpenMostRecentScene, WithoutUserHomeNothingIsRead) {
   ::unsetenv("XSI_USERHOME");
   EXPECT_EQ(Run(), CStatus(CStatus::Fail));
-  EXPECT_EQ(log_, (std::vector<LogLine>{
-                      {siErrorMsg, L"unable to get user home directory (environment variable "
-                                   L"\"XSI_USERHOME\" not set?)."}}));
+  EXPECT_EQ(log_, (std::vector<LogLine>{{siErrorMsg,
+                                         L"unable to get user home directory (environment variable "
+                                         L"\"XSI_USERHOME\" not set?)."}}));
 }
 
 TEST_F(OpenMostRecentScene, MissingOrEmptyListCannotBeOpened) {
@@ -131,25 +128,17 @@ TEST_F(OpenMostRecentScene, MissingOrEmptyListCannotBeOpened) {
 }
 
 TEST_F(OpenMostRecentScene, ListsWithoutAUsableEntryCannotBeExtracted) {
-  WriteList("<menu name=\"RECENT_MODELS_MENU\">" + Entry("/a.json") + "</menu>");
-  EXPECT_EQ(Run(), CStatus(CStatus::Fail));
-  EXPECT_EQ(log_, UnableToExtract());
-
-  WriteList("RECENT_SCENES_MENU<recent_file>/never/closed.json");
-  EXPECT_EQ(Run(), CStatus(CStatus::Fail));
-  EXPECT_EQ(log_, UnableToExtract());
-}
-
-TEST_F(OpenMostRecentScene, EntriesUpTo1023BytesAreAccepted) {
-  const std::string longest = "/" + std::string(1022, 'p');
-  WriteList("RECENT_SCENES_MENU" + Entry(longest));
-  EXPECT_EQ(Run(), CStatus(CStatus::OK));
-  ASSERT_GE(log_.size(), 1u);
-  EXPECT_EQ(log_[0], (LogLine{siCommentMsg, L"found most recent scene \"" + Wide(longest) + L"\"."}));
-
-  WriteList("RECENT_SCENES_MENU" + Entry(longest + "p"));
-  EXPECT_EQ(Run(), CStatus(CStatus::Fail));
-  EXPECT_EQ(log_, UnableToExtract());
+  for (const std::string& list :
+       {"<menu name=\"RECENT_MODELS_MENU\">" + Entry("/a.json") + "</menu>",
+        std::string("RECENT_SCENES_MENU<recent_file>/never/closed.json"),
+        "RECENT_SCENES_MENU" + Entry("/" + std::string(1023, 'p'))}) {  // 1,024 bytes
+    WriteList(list);
+    EXPECT_EQ(Run(), CStatus(CStatus::Fail));
+    EXPECT_EQ(
+        log_,
+        (std::vector<LogLine>{{siErrorMsg, L"unable to extract the most recent scene from \"" +
+                                               Wide(ListPath()) + L"\"."}}));
+  }
 }
 
 }  // namespace
