@@ -99,13 +99,13 @@ class Geometry : public SIObject {
   /// size are accepted for their meaning on the host; `facets` restricts the queries to those
   /// polygons when not empty.
   CStatus SetupPointLocatorQueries(siClosestLocationMethod method,
-                                   const MATH::CTransformation& transform,
-                                   const CLongArray& facets, LONG pointCacheSize);
+                                   const MATH::CTransformation& transform, const CLongArray& facets,
+                                   LONG pointCacheSize);
   /// Casts `count` rays (positions and directions, three doubles each) and keeps the nearest
   /// hit of each along its ray (|t| smallest for whole lines).
-  PointLocatorData GetRaycastIntersections(LONG count, const double* positions,
-                                           const double* directions,
-                                           siLineIntersectionType type = siSemiLineIntersection) const;
+  PointLocatorData GetRaycastIntersections(
+      LONG count, const double* positions, const double* directions,
+      siLineIntersectionType type = siSemiLineIntersection) const;
   /// Positions of `count` locators chosen by `indices` (all in order when null), three
   /// doubles each, in the space of the query set-up; invalid locators give (0, 0, 0).
   CStatus EvaluatePositions(const PointLocatorData& locators, LONG count, const LONG* indices,

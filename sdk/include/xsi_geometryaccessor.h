@@ -34,7 +34,8 @@ class CGeometryAccessor {
   CStatus GetNodeNormals(CFloatArray& normals) const;
 
   // Host side only.
-  explicit CGeometryAccessor(std::shared_ptr<host_detail::Object> owner) : m_mesh(std::move(owner)) {}
+  explicit CGeometryAccessor(std::shared_ptr<host_detail::Object> owner)
+      : m_mesh(std::move(owner)) {}
 
  private:
   std::shared_ptr<host_detail::Object> m_mesh;

@@ -14,8 +14,8 @@ class CMatrix3 {
   CMatrix3(double m00, double m01, double m02, double m10, double m11, double m12, double m20,
            double m21, double m22);
 
-  CMatrix3& Set(double m00, double m01, double m02, double m10, double m11, double m12,
-                double m20, double m21, double m22);
+  CMatrix3& Set(double m00, double m01, double m02, double m10, double m11, double m12, double m20,
+                double m21, double m22);
   void Get(double& m00, double& m01, double& m02, double& m10, double& m11, double& m12,
            double& m20, double& m21, double& m22) const;
   double GetValue(short row, short col) const { return m_v[row][col]; }

@@ -18,9 +18,9 @@ class CMatrix4 {
            double m13, double m20, double m21, double m22, double m23, double m30, double m31,
            double m32, double m33);
 
-  CMatrix4& Set(double m00, double m01, double m02, double m03, double m10, double m11,
-                double m12, double m13, double m20, double m21, double m22, double m23,
-                double m30, double m31, double m32, double m33);
+  CMatrix4& Set(double m00, double m01, double m02, double m03, double m10, double m11, double m12,
+                double m13, double m20, double m21, double m22, double m23, double m30, double m31,
+                double m32, double m33);
   double GetValue(short row, short col) const { return m_v[row][col]; }
   void SetValue(short row, short col, double value) { m_v[row][col] = value; }
   double Get(short row, short col) const { return m_v[row][col]; }

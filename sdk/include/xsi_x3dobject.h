@@ -30,8 +30,7 @@ class X3DObject : public SceneItem {
   /// (empty: any) and `families` (empty: any; otherwise the child's family must be one of
   /// them), searching the whole subtree when `recursive`; invalid when none matches.
   X3DObject FindChild2(const CString& name = CString(), const CString& type = CString(),
-                       const CStringArray& families = CStringArray(),
-                       bool recursive = true) const;
+                       const CStringArray& families = CStringArray(), bool recursive = true) const;
   /// Every such child, in the same order.
   CRefArray FindChildren2(const CString& name = CString(), const CString& type = CString(),
                           const CStringArray& families = CStringArray(),

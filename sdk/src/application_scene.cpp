@@ -15,9 +15,7 @@ CStatus CRef::Set(const CString& path) {
   return m_object ? CStatus::OK : CStatus::Fail;
 }
 
-Model Application::GetActiveSceneRoot() const {
-  return Model(CRef(xsihost::activeScene().root()));
-}
+Model Application::GetActiveSceneRoot() const { return Model(CRef(xsihost::activeScene().root())); }
 
 Selection Application::GetSelection() const { return Selection(); }
 

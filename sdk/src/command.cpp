@@ -72,7 +72,8 @@ LONG ArgumentArray::GetCount() const {
 
 Argument ArgumentArray::GetItem(LONG index) const {
   const auto c = as<CommandObject>(m_ref);
-  if (!c || index < 0 || static_cast<std::size_t>(index) >= c->m_arguments.size()) return Argument();
+  if (!c || index < 0 || static_cast<std::size_t>(index) >= c->m_arguments.size())
+    return Argument();
   return Argument(CRef(std::make_shared<ArgumentObject>(c, static_cast<std::size_t>(index))));
 }
 

@@ -101,14 +101,15 @@ CTriangleRefArray Geometry::GetTriangles() const {
   for (std::size_t t = 0; t < derived.triangles.size(); ++t) {
     for (int k = 0; k < 3; ++k) {
       out.m_positions.Add(toVector(mesh.points[static_cast<std::size_t>(derived.triangles[t][k])]));
-      out.m_normals.Add(toVector(derived.nodeNormals[static_cast<std::size_t>(derived.triangleNodes[3 * t + k])]));
+      out.m_normals.Add(toVector(
+          derived.nodeNormals[static_cast<std::size_t>(derived.triangleNodes[3 * t + k])]));
     }
   }
   return out;
 }
 
-CStatus Geometry::GetBoundingBox(double& centerX, double& centerY, double& centerZ,
-                                 double& extentX, double& extentY, double& extentZ,
+CStatus Geometry::GetBoundingBox(double& centerX, double& centerY, double& centerZ, double& extentX,
+                                 double& extentY, double& extentZ,
                                  const CTransformation& transform) const {
   const auto g = as<GeometryObject>(m_ref);
   if (!g) return CStatus::Fail;
@@ -183,7 +184,8 @@ PointLocatorData Geometry::GetRaycastIntersections(LONG count, const double* pos
     allowed.assign(mesh.polygons.size(), false);
     for (LONG i = 0; i < m_locatorFacets.GetCount(); ++i) {
       const LONG f = m_locatorFacets[i];
-      if (f >= 0 && static_cast<std::size_t>(f) < allowed.size()) allowed[static_cast<std::size_t>(f)] = true;
+      if (f >= 0 && static_cast<std::size_t>(f) < allowed.size())
+        allowed[static_cast<std::size_t>(f)] = true;
     }
   }
   std::vector<CVector3> points;
@@ -197,12 +199,13 @@ PointLocatorData Geometry::GetRaycastIntersections(LONG count, const double* pos
     const CVector3 dir(directions[3 * r], directions[3 * r + 1], directions[3 * r + 2]);
     double best = std::numeric_limits<double>::infinity();
     for (std::size_t t = 0; t < derived.triangles.size(); ++t) {
-      if (!allowed.empty() && !allowed[static_cast<std::size_t>(derived.trianglePolygon[t])]) continue;
+      if (!allowed.empty() && !allowed[static_cast<std::size_t>(derived.trianglePolygon[t])])
+        continue;
       const auto& tri = derived.triangles[t];
       double hit, u, v;
       if (!intersect(origin, dir, points[static_cast<std::size_t>(tri[0])],
-                     points[static_cast<std::size_t>(tri[1])], points[static_cast<std::size_t>(tri[2])],
-                     hit, u, v))
+                     points[static_cast<std::size_t>(tri[1])],
+                     points[static_cast<std::size_t>(tri[2])], hit, u, v))
         continue;
       if (type == siSemiLineIntersection && hit < 0.0) continue;
       if (type == siSegmentIntersection && (hit < 0.0 || hit > 1.0)) continue;
@@ -221,18 +224,21 @@ PointLocatorData Geometry::GetRaycastIntersections(LONG count, const double* pos
 CStatus Geometry::EvaluatePositions(const PointLocatorData& locators, LONG count,
                                     const LONG* indices, double* positions) const {
   const auto g = as<GeometryObject>(m_ref);
-  if (!g || !g->m_owner->m_mesh || count < 0 || (count > 0 && !positions)) return CStatus::InvalidArgument;
+  if (!g || !g->m_owner->m_mesh || count < 0 || (count > 0 && !positions))
+    return CStatus::InvalidArgument;
   const auto& mesh = *g->m_owner->m_mesh;
   const auto& derived = *g->m_owner->m_meshDerived;
   for (LONG i = 0; i < count; ++i) {
     const LONG k = indices ? indices[i] : i;
     CVector3 p;
     if (locators.IsPtLocatorValid(k)) {
-      const auto& tri = derived.triangles[static_cast<std::size_t>(locators.m_triangles[static_cast<std::size_t>(k)])];
+      const auto& tri = derived.triangles[static_cast<std::size_t>(
+          locators.m_triangles[static_cast<std::size_t>(k)])];
       for (int c = 0; c < 3; ++c) {
         CVector3 corner = MATH::MapObjectPositionToWorldSpace(
             m_locatorTransform, toVector(mesh.points[static_cast<std::size_t>(tri[c])]));
-        corner.ScaleInPlace(locators.m_weights[3 * static_cast<std::size_t>(k) + static_cast<std::size_t>(c)]);
+        corner.ScaleInPlace(
+            locators.m_weights[3 * static_cast<std::size_t>(k) + static_cast<std::size_t>(c)]);
         p.AddInPlace(corner);
       }
     }
@@ -328,7 +334,8 @@ CStatus ICEAttribute::GetDataArray(CBaseICEAttributeDataArray& data) const {
       auto& out = static_cast<CICEAttributeDataArray<MATH::CVector3f>&>(data);
       out.m_values.clear();
       for (std::size_t i = 0; i < n; ++i)
-        out.m_values.emplace_back(static_cast<float>(a->values[3 * i]), static_cast<float>(a->values[3 * i + 1]),
+        out.m_values.emplace_back(static_cast<float>(a->values[3 * i]),
+                                  static_cast<float>(a->values[3 * i + 1]),
                                   static_cast<float>(a->values[3 * i + 2]));
       break;
     }

@@ -28,13 +28,9 @@ CVector3& CVector3::Set(double x, double y, double z) {
 
 CVector3& CVector3::SetNull() { return Set(0.0, 0.0, 0.0); }
 
-double CVector3::operator[](short index) const {
-  return index == 0 ? m_x : index == 1 ? m_y : m_z;
-}
+double CVector3::operator[](short index) const { return index == 0 ? m_x : index == 1 ? m_y : m_z; }
 
-double& CVector3::operator[](short index) {
-  return index == 0 ? m_x : index == 1 ? m_y : m_z;
-}
+double& CVector3::operator[](short index) { return index == 0 ? m_x : index == 1 ? m_y : m_z; }
 
 double CVector3::GetLengthSquared() const { return m_x * m_x + m_y * m_y + m_z * m_z; }
 
@@ -80,7 +76,9 @@ CVector3& CVector3::Sub(const CVector3& a, const CVector3& b) {
   return Set(a.m_x - b.m_x, a.m_y - b.m_y, a.m_z - b.m_z);
 }
 CVector3& CVector3::SubInPlace(const CVector3& v) { return Sub(*this, v); }
-CVector3& CVector3::Scale(double s, const CVector3& v) { return Set(s * v.m_x, s * v.m_y, s * v.m_z); }
+CVector3& CVector3::Scale(double s, const CVector3& v) {
+  return Set(s * v.m_x, s * v.m_y, s * v.m_z);
+}
 CVector3& CVector3::ScaleInPlace(double s) { return Scale(s, *this); }
 CVector3& CVector3::Negate(const CVector3& v) { return Set(-v.m_x, -v.m_y, -v.m_z); }
 CVector3& CVector3::NegateInPlace() { return Negate(*this); }
@@ -90,8 +88,7 @@ CVector3& CVector3::Absolute(const CVector3& v) {
 CVector3& CVector3::AbsoluteInPlace() { return Absolute(*this); }
 
 CVector3& CVector3::LinearlyInterpolate(const CVector3& a, const CVector3& b, double t) {
-  return Set(a.m_x + t * (b.m_x - a.m_x), a.m_y + t * (b.m_y - a.m_y),
-             a.m_z + t * (b.m_z - a.m_z));
+  return Set(a.m_x + t * (b.m_x - a.m_x), a.m_y + t * (b.m_y - a.m_y), a.m_z + t * (b.m_z - a.m_z));
 }
 
 CVector3& CVector3::MulByTransformation(const CVector3& v, const CTransformation& t) {
@@ -258,8 +255,8 @@ CMatrix4& CMatrix4::Mul(const CMatrix4& a, const CMatrix4& b) {
   double r[4][4];
   for (int i = 0; i < 4; ++i) {
     for (int j = 0; j < 4; ++j) {
-      r[i][j] = a.m_v[i][0] * b.m_v[0][j] + a.m_v[i][1] * b.m_v[1][j] +
-                a.m_v[i][2] * b.m_v[2][j] + a.m_v[i][3] * b.m_v[3][j];
+      r[i][j] = a.m_v[i][0] * b.m_v[0][j] + a.m_v[i][1] * b.m_v[1][j] + a.m_v[i][2] * b.m_v[2][j] +
+                a.m_v[i][3] * b.m_v[3][j];
     }
   }
   for (int i = 0; i < 4; ++i)
@@ -289,8 +286,8 @@ double CMatrix4::GetDeterminant() const {
         if (j != c) minor[i - 1][k++] = m_v[i][j];
       }
     }
-    const CMatrix3 m3(minor[0][0], minor[0][1], minor[0][2], minor[1][0], minor[1][1],
-                      minor[1][2], minor[2][0], minor[2][1], minor[2][2]);
+    const CMatrix3 m3(minor[0][0], minor[0][1], minor[0][2], minor[1][0], minor[1][1], minor[1][2],
+                      minor[2][0], minor[2][1], minor[2][2]);
     det += ((c % 2) ? -1.0 : 1.0) * m_v[0][c] * m3.GetDeterminant();
   }
   return det;
@@ -378,8 +375,7 @@ CRotation& CRotation::SetFromXYZAngles(const CVector3& angles, siRotationOrder o
   return SetFromXYZAnglesValues(angles.GetX(), angles.GetY(), angles.GetZ(), order);
 }
 
-CRotation& CRotation::SetFromXYZAnglesValues(double x, double y, double z,
-                                             siRotationOrder order) {
+CRotation& CRotation::SetFromXYZAnglesValues(double x, double y, double z, siRotationOrder order) {
   const double angles[3] = {x, y, z};
   const int o = (order >= siXYZ && order <= siZYX) ? order : siXYZ;
   m_matrix.SetIdentity();
@@ -398,7 +394,9 @@ CVector3 CRotation::GetXYZAngles(siRotationOrder order) const {
   const int a = kOrderAxes[o][0], b = kOrderAxes[o][1], c = kOrderAxes[o][2];
   // Sign of the permutation (a, b, c): +1 for cyclic orders.
   const double sign = ((b - a + 3) % 3 == 1) ? 1.0 : -1.0;
-  auto m = [&](int i, int j) { return m_matrix.GetValue(static_cast<short>(i), static_cast<short>(j)); };
+  auto m = [&](int i, int j) {
+    return m_matrix.GetValue(static_cast<short>(i), static_cast<short>(j));
+  };
   double angles[3];
   const double sb = -sign * m(a, c);
   const double clamped = sb > 1.0 ? 1.0 : (sb < -1.0 ? -1.0 : sb);
@@ -559,7 +557,7 @@ CTransformation& CTransformation::SetRotation(const CRotation& r) {
 }
 
 CTransformation& CTransformation::SetRotationFromXYZAnglesValues(double x, double y, double z,
-                                                                siRotationOrder order) {
+                                                                 siRotationOrder order) {
   return SetRotation(CRotation(x, y, z, order));
 }
 

@@ -16,8 +16,8 @@
 
 #include <xsihost/scene.h>
 
-#include "scene_refs.h"
 #include <xsihost/scene_commands.h>
+#include "scene_refs.h"
 
 namespace XSI {
 
@@ -61,7 +61,8 @@ CRefArray search(const CRef& from, const CString& name, const CString& type,
   CRefArray found;
   const auto start = as<SceneObject>(from);
   if (!start) return found;
-  std::vector<std::shared_ptr<SceneObject>> stack(start->m_children.rbegin(), start->m_children.rend());
+  std::vector<std::shared_ptr<SceneObject>> stack(start->m_children.rbegin(),
+                                                  start->m_children.rend());
   while (!stack.empty()) {
     const std::shared_ptr<SceneObject> o = stack.back();
     stack.pop_back();
@@ -162,13 +163,15 @@ Kinematics::Kinematics(const CRef& ref) {
 KinematicState Kinematics::GetGlobal() const {
   const auto p = as<PropertyObject>(m_ref);
   if (!p) return KinematicState();
-  return KinematicState(CRef(std::make_shared<PropertyObject>(p->m_owner, PropertyObject::Kind::GlobalState)));
+  return KinematicState(
+      CRef(std::make_shared<PropertyObject>(p->m_owner, PropertyObject::Kind::GlobalState)));
 }
 
 KinematicState Kinematics::GetLocal() const {
   const auto p = as<PropertyObject>(m_ref);
   if (!p) return KinematicState();
-  return KinematicState(CRef(std::make_shared<PropertyObject>(p->m_owner, PropertyObject::Kind::LocalState)));
+  return KinematicState(
+      CRef(std::make_shared<PropertyObject>(p->m_owner, PropertyObject::Kind::LocalState)));
 }
 
 KinematicState::KinematicState(const CRef& ref) {
@@ -183,12 +186,13 @@ MATH::CTransformation KinematicState::GetTransform(double frame) const {
   const auto p = as<PropertyObject>(m_ref);
   if (!p) return MATH::CTransformation();
   return p->m_kind == PropertyObject::Kind::GlobalState ? p->m_owner->globalAt(frame)
-                                                         : p->m_owner->localAt(frame);
+                                                        : p->m_owner->localAt(frame);
 }
 
 // ---- Primitive ----------------------------------------------------------------------------
 
-Primitive::Primitive(const CRef& ref) : ProjectItem(bindIf(ref, as<PrimitiveObject>(ref) != nullptr)) {}
+Primitive::Primitive(const CRef& ref)
+    : ProjectItem(bindIf(ref, as<PrimitiveObject>(ref) != nullptr)) {}
 
 CValue Primitive::GetParameterValue(const CString& name, double frame) const {
   CValue value;

@@ -42,7 +42,8 @@ std::string mostRecentScene(const std::string& list) {
   const auto marker = list.find("RECENT_SCENES_MENU");
   const auto open = list.find("<recent_file>", marker);
   const auto close = list.find("</recent_file>", open);
-  if (marker == std::string::npos || open == std::string::npos || close == std::string::npos) return {};
+  if (marker == std::string::npos || open == std::string::npos || close == std::string::npos)
+    return {};
   return list.substr(open + 13, close - open - 13);
 }
 
@@ -91,10 +92,12 @@ TEST_F(Commands, ExecuteCommandRoundTripWithArgumentsByPosition) {
   CValueArray arguments;
   arguments.Add(CValue(4));
   CValue result;
-  ASSERT_EQ(Application().ExecuteCommand(L"SceneTest__Sum", arguments, result), CStatus(CStatus::OK));
+  ASSERT_EQ(Application().ExecuteCommand(L"SceneTest__Sum", arguments, result),
+            CStatus(CStatus::OK));
   EXPECT_EQ(static_cast<double>(result), 6.5);  // b keeps its default
   arguments.Add(CValue(0.25));
-  ASSERT_EQ(Application().ExecuteCommand(L"SceneTest__Sum", arguments, result), CStatus(CStatus::OK));
+  ASSERT_EQ(Application().ExecuteCommand(L"SceneTest__Sum", arguments, result),
+            CStatus(CStatus::OK));
   EXPECT_EQ(static_cast<double>(result), 4.25);
   // An empty value stands for the default; the definition's defaults never change.
   arguments[0] = CValue();
@@ -117,26 +120,34 @@ TEST_F(Commands, UserDataPersistsBetweenCallsOfOneCommand) {
 }
 
 TEST_F(Commands, CommandsSelectSceneObjectsAndReportFailures) {
-  writeFile(m_home / "c.json", R"({"objects": [{"name": "a", "type": "null"}, {"name": "b", "type": "null", "parent": "a"}]})");
+  writeFile(
+      m_home / "c.json",
+      R"({"objects": [{"name": "a", "type": "null"}, {"name": "b", "type": "null", "parent": "a"}]})");
   CValue result;
   CValueArray open;
   open.Add(pathValue(m_home / "c.json"));
   ASSERT_EQ(Application().ExecuteCommand(L"OpenScene", open, result), CStatus(CStatus::OK));
   CValueArray arguments(3);
   arguments[2] = CValue(L"b");
-  ASSERT_EQ(Application().ExecuteCommand(L"SceneTest__Sum", arguments, result), CStatus(CStatus::OK));
+  ASSERT_EQ(Application().ExecuteCommand(L"SceneTest__Sum", arguments, result),
+            CStatus(CStatus::OK));
   ASSERT_EQ(Application().GetSelection().GetCount(), 1);
   EXPECT_EQ(Application().GetSelection()[0].GetAsText(), CString(L"b"));
 
   arguments[2] = CValue(L"nobody");
-  EXPECT_EQ(Application().ExecuteCommand(L"SceneTest__Sum", arguments, result), CStatus(CStatus::Fail));
+  EXPECT_EQ(Application().ExecuteCommand(L"SceneTest__Sum", arguments, result),
+            CStatus(CStatus::Fail));
   EXPECT_TRUE(result.IsEmpty());
   arguments.Add(CValue(1));
-  EXPECT_EQ(Application().ExecuteCommand(L"SceneTest__Sum", arguments, result), CStatus(CStatus::Fail));
-  EXPECT_EQ(Application().ExecuteCommand(L"SceneTest__Nothing", CValueArray(), result), CStatus(CStatus::Fail));
+  EXPECT_EQ(Application().ExecuteCommand(L"SceneTest__Sum", arguments, result),
+            CStatus(CStatus::Fail));
+  EXPECT_EQ(Application().ExecuteCommand(L"SceneTest__Nothing", CValueArray(), result),
+            CStatus(CStatus::Fail));
   const auto log = xsihost::hostLog().take();
   ASSERT_GE(log.size(), 3u);
-  EXPECT_EQ(log[log.size() - 2], (xsihost::LogLine{siErrorMsg, L"SceneTest__Sum: 4 arguments given, but the command takes 3."}));
+  EXPECT_EQ(log[log.size() - 2],
+            (xsihost::LogLine{siErrorMsg,
+                              L"SceneTest__Sum: 4 arguments given, but the command takes 3."}));
   EXPECT_EQ(log.back(), (xsihost::LogLine{siErrorMsg, L"Unknown command \"SceneTest__Nothing\"."}));
 }
 
@@ -158,7 +169,8 @@ TEST_F(Commands, OpenSceneLoadsTheFileAndPutsItAtTheTopOfTheRecentList) {
 TEST_F(Commands, OpenSceneFromInsideAPluginCommandWithoutLoggingTheOuterCall) {
   xsihost::FindCommand(L"SceneTest__Quiet")->m_userData = pathValue(m_home / "b.json");
   CValue result;
-  ASSERT_EQ(Application().ExecuteCommand(L"SceneTest__Quiet", CValueArray(), result), CStatus(CStatus::OK));
+  ASSERT_EQ(Application().ExecuteCommand(L"SceneTest__Quiet", CValueArray(), result),
+            CStatus(CStatus::OK));
   EXPECT_TRUE(Application().GetActiveSceneRoot().FindChild2(L"box").IsValid());
   const auto log = xsihost::hostLog().take();
   ASSERT_EQ(log.size(), 1u);  // only OpenScene's own call line
@@ -224,7 +236,8 @@ TEST_F(Commands, PluginsAreListedWithTheirFolder) {
 
 TEST(RecentScenes, UpdateKeepsOtherSectionsDropsDuplicatesAndKeepsTen) {
   const std::string start =
-      "<recent_file_menus>\n  <menu name=\"RECENT_PROJECTS_MENU\">\n    <recent_file>/p</recent_file>\n"
+      "<recent_file_menus>\n  <menu name=\"RECENT_PROJECTS_MENU\">\n    "
+      "<recent_file>/p</recent_file>\n"
       "  </menu>\n</recent_file_menus>\n";
   std::string list = xsihost::UpdateRecentScenes(start, "/s0");
   EXPECT_EQ(mostRecentScene(list), "/s0");
@@ -235,7 +248,8 @@ TEST(RecentScenes, UpdateKeepsOtherSectionsDropsDuplicatesAndKeepsTen) {
   EXPECT_EQ(list.find("/s5<"), list.rfind("/s5<"));
   const auto section = list.substr(list.find("RECENT_SCENES_MENU"));
   std::size_t entries = 0;
-  for (auto pos = section.find("<recent_file>"); pos != std::string::npos && pos < section.find("</menu>");
+  for (auto pos = section.find("<recent_file>");
+       pos != std::string::npos && pos < section.find("</menu>");
        pos = section.find("<recent_file>", pos + 1))
     ++entries;
   EXPECT_EQ(entries, 10u);

@@ -18,7 +18,7 @@ NurbsCurveData unitCircle(double radius = 1.0) {
   const double w = std::sqrt(0.5);
   NurbsCurveData c;
   c.degree = 2;
-  const double pts[9][3] = {{1, 0, w}, {1, 1, w}, {0, 1, 1}, {-1, 1, w}, {-1, 0, 1},
+  const double pts[9][3] = {{1, 0, w},   {1, 1, w},  {0, 1, 1},  {-1, 1, w}, {-1, 0, 1},
                             {-1, -1, w}, {0, -1, 1}, {1, -1, w}, {1, 0, 1}};
   for (const auto& p : pts) c.points.push_back({radius * p[0], radius * p[1], 0.0, p[2]});
   c.points.front()[3] = 1.0;
@@ -81,7 +81,8 @@ TEST(NurbsCircle, NormalizedParameterMapsTheRangeLinearly) {
 TEST(NurbsCurve, DerivativesMatchFiniteDifferencesOnAnUnevenRationalCubic) {
   NurbsCurveData c;
   c.degree = 3;
-  c.points = {{0, 0, 0, 1}, {1, 2, 0, 2}, {3, 3, 1, 0.5}, {4, 0, 2, 1.5}, {6, 1, 0, 1}, {7, 3, 1, 1}};
+  c.points = {{0, 0, 0, 1},   {1, 2, 0, 2}, {3, 3, 1, 0.5},
+              {4, 0, 2, 1.5}, {6, 1, 0, 1}, {7, 3, 1, 1}};
   c.knots = {0, 0, 0, 0, 0.3, 1.1, 2, 2, 2, 2};
   ASSERT_EQ(ValidateNurbsCurve(c), "");
   const NurbsCurveEvaluator curve(c);
@@ -116,6 +117,25 @@ TEST(NurbsCurve, StraightLineLengthAndAPerpendicularFrame) {
   EXPECT_NEAR(len(s.normal), 1.0, 1e-12);
   EXPECT_NEAR(dotp(s.normal, s.tangent), 0.0, 1e-12);
   EXPECT_NEAR(len(s.binormal), 1.0, 1e-12);
+}
+
+TEST(NurbsCurve, PercentagesCrossSpansOfDifferentLengthsOnAPolyline) {
+  // Segments of lengths 3, 4 and 5 with equal parameter spans: the arc length is not
+  // proportional to the parameter, and 50 % (length 6) lies 3/4 of the way through span 2.
+  NurbsCurveData c;
+  c.degree = 1;
+  c.points = {{0, 0, 0, 1}, {3, 0, 0, 1}, {3, 4, 0, 1}, {3, 4, 5, 1}};
+  c.knots = {0, 0, 1, 2, 3, 3};
+  const NurbsCurveEvaluator curve(c);
+  EXPECT_NEAR(curve.length(), 12.0, 1e-12);
+  EXPECT_NEAR(curve.parameterFromPercentage(25.0), 1.0, 1e-12);
+  EXPECT_NEAR(curve.parameterFromPercentage(50.0), 1.75, 1e-12);
+  EXPECT_NEAR(curve.parameterFromPercentage(75.0), 2.0 + 2.0 / 5.0, 1e-12);
+  const CurveSample s = curve.evaluate(curve.parameterFromPercentage(50.0));
+  EXPECT_NEAR(s.position[1], 3.0, 1e-12);
+  // On a straight span the frame is still orthonormal.
+  EXPECT_NEAR(dotp(s.normal, s.binormal), 0.0, 1e-15);
+  EXPECT_NEAR(dotp(s.normal, s.tangent), 0.0, 1e-15);
 }
 
 TEST(NurbsValidation, NamesWhatIsWrong) {

@@ -144,7 +144,8 @@ TEST_F(SceneObjects, KeysInterpolateLinearlyAndTheDefaultTimeIsTheSceneFrame) {
   ASSERT_TRUE(visibility.IsValid());
   EXPECT_TRUE(static_cast<bool>(visibility.GetParameterValue(L"viewvis", 7.9)));
   EXPECT_FALSE(static_cast<bool>(visibility.GetParameterValue(L"viewvis", 8.0)));
-  EXPECT_FALSE(static_cast<bool>(object(L"rig.other").GetPropertyFromName(L"Visibility").GetParameterValue(L"viewvis", 1.0)));
+  EXPECT_FALSE(static_cast<bool>(
+      object(L"rig.other").GetPropertyFromName(L"Visibility").GetParameterValue(L"viewvis", 1.0)));
   EXPECT_FALSE(ball.GetPropertyFromName(L"Display").IsValid());
 }
 
@@ -168,7 +169,8 @@ TEST_F(SceneObjects, MeshBoundingVolumesUnderATransform) {
   EXPECT_NEAR(ex, 4.0, 1e-12);
   EXPECT_NEAR(ey, 2.0, 1e-12);
   EXPECT_NEAR(ez, 6.0, 1e-12);
-  ASSERT_EQ(geometry.GetBoundingSphere(cx, cy, cz, r, siVolumeCenterMethodCOG, t), CStatus(CStatus::OK));
+  ASSERT_EQ(geometry.GetBoundingSphere(cx, cy, cz, r, siVolumeCenterMethodCOG, t),
+            CStatus(CStatus::OK));
   EXPECT_NEAR(cx, 10.0, 1e-12);
   EXPECT_NEAR(r, std::sqrt(1.0 + 4.0 + 9.0), 1e-12);
   EXPECT_FALSE(object(L"ball").GetActivePrimitive().GetGeometry().IsValid());
@@ -238,8 +240,9 @@ TEST_F(SceneObjects, IceAttributesByNameAndType) {
 
 TEST_F(SceneObjects, RaycastsHitTheNearestFace) {
   Geometry geometry = object(L"rig.leaf").GetActivePrimitive().GetGeometry();
-  ASSERT_EQ(geometry.SetupPointLocatorQueries(siClosestSurface, CTransformation(), CLongArray(), -1),
-            CStatus(CStatus::OK));
+  ASSERT_EQ(
+      geometry.SetupPointLocatorQueries(siClosestSurface, CTransformation(), CLongArray(), -1),
+      CStatus(CStatus::OK));
   const double origins[6] = {0.25, 0.5, 10, 5, 5, 5};
   const double directions[6] = {0, 0, -1, 1, 0, 0};
   const PointLocatorData hits = geometry.GetRaycastIntersections(2, origins, directions);
@@ -256,7 +259,8 @@ TEST_F(SceneObjects, RaycastsHitTheNearestFace) {
 
 TEST_F(SceneObjects, CurveListSubCurvesSampleTheCircleInEveryMode) {
   const X3DObject ring = object(L"ring");
-  const NurbsCurveList list(ring.GetActivePrimitive().GetGeometry(1.0, siConstructionModeAnimation).GetRef());
+  const NurbsCurveList list(
+      ring.GetActivePrimitive().GetGeometry(1.0, siConstructionModeAnimation).GetRef());
   ASSERT_TRUE(list.IsValid());
   const CNurbsCurveRefArray curves = list.GetCurves();
   ASSERT_EQ(curves.GetCount(), 2);

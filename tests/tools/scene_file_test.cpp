@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include <sys/wait.h>
@@ -50,22 +51,27 @@ TEST(SceneFile, TheShowcaseLoadsWithEveryKindOfObject) {
 TEST(MeshFiles, VertexIOfTheFileIsPointIOfTheMesh) {
   xsihost::MeshData obj, ascii, binary, ell;
   std::string error;
-  ASSERT_TRUE(xsihost::LoadMeshFile((kExamples / "meshes" / "tetra.obj").string(), obj, error)) << error;
+  ASSERT_TRUE(xsihost::LoadMeshFile((kExamples / "meshes" / "tetra.obj").string(), obj, error))
+      << error;
   ASSERT_EQ(obj.points.size(), 4u);  // texture coordinates and normals add no vertices
   EXPECT_EQ(obj.points[2], (xsihost::Vec3d{-1, 1, -1}));
   EXPECT_EQ(obj.polygons[1], (std::vector<std::int32_t>{0, 3, 1}));
 
-  ASSERT_TRUE(xsihost::LoadMeshFile((kExamples / "meshes" / "pyramid.ply").string(), ascii, error)) << error;
+  ASSERT_TRUE(xsihost::LoadMeshFile((kExamples / "meshes" / "pyramid.ply").string(), ascii, error))
+      << error;
   ASSERT_EQ(ascii.points.size(), 5u);
   EXPECT_EQ(ascii.points[4], (xsihost::Vec3d{0, 1.5, 0}));
   EXPECT_EQ(ascii.polygons[0], (std::vector<std::int32_t>{0, 1, 2, 3}));  // the quad stays a quad
 
-  ASSERT_TRUE(xsihost::LoadMeshFile((kExamples / "meshes" / "prism_binary.ply").string(), binary, error)) << error;
+  ASSERT_TRUE(
+      xsihost::LoadMeshFile((kExamples / "meshes" / "prism_binary.ply").string(), binary, error))
+      << error;
   ASSERT_EQ(binary.points.size(), 6u);
   EXPECT_EQ(binary.points[5], (xsihost::Vec3d{0, 1, 2}));
   EXPECT_EQ(binary.polygons[3], (std::vector<std::int32_t>{1, 2, 5, 4}));
 
-  ASSERT_TRUE(xsihost::LoadMeshFile((kExamples / "meshes" / "lprism.obj").string(), ell, error)) << error;
+  ASSERT_TRUE(xsihost::LoadMeshFile((kExamples / "meshes" / "lprism.obj").string(), ell, error))
+      << error;
   EXPECT_EQ(ell.polygons[0].size(), 6u);
   EXPECT_EQ(ell.polygons[7], (std::vector<std::int32_t>{11, 5, 0, 6}));  // relative indices
 }
@@ -88,6 +94,30 @@ TEST(MeshFiles, GltfVerticesFollowTheirAccessorsInMeshAndPrimitiveOrder) {
   EXPECT_EQ(mesh.polygons[6], (std::vector<std::int32_t>{5, 6, 7}));
 }
 
+TEST(MeshFiles, BigEndianPlyWithMixedScalarTypes) {
+  const fs::path path = fs::temp_directory_path() / "scene_file_test_big.ply";
+  std::string data =
+      "ply\nformat binary_big_endian 1.0\nelement vertex 3\nproperty short x\nproperty float y\n"
+      "property double z\nelement face 1\nproperty list ushort int vertex_indices\nend_header\n";
+  auto put = [&](std::initializer_list<unsigned char> bytes) {
+    data.append(bytes.begin(), bytes.end());
+  };
+  put({0x00, 0x01, 0x3F, 0x80, 0x00, 0x00, 0x40, 0x00, 0, 0, 0, 0, 0, 0});  // 1, 1.0f, 2.0
+  put({0xFF, 0xFE, 0x00, 0x00, 0x00, 0x00, 0, 0, 0, 0, 0, 0, 0, 0});        // −2, 0, 0
+  put({0x00, 0x00, 0xC0, 0x00, 0x00, 0x00, 0x3F, 0xF0, 0, 0, 0, 0, 0, 0});  // 0, −2.0f, 1.0
+  put({0x00, 0x03, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 1});                    // face 2 0 1
+  std::ofstream(path, std::ios::binary) << data;
+  xsihost::MeshData mesh;
+  std::string error;
+  ASSERT_TRUE(xsihost::LoadMeshFile(path.string(), mesh, error)) << error;
+  ASSERT_EQ(mesh.points.size(), 3u);
+  EXPECT_EQ(mesh.points[0], (xsihost::Vec3d{1, 1, 2}));
+  EXPECT_EQ(mesh.points[1], (xsihost::Vec3d{-2, 0, 0}));
+  EXPECT_EQ(mesh.points[2], (xsihost::Vec3d{0, -2, 1}));
+  EXPECT_EQ(mesh.polygons[0], (std::vector<std::int32_t>{2, 0, 1}));
+  fs::remove(path);
+}
+
 TEST(MeshFiles, BadFilesNameTheFileAndThePlace) {
   const fs::path dir = fs::temp_directory_path() / "scene_file_test_meshes";
   fs::create_directories(dir);
@@ -98,11 +128,13 @@ TEST(MeshFiles, BadFilesNameTheFileAndThePlace) {
   xsihost::MeshData mesh;
   std::string error;
   const std::string badValue = write("bad.ply",
-      "ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\nproperty float z\n"
-      "end_header\n0 0 0\n1 x 0\n");
+                                     "ply\nformat ascii 1.0\nelement vertex 2\nproperty float "
+                                     "x\nproperty float y\nproperty float z\n"
+                                     "end_header\n0 0 0\n1 x 0\n");
   EXPECT_FALSE(xsihost::LoadMeshFile(badValue, mesh, error));
   EXPECT_EQ(error, badValue + ": line 9: \"x\" is not a number");
-  const std::string shortBinary = write("short.ply",
+  const std::string shortBinary = write(
+      "short.ply",
       "ply\nformat binary_little_endian 1.0\nelement vertex 3\nproperty float x\nproperty float y\n"
       "property float z\nend_header\n\1\2\3");
   EXPECT_FALSE(xsihost::LoadMeshFile(shortBinary, mesh, error));
@@ -118,9 +150,11 @@ TEST(MeshFiles, BadFilesNameTheFileAndThePlace) {
 
 TEST(SceneFile, EachKindOfBadInputGetsOneMessageWithItsPlace) {
   EXPECT_EQ(errorOf("{\n  \"objects\": [\n    { \"name\": \"a\", }\n  ]\n}"),
-            "s.json:3:20: invalid JSON: syntax error while parsing object key - unexpected '}'; expected string literal");
-  EXPECT_EQ(errorOf(objects(R"({"name": "a", "type": "polymsh", "mesh": {"file": "missing.obj"}})")),
-            "s.json: /objects/0/mesh/file: ./missing.obj: cannot open the mesh file");
+            "s.json:3:20: invalid JSON: syntax error while parsing object key - unexpected '}'; "
+            "expected string literal");
+  EXPECT_EQ(
+      errorOf(objects(R"({"name": "a", "type": "polymsh", "mesh": {"file": "missing.obj"}})")),
+      "s.json: /objects/0/mesh/file: ./missing.obj: cannot open the mesh file");
   EXPECT_EQ(errorOf(objects(R"({"name": "a", "type": "null", "parent": "b"})")),
             "s.json: /objects/0/parent: unknown parent \"b\"");
   EXPECT_EQ(errorOf(objects(R"({"name": "a", "type": "null", "parent": "c"},
@@ -133,25 +167,38 @@ TEST(SceneFile, EachKindOfBadInputGetsOneMessageWithItsPlace) {
             "s.json: /objects/1/name: duplicate name \"a\" (also /objects/0)");
   EXPECT_EQ(errorOf(objects(R"({"name": "c", "type": "crvlist",
                                "curves": [{"degree": 2, "points": [[0,0,0],[1,0,0],[2,0,0]], "knots": [0,0,1,1,1]}]})")),
-            "s.json: /objects/0/curves/0: inconsistent knots: 3 control points of degree 2 need 6 knots, not 5");
+            "s.json: /objects/0/curves/0: inconsistent knots: 3 control points of degree 2 need 6 "
+            "knots, not 5");
   EXPECT_EQ(errorOf(objects(R"({"name": "c", "type": "crvlist",
                                "curves": [{"degree": 1, "points": [[0,0,0],[1,0,0]], "knots": [0,1,0.5,1]}]})")),
-            "s.json: /objects/0/curves/0: inconsistent knots: knot 2 (0.5) is smaller than the knot before it (1)");
-  EXPECT_EQ(errorOf(objects(R"({"name": "a", "type": "null", "transform": {"rotation": [0, "90", 0]}})")),
-            "s.json: /objects/0/transform/rotation/1: expected a number");
+            "s.json: /objects/0/curves/0: inconsistent knots: knot 2 (0.5) is smaller than the "
+            "knot before it (1)");
+  EXPECT_EQ(
+      errorOf(objects(R"({"name": "a", "type": "null", "transform": {"rotation": [0, "90", 0]}})")),
+      "s.json: /objects/0/transform/rotation/1: expected a number");
   EXPECT_EQ(errorOf(objects(R"({"name": "a", "type": "null", "colour": "red"})")),
             "s.json: /objects/0/colour: unknown key \"colour\"");
-  EXPECT_EQ(errorOf(objects(R"({"name": "m", "type": "polymsh", "mesh": {"points": [[0,0,0],[1,0,0],[0,1,0]], "polygons": [[0,1,3]]}})")),
-            "s.json: /objects/0/mesh/polygons/0/2: vertex 3 does not exist (the mesh has 3 points)");
-  EXPECT_EQ(errorOf(objects(R"({"name": "m", "type": "polymsh", "mesh": {"points": [[0,0,0],[1,0,0],[0,1,0]], "polygons": [[0,1,2]],
+  EXPECT_EQ(
+      errorOf(objects(
+          R"({"name": "m", "type": "polymsh", "mesh": {"points": [[0,0,0],[1,0,0],[0,1,0]], "polygons": [[0,1,3]]}})")),
+      "s.json: /objects/0/mesh/polygons/0/2: vertex 3 does not exist (the mesh has 3 points)");
+  EXPECT_EQ(
+      errorOf(objects(
+          R"({"name": "m", "type": "polymsh", "mesh": {"points": [[0,0,0],[1,0,0],[0,1,0]], "polygons": [[0,1,2]],
                                "attributes": {"w": {"type": "float", "values": [1, 2]}}}})")),
-            "s.json: /objects/0/mesh/attributes/w/values: expected 3 values, one per point");
-  EXPECT_EQ(errorOf(objects(R"({"name": "a", "type": "null", "transform": {"matrix": [[1,0,0,0],[0,1,0,0],[0,0,1,0],[0,0,0,1]]},
+      "s.json: /objects/0/mesh/attributes/w/values: expected 3 values, one per point");
+  EXPECT_EQ(
+      errorOf(objects(
+          R"({"name": "a", "type": "null", "transform": {"matrix": [[1,0,0,0],[0,1,0,0],[0,0,1,0],[0,0,0,1]]},
                                "keys": {"translation": [[1, [0,0,0]]]}})")),
-            "s.json: /objects/0/keys: a transform given as a matrix cannot be keyed; give scaling, rotation and translation");
-  EXPECT_EQ(errorOf(objects(R"({"name": "a", "type": "null", "keys": {"translation": [[2, [0,0,0]], [1, [1,0,0]]]}})")),
-            "s.json: /objects/0/keys/translation/1/0: key times must increase strictly");
-  EXPECT_EQ(errorOf(objects(R"({"name": "m", "type": "polymsh"})")), "s.json: /objects/0: a \"polymsh\" object needs a \"mesh\"");
+      "s.json: /objects/0/keys: a transform given as a matrix cannot be keyed; give scaling, "
+      "rotation and translation");
+  EXPECT_EQ(
+      errorOf(objects(
+          R"({"name": "a", "type": "null", "keys": {"translation": [[2, [0,0,0]], [1, [1,0,0]]]}})")),
+      "s.json: /objects/0/keys/translation/1/0: key times must increase strictly");
+  EXPECT_EQ(errorOf(objects(R"({"name": "m", "type": "polymsh"})")),
+            "s.json: /objects/0: a \"polymsh\" object needs a \"mesh\"");
   EXPECT_EQ(errorOf("[]"), "s.json: /: expected a JSON object with \"objects\"");
 }
 
@@ -161,10 +208,12 @@ TEST(SceneFile, KnotVectorsWithoutEndKnotsOrWithoutKnotsAtAll) {
       {"name": "short", "type": "crvlist", "curves": [{"degree": 2, "points": [[0,0,0],[1,1,0],[2,0,0]], "knots": [0, 0, 1, 1]}]},
       {"name": "open", "type": "crvlist", "curves": [{"degree": 3, "points": [[0,0,0],[1,1,0],[2,0,0],[3,1,0],[4,0,0]]}]},
       {"name": "loop", "type": "crvlist", "curves": [{"degree": 3, "closed": true, "points": [[1,0,0],[0,1,0],[-1,0,0],[0,-1,0]]}]})"),
-      ".", "s.json", error);
+                                    ".", "s.json", error);
   ASSERT_NE(scene, nullptr) << error;
-  EXPECT_EQ(scene->find(L"short")->m_curves[0]->data().knots, (std::vector<double>{0, 0, 0, 1, 1, 1}));
-  EXPECT_EQ(scene->find(L"open")->m_curves[0]->data().knots, (std::vector<double>{0, 0, 0, 0, 1, 2, 2, 2, 2}));
+  EXPECT_EQ(scene->find(L"short")->m_curves[0]->data().knots,
+            (std::vector<double>{0, 0, 0, 1, 1, 1}));
+  EXPECT_EQ(scene->find(L"open")->m_curves[0]->data().knots,
+            (std::vector<double>{0, 0, 0, 0, 1, 2, 2, 2, 2}));
   const auto& loop = *scene->find(L"loop")->m_curves[0];
   EXPECT_EQ(loop.data().points.size(), 7u);
   EXPECT_EQ(loop.minParameter(), 0.0);
@@ -181,7 +230,8 @@ TEST(SceneTool, BadSceneFilesExitWithStatusTwoAndOneMessage) {
   const fs::path bad = fs::temp_directory_path() / "scene_tool_bad.json";
   std::ofstream(bad) << objects(R"({"name": "a", "type": "null", "parent": "ghost"})");
   const fs::path errFile = fs::temp_directory_path() / "scene_tool_bad.err";
-  const std::string command = std::string(QUILLIX_TOOL_PATH) + " scene " + bad.string() + " > /dev/null 2> " + errFile.string();
+  const std::string command = std::string(QUILLIX_TOOL_PATH) + " scene " + bad.string() +
+                              " > /dev/null 2> " + errFile.string();
   const int status = std::system(command.c_str());
   ASSERT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 2);
@@ -193,8 +243,37 @@ TEST(SceneTool, BadSceneFilesExitWithStatusTwoAndOneMessage) {
   fs::remove(bad);
   fs::remove(errFile);
 
-  const std::string good = std::string(QUILLIX_TOOL_PATH) + " scene " + (kExamples / "showcase.json").string() + " > /dev/null";
+  const std::string good = std::string(QUILLIX_TOOL_PATH) + " scene " +
+                           (kExamples / "showcase.json").string() + " > /dev/null";
   EXPECT_EQ(std::system(good.c_str()), 0);
+}
+
+TEST(SceneTool, RunOpensASceneAndReportsBadArgumentsWithStatusTwo) {
+  const fs::path home = fs::temp_directory_path() / "scene_tool_run_home";
+  fs::remove_all(home);
+  const fs::path out = fs::temp_directory_path() / "scene_tool_run.out";
+  const std::string prefix =
+      "XSI_USERHOME=" + home.string() + " " + QUILLIX_TOOL_PATH + " run OpenScene ";
+  const std::string ok =
+      prefix + "PathName=" + (kExamples / "minimal.json").string() + " --json > " + out.string();
+  ASSERT_EQ(std::system(ok.c_str()), 0);
+  std::ifstream in(out);
+  std::stringstream text;
+  text << in.rdbuf();
+  EXPECT_NE(text.str().find("\"status\": 0"), std::string::npos) << text.str();
+  EXPECT_TRUE(fs::exists(home / "Data" / "Preferences" / "RecentFileMenus.xml"));
+
+  const std::string bad = prefix + "Confirm=perhaps > /dev/null 2> " + out.string();
+  const int status = std::system(bad.c_str());
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 2);
+  std::ifstream err(out);
+  std::string line;
+  std::getline(err, line);
+  EXPECT_EQ(line,
+            "quillix: run: argument \"Confirm\": \"perhaps\" is not a boolean (true or false)");
+  fs::remove_all(home);
+  fs::remove(out);
 }
 
 }  // namespace

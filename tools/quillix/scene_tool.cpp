@@ -7,12 +7,12 @@
 #include <iostream>
 #include <sstream>
 
-#include <nlohmann/json.hpp>
 #include <xsi_math.h>
 #include <xsihost/scene.h>
 #include <xsihost/scene_commands.h>
 #include <xsihost/scene_file.h>
 #include <xsihost/session.h>
+#include <nlohmann/json.hpp>
 
 #include "tools/quillix/json_values.h"
 
@@ -34,9 +34,12 @@ bool convert(const std::string& value, const CValue& defaultValue, CValue& out) 
   };
   switch (defaultValue.GetType()) {
     case CValue::siBool:
-      if (value == "true" || value == "True" || value == "1") out = CValue(true);
-      else if (value == "false" || value == "False" || value == "0") out = CValue(false);
-      else return false;
+      if (value == "true" || value == "True" || value == "1")
+        out = CValue(true);
+      else if (value == "false" || value == "False" || value == "0")
+        out = CValue(false);
+      else
+        return false;
       return true;
     case CValue::siInt2:
     case CValue::siInt4:
@@ -109,15 +112,20 @@ std::string position(const XSI::MATH::CVector3& p) {
 }  // namespace
 
 void addSceneSubcommands(CLI::App& app, RunOptions& run, SceneOptions& scene) {
-  CLI::App* runCmd = app.add_subcommand("run", "Run a command over a scene and print its log, return value and selection");
-  runCmd->add_option("command", run.command, "Command name (a plug-in command or OpenScene)")->required();
-  runCmd->add_option("arguments", run.assignments, "Arguments as name=value, by the command's argument names");
+  CLI::App* runCmd = app.add_subcommand(
+      "run", "Run a command over a scene and print its log, return value and selection");
+  runCmd->add_option("command", run.command, "Command name (a plug-in command or OpenScene)")
+      ->required();
+  runCmd->add_option("arguments", run.assignments,
+                     "Arguments as name=value, by the command's argument names");
   runCmd->add_option("--scene", run.scenePath, "Scene file to load first");
   runCmd->add_flag("--json", run.asJson, "Print as JSON");
 
-  CLI::App* sceneCmd = app.add_subcommand("scene", "Print a scene file's objects as a tree with types and global positions");
+  CLI::App* sceneCmd = app.add_subcommand(
+      "scene", "Print a scene file's objects as a tree with types and global positions");
   sceneCmd->add_option("file", scene.scenePath, "Scene file")->required();
-  sceneCmd->add_option("--frame", scene.frame, "Frame to evaluate transforms at (default: the scene's)");
+  sceneCmd->add_option("--frame", scene.frame,
+                       "Frame to evaluate transforms at (default: the scene's)");
   sceneCmd->add_flag("--json", scene.asJson, "Print as JSON");
 }
 
@@ -154,9 +162,11 @@ int runCommand(xsihost::LoadedPlugin& plugin, const RunOptions& options, std::os
     }
     const std::wstring argName = utf8ToWide(assignment.substr(0, eq));
     std::size_t index = 0;
-    while (index < definition->m_arguments.size() && definition->m_arguments[index].name != argName) ++index;
+    while (index < definition->m_arguments.size() && definition->m_arguments[index].name != argName)
+      ++index;
     if (index == definition->m_arguments.size()) {
-      err << "quillix: run: " << options.command << " has no argument \"" << assignment.substr(0, eq) << "\"\n";
+      err << "quillix: run: " << options.command << " has no argument \""
+          << assignment.substr(0, eq) << "\"\n";
       return 2;
     }
     const std::string value = assignment.substr(eq + 1);
@@ -227,9 +237,11 @@ int runScene(const SceneOptions& options, std::ostream& out, std::ostream& err) 
       if (!visible) out << ", hidden";
       out << '\n';
     }
-    for (auto it = o->m_children.rbegin(); it != o->m_children.rend(); ++it) stack.push_back({*it, depth + 1});
+    for (auto it = o->m_children.rbegin(); it != o->m_children.rend(); ++it)
+      stack.push_back({*it, depth + 1});
   }
-  if (options.asJson) out << json{{"frame", scene.currentFrame()}, {"objects", objects}}.dump(2) << '\n';
+  if (options.asJson)
+    out << json{{"frame", scene.currentFrame()}, {"objects", objects}}.dump(2) << '\n';
   return 0;
 }
 

@@ -31,8 +31,8 @@ void addSceneSubcommands(CLI::App& app, RunOptions& run, SceneOptions& scene);
 /// Loads `path` as the active scene; on failure prints one message to `err` and returns false.
 bool loadActiveScene(const std::string& path, std::ostream& err);
 
-/// Runs a command of the loaded `plugin` (or of the host) over the scene and prints its log, status,
-/// return value and resulting selection. Returns 0 when the command succeeded, 1 when it
+/// Runs a command of the loaded `plugin` (or of the host) over the scene and prints its log,
+/// status, return value and resulting selection. Returns 0 when the command succeeded, 1 when it
 /// failed, 2 for bad input.
 int runCommand(xsihost::LoadedPlugin& plugin, const RunOptions& options, std::ostream& out,
                std::ostream& err);

@@ -258,7 +258,8 @@ bool PropertyObject::parameterAt(const std::wstring& name, double time, CValue& 
 
 // ---- Scene --------------------------------------------------------------------------------
 
-Scene::Scene() : m_root(std::make_shared<SceneObject>()), m_currentFrame(std::make_shared<double>(1.0)) {
+Scene::Scene()
+    : m_root(std::make_shared<SceneObject>()), m_currentFrame(std::make_shared<double>(1.0)) {
   m_root->m_name = L"Scene_Root";
   m_root->m_type = L"#model";
   m_root->m_id = m_nextID++;

@@ -86,8 +86,9 @@ CStatus openScene(const CValueArray& arguments, CValue& /*result*/) {
   std::string error;
   std::shared_ptr<Scene> scene = path.empty() ? nullptr : LoadSceneFile(path, error);
   if (!scene) {
-    hostLog().add(XSI::siErrorMsg,
-                  L"OpenScene: " + (path.empty() ? std::wstring(L"no scene file given") : widen(error)));
+    hostLog().add(
+        XSI::siErrorMsg,
+        L"OpenScene: " + (path.empty() ? std::wstring(L"no scene file given") : widen(error)));
     return CStatus::Fail;
   }
   setActiveScene(scene);
@@ -228,7 +229,8 @@ std::string UpdateRecentScenes(const std::string& fileText, const std::string& s
   std::string before, after;
   std::vector<std::string> entries;
   const std::size_t start = fileText.find(kOpen);
-  const std::size_t end = start == std::string::npos ? std::string::npos : fileText.find(kClose, start);
+  const std::size_t end =
+      start == std::string::npos ? std::string::npos : fileText.find(kClose, start);
   if (start != std::string::npos && end != std::string::npos) {
     before = fileText.substr(0, start);
     after = fileText.substr(end + kClose.size());
@@ -241,7 +243,8 @@ std::string UpdateRecentScenes(const std::string& fileText, const std::string& s
       entries.push_back(section.substr(from, to - from));
       pos = to + kEntryClose.size();
     }
-  } else if (const std::size_t root = fileText.find("</recent_file_menus>"); root != std::string::npos) {
+  } else if (const std::size_t root = fileText.find("</recent_file_menus>");
+             root != std::string::npos) {
     before = fileText.substr(0, root) + "  ";
     after = "\n" + fileText.substr(root);
   } else {

@@ -69,7 +69,8 @@ const json* member(const json& object, const char* key) {
   return it == object.end() ? nullptr : &*it;
 }
 
-void onlyKeys(const json& object, const std::string& path, std::initializer_list<const char*> keys) {
+void onlyKeys(const json& object, const std::string& path,
+              std::initializer_list<const char*> keys) {
   for (const auto& [key, value] : object.items()) {
     bool known = false;
     for (const char* k : keys) known |= key == k;
@@ -91,7 +92,8 @@ CMatrix4 matrix(const json& j, const std::string& path) {
     fail(path, "expected 4 rows of 4 numbers (or 16 numbers, row by row)");
   }
   if (v[3] != 0.0 || v[7] != 0.0 || v[11] != 0.0 || v[15] != 1.0)
-    fail(path, "the last column must be (0, 0, 0, 1): rows 0 to 2 are the axes, row 3 the translation");
+    fail(path,
+         "the last column must be (0, 0, 0, 1): rows 0 to 2 are the axes, row 3 the translation");
   return CMatrix4(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10], v[11], v[12],
                   v[13], v[14], v[15]);
 }
@@ -118,7 +120,8 @@ XSI::siRotationOrder rotationOrder(const json& j, const std::string& path) {
       {"yzx", XSI::siYZX}, {"zxy", XSI::siZXY}, {"zyx", XSI::siZYX}};
   const std::string s = text(j, path);
   const auto it = kOrders.find(s);
-  if (it == kOrders.end()) fail(path, "unknown rotation order \"" + s + "\" (xyz, xzy, yxz, yzx, zxy or zyx)");
+  if (it == kOrders.end())
+    fail(path, "unknown rotation order \"" + s + "\" (xyz, xzy, yxz, yzx, zxy or zyx)");
   return it->second;
 }
 
@@ -144,8 +147,10 @@ void readTransform(const json& j, const std::string& path, SceneObject& object) 
     return;
   }
   onlyKeys(j, path, {"scaling", "rotation", "rotationOrder", "translation"});
-  if (const json* s = member(j, "scaling")) object.m_scaling.value = vector3(*s, child(path, "scaling"));
-  if (const json* r = member(j, "rotation")) object.m_rotation.value = vector3(*r, child(path, "rotation"));
+  if (const json* s = member(j, "scaling"))
+    object.m_scaling.value = vector3(*s, child(path, "scaling"));
+  if (const json* r = member(j, "rotation"))
+    object.m_rotation.value = vector3(*r, child(path, "rotation"));
   if (const json* o = member(j, "rotationOrder"))
     object.m_rotationOrder = rotationOrder(*o, child(path, "rotationOrder"));
   if (const json* t = member(j, "translation"))
@@ -169,12 +174,16 @@ ParameterData parameter(const json& j, const std::string& path) {
 void readKeys(const json& j, const std::string& path, SceneObject& object) {
   if (!j.is_object()) fail(path, "expected an object");
   onlyKeys(j, path, {"scaling", "rotation", "translation", "visible", "parameters"});
-  const bool hasTransformKeys = member(j, "scaling") || member(j, "rotation") || member(j, "translation");
+  const bool hasTransformKeys =
+      member(j, "scaling") || member(j, "rotation") || member(j, "translation");
   if (hasTransformKeys && object.m_matrix)
-    fail(path, "a transform given as a matrix cannot be keyed; give scaling, rotation and translation");
+    fail(path,
+         "a transform given as a matrix cannot be keyed; give scaling, rotation and translation");
   auto vec = [](const json& v, const std::string& p) { return vector3(v, p); };
-  if (const json* k = member(j, "scaling")) object.m_scaling.keys = keys<CVector3>(*k, child(path, "scaling"), vec);
-  if (const json* k = member(j, "rotation")) object.m_rotation.keys = keys<CVector3>(*k, child(path, "rotation"), vec);
+  if (const json* k = member(j, "scaling"))
+    object.m_scaling.keys = keys<CVector3>(*k, child(path, "scaling"), vec);
+  if (const json* k = member(j, "rotation"))
+    object.m_rotation.keys = keys<CVector3>(*k, child(path, "rotation"), vec);
   if (const json* k = member(j, "translation"))
     object.m_translation.keys = keys<CVector3>(*k, child(path, "translation"), vec);
   if (const json* k = member(j, "visible"))
@@ -185,13 +194,14 @@ void readKeys(const json& j, const std::string& path, SceneObject& object) {
     for (const auto& [name, list] : params->items()) {
       ParameterData& p = object.m_parameters[widen(name)];
       if (p.isText) fail(child(pp, name), "a text parameter cannot be keyed");
-      p.number.keys = keys<double>(list, child(pp, name), [&](const json& v, const std::string& vp) {
-        if (v.is_boolean()) {
-          p.isBool = true;
-          return v.get<bool>() ? 1.0 : 0.0;
-        }
-        return number(v, vp);
-      });
+      p.number.keys =
+          keys<double>(list, child(pp, name), [&](const json& v, const std::string& vp) {
+            if (v.is_boolean()) {
+              p.isBool = true;
+              return v.get<bool>() ? 1.0 : 0.0;
+            }
+            return number(v, vp);
+          });
     }
   }
 }
@@ -210,11 +220,17 @@ void readAttributes(const json& j, const std::string& path, MeshData& mesh,
     if (!type) fail(ap, "missing \"type\"");
     if (!values) fail(ap, "missing \"values\"");
     const std::string t = text(*type, child(ap, "type"));
-    if (t == "bool") a.type = AttributeData::Type::Bool;
-    else if (t == "long") a.type = AttributeData::Type::Long;
-    else if (t == "float") a.type = AttributeData::Type::Float;
-    else if (t == "vector3") a.type = AttributeData::Type::Vector3;
-    else fail(child(ap, "type"), "unknown attribute type \"" + t + "\" (bool, long, float or vector3)");
+    if (t == "bool")
+      a.type = AttributeData::Type::Bool;
+    else if (t == "long")
+      a.type = AttributeData::Type::Long;
+    else if (t == "float")
+      a.type = AttributeData::Type::Float;
+    else if (t == "vector3")
+      a.type = AttributeData::Type::Vector3;
+    else
+      fail(child(ap, "type"),
+           "unknown attribute type \"" + t + "\" (bool, long, float or vector3)");
     std::size_t expected = mesh.points.size();
     const std::string c = context ? text(*context, child(ap, "context")) : "point";
     if (c == "point") {
@@ -229,7 +245,8 @@ void readAttributes(const json& j, const std::string& path, MeshData& mesh,
       a.context = AttributeData::Context::Singleton;
       expected = 1;
     } else {
-      fail(child(ap, "context"), "unknown context \"" + c + "\" (singleton, point, polygon or node)");
+      fail(child(ap, "context"),
+           "unknown context \"" + c + "\" (singleton, point, polygon or node)");
     }
     const std::string vp = child(ap, "values");
     if (!values->is_array() || values->size() != expected)
@@ -277,7 +294,8 @@ void checkPolygons(const MeshData& mesh, const std::string& where) {
 
 void readMesh(const json& j, const std::string& path, const std::string& baseDirectory,
               SceneObject& object) {
-  if (!j.is_object()) fail(path, "expected an object with \"file\", or \"points\" and \"polygons\"");
+  if (!j.is_object())
+    fail(path, "expected an object with \"file\", or \"points\" and \"polygons\"");
   auto mesh = std::make_shared<MeshData>();
   if (const json* file = member(j, "file")) {
     onlyKeys(j, path, {"file", "attributes"});
@@ -336,11 +354,13 @@ NurbsCurveData curve(const json& j, const std::string& path) {
   if (const json* closed = member(j, "closed")) c.closed = boolean(*closed, child(path, "closed"));
   const json* points = member(j, "points");
   const std::string pp = child(path, "points");
-  if (!points || !points->is_array()) fail(pp, "expected a list of [x, y, z] or [x, y, z, w] points");
+  if (!points || !points->is_array())
+    fail(pp, "expected a list of [x, y, z] or [x, y, z, w] points");
   for (std::size_t i = 0; i < points->size(); ++i) {
     const json& p = (*points)[i];
     const std::string ip = child(pp, i);
-    if (!p.is_array() || (p.size() != 3 && p.size() != 4)) fail(ip, "expected [x, y, z] or [x, y, z, w]");
+    if (!p.is_array() || (p.size() != 3 && p.size() != 4))
+      fail(ip, "expected [x, y, z] or [x, y, z, w]");
     std::array<double, 4> cp{0, 0, 0, 1};
     for (std::size_t k = 0; k < p.size(); ++k) cp[k] = number(p[k], child(ip, k));
     c.points.push_back(cp);
@@ -397,8 +417,9 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
     const json& j = (*objects)[i];
     const std::string path = child("/objects", i);
     if (!j.is_object()) fail(path, "expected an object");
-    onlyKeys(j, path, {"name", "type", "parent", "transform", "visible", "parameters", "mesh",
-                       "curves", "keys"});
+    onlyKeys(
+        j, path,
+        {"name", "type", "parent", "transform", "visible", "parameters", "mesh", "curves", "keys"});
     auto object = std::make_shared<SceneObject>();
     const json* name = member(j, "name");
     if (!name) fail(path, "missing \"name\"");
@@ -407,7 +428,8 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
       fail(child(path, "name"), "a name must be non-empty, without dots or blanks");
     if (n == "Scene_Root") fail(child(path, "name"), "\"Scene_Root\" is the scene root's own name");
     if (const auto it = byName.find(n); it != byName.end())
-      fail(child(path, "name"), "duplicate name \"" + n + "\" (also " + records[it->second].path + ")");
+      fail(child(path, "name"),
+           "duplicate name \"" + n + "\" (also " + records[it->second].path + ")");
     object->m_name = widen(n);
     const json* type = member(j, "type");
     if (!type) fail(path, "missing \"type\"");
@@ -415,17 +437,21 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
     if (t.empty()) fail(child(path, "type"), "empty type");
     object->m_type = widen(t);
     defaultParameters(*object);
-    if (const json* transform = member(j, "transform")) readTransform(*transform, child(path, "transform"), *object);
-    if (const json* visible = member(j, "visible")) object->m_visible.value = boolean(*visible, child(path, "visible"));
+    if (const json* transform = member(j, "transform"))
+      readTransform(*transform, child(path, "transform"), *object);
+    if (const json* visible = member(j, "visible"))
+      object->m_visible.value = boolean(*visible, child(path, "visible"));
     if (const json* params = member(j, "parameters")) {
       const std::string pp = child(path, "parameters");
       if (!params->is_object()) fail(pp, "expected an object of parameter values");
-      for (const auto& [pn, pv] : params->items()) object->m_parameters[widen(pn)] = parameter(pv, child(pp, pn));
+      for (const auto& [pn, pv] : params->items())
+        object->m_parameters[widen(pn)] = parameter(pv, child(pp, pn));
     }
     const json* mesh = member(j, "mesh");
     const json* curves = member(j, "curves");
     if (mesh && t != "polymsh") fail(child(path, "mesh"), "only a \"polymsh\" object has a mesh");
-    if (curves && t != "crvlist") fail(child(path, "curves"), "only a \"crvlist\" object has curves");
+    if (curves && t != "crvlist")
+      fail(child(path, "curves"), "only a \"crvlist\" object has curves");
     if (t == "polymsh" && !mesh) fail(path, "a \"polymsh\" object needs a \"mesh\"");
     if (t == "crvlist" && !curves) fail(path, "a \"crvlist\" object needs \"curves\"");
     if (mesh) readMesh(*mesh, child(path, "mesh"), baseDirectory, *object);
@@ -433,7 +459,8 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
       const std::string cp = child(path, "curves");
       if (!curves->is_array() || curves->empty()) fail(cp, "expected a non-empty list of curves");
       for (std::size_t c = 0; c < curves->size(); ++c)
-        object->m_curves.push_back(std::make_shared<NurbsCurveEvaluator>(curve((*curves)[c], child(cp, c))));
+        object->m_curves.push_back(
+            std::make_shared<NurbsCurveEvaluator>(curve((*curves)[c], child(cp, c))));
     }
     if (const json* k = member(j, "keys")) readKeys(*k, child(path, "keys"), *object);
     std::string parent;
@@ -467,15 +494,22 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
       std::string cycle;
       const auto first = std::find(chain.begin(), chain.end(), static_cast<std::size_t>(i));
       for (auto it = first; it != chain.end(); ++it) {
-        cycle += "\"" + std::string(records[*it].object->m_name.begin(), records[*it].object->m_name.end()) + "\" -> ";
+        cycle +=
+            "\"" +
+            std::string(records[*it].object->m_name.begin(), records[*it].object->m_name.end()) +
+            "\" -> ";
       }
-      cycle += "\"" + std::string(records[static_cast<std::size_t>(i)].object->m_name.begin(),
-                                  records[static_cast<std::size_t>(i)].object->m_name.end()) + "\"";
-      fail(child(records[static_cast<std::size_t>(i)].path, "parent"), "cycle of parents: " + cycle);
+      cycle += "\"" +
+               std::string(records[static_cast<std::size_t>(i)].object->m_name.begin(),
+                           records[static_cast<std::size_t>(i)].object->m_name.end()) +
+               "\"";
+      fail(child(records[static_cast<std::size_t>(i)].path, "parent"),
+           "cycle of parents: " + cycle);
     }
     for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
       const std::ptrdiff_t p = parentOf[*it];
-      scene->add(records[*it].object, p >= 0 ? records[static_cast<std::size_t>(p)].object : nullptr);
+      scene->add(records[*it].object,
+                 p >= 0 ? records[static_cast<std::size_t>(p)].object : nullptr);
       state[*it] = 2;
     }
   }
@@ -507,7 +541,8 @@ std::shared_ptr<Scene> ParseSceneText(const std::string& text, const std::string
     std::string what = e.what();
     const auto colon = what.find(": ", what.find("column"));
     if (colon != std::string::npos) what = what.substr(colon + 2);
-    error = fileLabel + ":" + lineAndColumn(text, e.byte == 0 ? 0 : e.byte - 1) + ": invalid JSON: " + what;
+    error = fileLabel + ":" + lineAndColumn(text, e.byte == 0 ? 0 : e.byte - 1) +
+            ": invalid JSON: " + what;
     return nullptr;
   } catch (const json::exception& e) {
     // Well-formed text the library still refuses, such as a number beyond a double (1E400).

@@ -2,6 +2,7 @@
 // Both keep the file's vertex numbering (vertex i of the file is point i of the mesh) and its
 // polygons as written, since users name vertices by index.
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -17,7 +18,8 @@ namespace xsihost {
 
 #ifdef QUILLIX_HAVE_GLTF
 namespace detail {
-bool loadGltf(const std::string& path, MeshData& mesh, std::string& error);  // scene_meshfile_gltf.cpp
+bool loadGltf(const std::string& path, MeshData& mesh,
+              std::string& error);  // scene_meshfile_gltf.cpp
 }
 #endif
 
@@ -27,7 +29,8 @@ std::string lowerExtension(const std::string& path) {
   const auto dot = path.rfind('.');
   if (dot == std::string::npos) return {};
   std::string ext = path.substr(dot + 1);
-  std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
+  std::transform(ext.begin(), ext.end(), ext.begin(),
+                 [](unsigned char c) { return std::tolower(c); });
   return ext;
 }
 
@@ -44,15 +47,17 @@ bool loadObj(const std::string& path, MeshData& mesh, std::string& error) {
   config.mtl_search_path = "";
   tinyobj::ObjReader reader;
   if (!reader.ParseFromFile(path, config)) {
-    error = path + ": " + (reader.Error().empty() ? std::string("cannot read the OBJ file")
-                                                  : firstLine(reader.Error()));
+    error = path + ": " +
+            (reader.Error().empty() ? std::string("cannot read the OBJ file")
+                                    : firstLine(reader.Error()));
     return false;
   }
   const tinyobj::attrib_t& attrib = reader.GetAttrib();
   const std::size_t count = attrib.vertices.size() / 3;
   mesh.points.resize(count);
   for (std::size_t i = 0; i < count; ++i)
-    mesh.points[i] = {attrib.vertices[3 * i], attrib.vertices[3 * i + 1], attrib.vertices[3 * i + 2]};
+    mesh.points[i] = {attrib.vertices[3 * i], attrib.vertices[3 * i + 1],
+                      attrib.vertices[3 * i + 2]};
   // Every group and object of the file shares the one vertex list; faces are concatenated in
   // file order.
   for (const tinyobj::shape_t& shape : reader.GetShapes()) {
@@ -83,8 +88,8 @@ enum class PlyFormat { Ascii, BinaryLittle, BinaryBig };
 
 struct PlyProperty {
   std::string name;
-  std::string type;        // scalar type, or the item type of a list
-  std::string countType;   // set for list properties
+  std::string type;       // scalar type, or the item type of a list
+  std::string countType;  // set for list properties
 };
 
 struct PlyElement {
@@ -96,7 +101,8 @@ struct PlyElement {
 std::size_t plyTypeSize(const std::string& t) {
   if (t == "char" || t == "uchar" || t == "int8" || t == "uint8") return 1;
   if (t == "short" || t == "ushort" || t == "int16" || t == "uint16") return 2;
-  if (t == "int" || t == "uint" || t == "float" || t == "int32" || t == "uint32" || t == "float32") return 4;
+  if (t == "int" || t == "uint" || t == "float" || t == "int32" || t == "uint32" || t == "float32")
+    return 4;
   if (t == "double" || t == "float64") return 8;
   return 0;
 }
@@ -117,14 +123,35 @@ class PlyBody {
     }
     const bool little = m_format == PlyFormat::BinaryLittle;
     if (!little) std::reverse(bytes, bytes + size);  // this host is little-endian
-    if (type == "char" || type == "int8") out = static_cast<std::int8_t>(bytes[0]);
-    else if (type == "uchar" || type == "uint8") out = bytes[0];
-    else if (type == "short" || type == "int16") { std::int16_t v; std::memcpy(&v, bytes, 2); out = v; }
-    else if (type == "ushort" || type == "uint16") { std::uint16_t v; std::memcpy(&v, bytes, 2); out = v; }
-    else if (type == "int" || type == "int32") { std::int32_t v; std::memcpy(&v, bytes, 4); out = v; }
-    else if (type == "uint" || type == "uint32") { std::uint32_t v; std::memcpy(&v, bytes, 4); out = v; }
-    else if (type == "float" || type == "float32") { float v; std::memcpy(&v, bytes, 4); out = v; }
-    else { double v; std::memcpy(&v, bytes, 8); out = v; }
+    if (type == "char" || type == "int8")
+      out = static_cast<std::int8_t>(bytes[0]);
+    else if (type == "uchar" || type == "uint8")
+      out = bytes[0];
+    else if (type == "short" || type == "int16") {
+      std::int16_t v;
+      std::memcpy(&v, bytes, 2);
+      out = v;
+    } else if (type == "ushort" || type == "uint16") {
+      std::uint16_t v;
+      std::memcpy(&v, bytes, 2);
+      out = v;
+    } else if (type == "int" || type == "int32") {
+      std::int32_t v;
+      std::memcpy(&v, bytes, 4);
+      out = v;
+    } else if (type == "uint" || type == "uint32") {
+      std::uint32_t v;
+      std::memcpy(&v, bytes, 4);
+      out = v;
+    } else if (type == "float" || type == "float32") {
+      float v;
+      std::memcpy(&v, bytes, 4);
+      out = v;
+    } else {
+      double v;
+      std::memcpy(&v, bytes, 8);
+      out = v;
+    }
     return true;
   }
 
@@ -133,7 +160,8 @@ class PlyBody {
     if (m_format != PlyFormat::Ascii) return true;
     std::string rest;
     while (m_tokens >> rest) {
-      error = m_path + ": line " + std::to_string(m_line) + ": more values than the header declares";
+      error =
+          m_path + ": line " + std::to_string(m_line) + ": more values than the header declares";
       return false;
     }
     m_haveLine = false;
@@ -148,7 +176,8 @@ class PlyBody {
     while (!m_haveLine || !(m_tokens >> token)) {
       std::string line;
       if (m_haveLine) {
-        error = m_path + ": line " + std::to_string(m_line) + ": fewer values than the header declares";
+        error =
+            m_path + ": line " + std::to_string(m_line) + ": fewer values than the header declares";
         return false;
       }
       if (!std::getline(m_in, line)) {
@@ -189,7 +218,8 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
     error = path + ": line " + std::to_string(lineNumber) + ": " + what;
     return false;
   };
-  if (!std::getline(in, line) || (++lineNumber, firstLine(line) != "ply")) return bad("not a PLY file (no \"ply\" first line)");
+  if (!std::getline(in, line) || (++lineNumber, firstLine(line) != "ply"))
+    return bad("not a PLY file (no \"ply\" first line)");
   PlyFormat format = PlyFormat::Ascii;
   bool haveFormat = false;
   std::vector<PlyElement> elements;
@@ -205,10 +235,14 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
     if (keyword == "format") {
       std::string name, version;
       words >> name >> version;
-      if (name == "ascii") format = PlyFormat::Ascii;
-      else if (name == "binary_little_endian") format = PlyFormat::BinaryLittle;
-      else if (name == "binary_big_endian") format = PlyFormat::BinaryBig;
-      else return bad("unknown format \"" + name + "\"");
+      if (name == "ascii")
+        format = PlyFormat::Ascii;
+      else if (name == "binary_little_endian")
+        format = PlyFormat::BinaryLittle;
+      else if (name == "binary_big_endian")
+        format = PlyFormat::BinaryBig;
+      else
+        return bad("unknown format \"" + name + "\"");
       haveFormat = true;
     } else if (keyword == "element") {
       PlyElement e;
@@ -229,7 +263,8 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
       } else {
         p.type = type;
         words >> p.name;
-        if (plyTypeSize(p.type) == 0 || p.name.empty()) return bad("unknown property type \"" + type + "\"");
+        if (plyTypeSize(p.type) == 0 || p.name.empty())
+          return bad("unknown property type \"" + type + "\"");
       }
       elements.back().properties.push_back(p);
     } else {
@@ -248,7 +283,8 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
       const PlyProperty& p = e.properties[k];
       if (isVertex && p.countType.empty() && (p.name == "x" || p.name == "y" || p.name == "z"))
         xyz[p.name[0] - 'x'] = static_cast<int>(k);
-      if (isFace && !p.countType.empty() && (p.name == "vertex_indices" || p.name == "vertex_index"))
+      if (isFace && !p.countType.empty() &&
+          (p.name == "vertex_indices" || p.name == "vertex_index"))
         indexList = static_cast<int>(k);
     }
     if (isVertex && (xyz[0] < 0 || xyz[1] < 0 || xyz[2] < 0)) {
@@ -268,7 +304,8 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
         if (p.countType.empty()) {
           if (!body.next(p.type, value, error)) return false;
           for (int c = 0; c < 3; ++c)
-            if (isVertex && xyz[c] == static_cast<int>(k)) point[static_cast<std::size_t>(c)] = value;
+            if (isVertex && xyz[c] == static_cast<int>(k))
+              point[static_cast<std::size_t>(c)] = value;
           continue;
         }
         double count = 0.0;
@@ -282,9 +319,9 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
           if (isFace && indexList == static_cast<int>(k)) {
             if (value < 0 || value != static_cast<double>(static_cast<long long>(value)) ||
                 value >= static_cast<double>(mesh.points.size())) {
-              error = path + ": face " + std::to_string(i) + " uses vertex " + std::to_string(value) +
-                      ", which does not exist (the file has " + std::to_string(mesh.points.size()) +
-                      " vertices)";
+              error = path + ": face " + std::to_string(i) + " uses vertex " +
+                      std::to_string(value) + ", which does not exist (the file has " +
+                      std::to_string(mesh.points.size()) + " vertices)";
               return false;
             }
             polygon.push_back(static_cast<std::int32_t>(value));

@@ -19,16 +19,20 @@ namespace {
 // The bytes of element `index` of `accessor`, or null when they lie outside the buffer.
 const unsigned char* element(const tinygltf::Model& model, const tinygltf::Accessor& accessor,
                              std::size_t index, std::size_t elementSize) {
-  if (accessor.bufferView < 0 || static_cast<std::size_t>(accessor.bufferView) >= model.bufferViews.size())
+  if (accessor.bufferView < 0 ||
+      static_cast<std::size_t>(accessor.bufferView) >= model.bufferViews.size())
     return nullptr;
-  const tinygltf::BufferView& view = model.bufferViews[static_cast<std::size_t>(accessor.bufferView)];
-  if (view.buffer < 0 || static_cast<std::size_t>(view.buffer) >= model.buffers.size()) return nullptr;
+  const tinygltf::BufferView& view =
+      model.bufferViews[static_cast<std::size_t>(accessor.bufferView)];
+  if (view.buffer < 0 || static_cast<std::size_t>(view.buffer) >= model.buffers.size())
+    return nullptr;
   const tinygltf::Buffer& buffer = model.buffers[static_cast<std::size_t>(view.buffer)];
   const int strideValue = accessor.ByteStride(view);
   if (strideValue <= 0) return nullptr;
   const std::size_t stride = static_cast<std::size_t>(strideValue);
   const std::size_t offset = view.byteOffset + accessor.byteOffset + index * stride;
-  if (offset + elementSize > buffer.data.size() || offset + elementSize > view.byteOffset + view.byteLength)
+  if (offset + elementSize > buffer.data.size() ||
+      offset + elementSize > view.byteOffset + view.byteLength)
     return nullptr;
   return buffer.data.data() + offset;
 }
@@ -44,16 +48,20 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
   const bool ok = binary ? loader.LoadBinaryFromFile(&model, &err, &warn, path)
                          : loader.LoadASCIIFromFile(&model, &err, &warn, path);
   if (!ok) {
-    error = path + ": " + (err.empty() ? std::string("cannot read the glTF file") : err.substr(0, err.find('\n')));
+    error =
+        path + ": " +
+        (err.empty() ? std::string("cannot read the glTF file") : err.substr(0, err.find('\n')));
     return false;
   }
   std::map<int, std::int32_t> firstVertexOfAccessor;
   for (std::size_t m = 0; m < model.meshes.size(); ++m) {
     for (std::size_t p = 0; p < model.meshes[m].primitives.size(); ++p) {
       const tinygltf::Primitive& primitive = model.meshes[m].primitives[p];
-      const std::string where = path + ": mesh " + std::to_string(m) + ", primitive " + std::to_string(p) + ": ";
+      const std::string where =
+          path + ": mesh " + std::to_string(m) + ", primitive " + std::to_string(p) + ": ";
       if (primitive.mode != -1 && primitive.mode != TINYGLTF_MODE_TRIANGLES) {
-        error = where + "only triangle lists are read (mode " + std::to_string(primitive.mode) + ")";
+        error =
+            where + "only triangle lists are read (mode " + std::to_string(primitive.mode) + ")";
         return false;
       }
       const auto position = primitive.attributes.find("POSITION");
@@ -61,18 +69,21 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
         error = where + "no POSITION attribute";
         return false;
       }
-      if (position->second < 0 || static_cast<std::size_t>(position->second) >= model.accessors.size()) {
+      if (position->second < 0 ||
+          static_cast<std::size_t>(position->second) >= model.accessors.size()) {
         error = where + "bad POSITION accessor";
         return false;
       }
-      const tinygltf::Accessor& positions = model.accessors[static_cast<std::size_t>(position->second)];
-      if (positions.type != TINYGLTF_TYPE_VEC3 || positions.componentType != TINYGLTF_COMPONENT_TYPE_FLOAT ||
-          positions.sparse.isSparse) {
+      const tinygltf::Accessor& positions =
+          model.accessors[static_cast<std::size_t>(position->second)];
+      if (positions.type != TINYGLTF_TYPE_VEC3 ||
+          positions.componentType != TINYGLTF_COMPONENT_TYPE_FLOAT || positions.sparse.isSparse) {
         error = where + "positions must be a dense accessor of float 3-vectors";
         return false;
       }
       std::int32_t first;
-      if (const auto seen = firstVertexOfAccessor.find(position->second); seen != firstVertexOfAccessor.end()) {
+      if (const auto seen = firstVertexOfAccessor.find(position->second);
+          seen != firstVertexOfAccessor.end()) {
         first = seen->second;
       } else {
         first = static_cast<std::int32_t>(mesh.points.size());
@@ -90,13 +101,15 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
       }
       std::vector<std::int32_t> indices;
       if (primitive.indices < 0) {
-        for (std::size_t i = 0; i < positions.count; ++i) indices.push_back(static_cast<std::int32_t>(i));
+        for (std::size_t i = 0; i < positions.count; ++i)
+          indices.push_back(static_cast<std::int32_t>(i));
       } else {
         if (static_cast<std::size_t>(primitive.indices) >= model.accessors.size()) {
           error = where + "bad index accessor";
           return false;
         }
-        const tinygltf::Accessor& list = model.accessors[static_cast<std::size_t>(primitive.indices)];
+        const tinygltf::Accessor& list =
+            model.accessors[static_cast<std::size_t>(primitive.indices)];
         const int type = list.componentType;
         const std::size_t size = type == TINYGLTF_COMPONENT_TYPE_UNSIGNED_BYTE    ? 1
                                  : type == TINYGLTF_COMPONENT_TYPE_UNSIGNED_SHORT ? 2
@@ -114,7 +127,11 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
           }
           std::uint32_t v = 0;
           if (size == 1) v = bytes[0];
-          if (size == 2) { std::uint16_t s; std::memcpy(&s, bytes, 2); v = s; }
+          if (size == 2) {
+            std::uint16_t s;
+            std::memcpy(&s, bytes, 2);
+            v = s;
+          }
           if (size == 4) std::memcpy(&v, bytes, 4);
           if (v >= positions.count) {
             error = where + "index " + std::to_string(i) + " names vertex " + std::to_string(v) +
@@ -129,7 +146,8 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
         return false;
       }
       for (std::size_t i = 0; i < indices.size(); i += 3)
-        mesh.polygons.push_back({first + indices[i], first + indices[i + 1], first + indices[i + 2]});
+        mesh.polygons.push_back(
+            {first + indices[i], first + indices[i + 1], first + indices[i + 2]});
     }
   }
   return true;

@@ -107,8 +107,7 @@ std::string ValidateNurbsCurve(const NurbsCurveData& curve) {
     return out.str();
   }
   if (n < static_cast<size_t>(p) + 1) {
-    out << "a curve of degree " << p << " needs at least " << p + 1 << " control points, not "
-        << n;
+    out << "a curve of degree " << p << " needs at least " << p + 1 << " control points, not " << n;
     return out.str();
   }
   for (size_t i = 0; i < n; ++i) {
@@ -126,8 +125,8 @@ std::string ValidateNurbsCurve(const NurbsCurveData& curve) {
   }
   const size_t expected = n + static_cast<size_t>(p) + 1;
   if (curve.knots.size() != expected) {
-    out << "inconsistent knots: " << n << " control points of degree " << p << " need "
-        << expected << " knots, not " << curve.knots.size();
+    out << "inconsistent knots: " << n << " control points of degree " << p << " need " << expected
+        << " knots, not " << curve.knots.size();
     return out.str();
   }
   for (size_t i = 0; i < expected; ++i) {
@@ -142,8 +141,7 @@ std::string ValidateNurbsCurve(const NurbsCurveData& curve) {
     }
   }
   if (!(curve.knots[n] > curve.knots[static_cast<size_t>(p)])) {
-    out << "inconsistent knots: the parameter range [knot " << p << ", knot " << n
-        << "] is empty";
+    out << "inconsistent knots: the parameter range [knot " << p << ", knot " << n << "] is empty";
     return out.str();
   }
   // A knot repeated more than p times inside the range would break the curve in two.
@@ -151,8 +149,8 @@ std::string ValidateNurbsCurve(const NurbsCurveData& curve) {
     size_t j = i;
     while (j < n && curve.knots[j] == curve.knots[i]) ++j;
     if (j - i > static_cast<size_t>(p)) {
-      out << "inconsistent knots: interior knot " << curve.knots[i] << " is repeated "
-          << j - i << " times, more than the degree " << p;
+      out << "inconsistent knots: interior knot " << curve.knots[i] << " is repeated " << j - i
+          << " times, more than the degree " << p;
       return out.str();
     }
     i = j;
@@ -210,7 +208,8 @@ void NurbsCurveEvaluator::derivatives(double u, Vec3d& position, Vec3d& first,
     const int i = k - p + j;
     const double f = p / (t[static_cast<size_t>(i + p + 1)] - t[static_cast<size_t>(i + 1)]);
     for (int c = 0; c < 4; ++c)
-      d1[static_cast<size_t>(j)][c] = f * (h[static_cast<size_t>(j + 1)][c] - h[static_cast<size_t>(j)][c]);
+      d1[static_cast<size_t>(j)][c] =
+          f * (h[static_cast<size_t>(j + 1)][c] - h[static_cast<size_t>(j)][c]);
   }
   std::vector<Vec4d> d2(p >= 2 ? static_cast<size_t>(p) - 1 : 0);
   for (int j = 0; j + 1 < p; ++j) {
@@ -257,8 +256,8 @@ CurveSample NurbsCurveEvaluator::evaluate(double u) const {
   const double acrossLength = norm(across);
   const double speedSquared = dot(s.tangent, s.tangent);
   const double extent = std::max(length(), 1e-300);
-  const bool straight = acrossLength <= 1e-12 * norm(second) ||
-                        acrossLength * extent <= 1e-10 * speedSquared;
+  const bool straight =
+      acrossLength <= 1e-12 * norm(second) || acrossLength * extent <= 1e-10 * speedSquared;
   Vec3d normal;
   if (!straight) {
     normal = scale(1.0 / acrossLength, across);

@@ -40,7 +40,9 @@ struct AttributeData {
   Type type = Type::Float;
   Context context = Context::Point;
   std::vector<double> values;  // 3 numbers per element for vectors
-  std::size_t elementCount() const { return type == Type::Vector3 ? values.size() / 3 : values.size(); }
+  std::size_t elementCount() const {
+    return type == Type::Vector3 ? values.size() / 3 : values.size();
+  }
 };
 
 struct MeshData {
