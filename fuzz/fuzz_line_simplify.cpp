@@ -1,0 +1,49 @@
+// The line simplifier on fuzzed polylines and tolerances: NaN, infinities, huge and tiny
+// values, removal marks already in the input, closed and open lines. The result is a view of
+// the input or of the work buffer, keeps the first point, and never grows.
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "fuzz/fuzz_common.h"
+#include "nodes/curve/line_simplify.h"
+
+using namespace quillix;
+using quillix::fuzz::Check;
+
+namespace {
+bool SameBits(const Vec3f& a, const Vec3f& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+  FuzzedDataProvider in(bytes, size);
+  const float epsilon = quillix::fuzz::ConsumeNastyFloat(in);
+  const bool closed = in.ConsumeBool(), minThree = in.ConsumeBool(), inPlace = in.ConsumeBool();
+  std::vector<Vec3f> points(in.ConsumeIntegralInRange<std::size_t>(0, 2048));
+  for (auto& p : points) {
+    if (in.remaining_bytes() == 0) break;
+    p = {quillix::fuzz::ConsumeNastyFloat(in), quillix::fuzz::ConsumeNastyFloat(in),
+         quillix::fuzz::ConsumeNastyFloat(in)};
+  }
+
+  if (inPlace) {
+    // The in-place form: marking and compaction over the caller's buffer.
+    std::vector<Vec3f> line = points;
+    std::int32_t count = std::int32_t(line.size());
+    SimplifyLine(line.empty() ? nullptr : line.data(), count, epsilon);
+    Check(count >= 0 && std::size_t(count) <= points.size(), "in-place count outside 0..input");
+    return 0;
+  }
+
+  std::vector<Vec3f> work(SimplifyWorkSize(points.size()));
+  const std::span<const Vec3f> out = SimplifyPolyline(points, epsilon, closed, minThree, work);
+  const bool ofInput = out.data() == points.data();
+  const bool ofWork = out.data() == work.data();
+  Check(ofInput || ofWork || out.empty(), "result is a view of neither the input nor the work buffer");
+  Check(out.size() <= std::max<std::size_t>(points.size(), minThree ? 3 : 0), "the line grew");
+  if (ofWork) Check(out.size() <= work.size(), "result runs past the work buffer");
+  if (minThree) Check(out.size() >= 3, "fewer than three points with the at-least-three option");
+  if (!points.empty() && out.size() >= 3 && points.size() >= 3 && !closed)
+    Check(SameBits(out.front(), points.front()) || IsRemovalMark(points.front().x), "the first point moved");
+  return 0;
+}
