@@ -20,6 +20,7 @@ TEST(JoinStringsNode, JoinsElementZerosArrayKeepingTheTrailingDelimiter) {
             (Written<std::wstring>{L"a-b-c"}));
   EXPECT_EQ(join(PortValues::strings2D({{L"a", L"", L"c"}}), dash),
             (Written<std::wstring>{L"a-c"}));
+  EXPECT_EQ(join(PortValues::strings2D({{L"", L"b"}}), dash), (Written<std::wstring>{L"b"}));
   EXPECT_EQ(join(PortValues::strings2D({{L"a", L"b", L""}}), dash),
             (Written<std::wstring>{L"a-b-"}));
   EXPECT_EQ(join(PortValues::strings2D({{}}), dash), (Written<std::wstring>{L""}));

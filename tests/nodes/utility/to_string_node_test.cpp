@@ -90,41 +90,5 @@ TEST(NumberToStringNode, FailedPortQueryIsReportedInTheResult) {
   EXPECT_EQ(text(L"Quillix_ftoa", request), (Texts{std::nullopt, std::nullopt}));
 }
 
-TEST(ToStringNode, ConstantInputsBatchesAndUnknownPorts) {
-  EXPECT_EQ(
-      text(L"Quillix_itoa2", instancesOf(3, {PortValues::arraysOf<XSI::LONG>({{4, 5}}).asConstant(),
-                                             PortValues::singles<XSI::LONG>({1, 2, 3})})),
-      (Texts{L"<4,5>,1", L"<4,5>,2", L"<4,5>,3"}));
-  auto request = requestOf(4, {{kInput, PortValues::singles<XSI::LONG>({10, 11, 12, 13})}});
-  request.batch = std::vector<ULONG>{1, 2};
-  EXPECT_EQ(text(L"Quillix_itoa", request), (Texts{std::nullopt, L"11", L"12", std::nullopt}));
-  request.batch = std::vector<ULONG>{};
-  EXPECT_EQ(text(L"Quillix_itoa", request), (Texts(4, std::nullopt)));
-  EXPECT_EQ(evaluate(L"Quillix_itoa", request, 2020).values.count, 0u);
-}
-
-TEST(ToStringNode, ManyThreadsGiveTheSingleThreadedResult) {
-  const ULONG n = 2000;
-  std::vector<std::vector<float>> arrays(n);
-  Floats singles(n);
-  for (ULONG i = 0; i < n; ++i) {
-    singles[i] = float(i) * 1.37e5f - 3.0e7f;
-    for (ULONG j = 0; j < i % 5; ++j) arrays[i].push_back(float(i) / float(j + 1));
-  }
-  const std::vector<std::pair<const wchar_t*, EvaluationRequest>> cases = {
-      {L"Quillix_ftoa2",
-       instancesOf(n, {PortValues::arraysOf(arrays), PortValues::singles(singles)})},
-      {L"Quillix_ntoa", numberRequest(PortValues::arraysOf(arrays), 4, false, 0)},
-      {L"Quillix_ntoa", numberRequest(PortValues::singles(singles), 0, true, 9)},
-  };
-  for (auto [node, request] : cases) {
-    request.batchSize = 37;
-    request.threads = 1;
-    const Texts single = text(node, request);
-    request.threads = 4;
-    EXPECT_EQ(text(node, request), single);
-  }
-}
-
 }  // namespace
 }  // namespace quillix::test
