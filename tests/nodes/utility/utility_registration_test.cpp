@@ -1,5 +1,6 @@
 // The registered definitions of the utility nodes: threading model, group and every port
-// field, in order, exactly as graphs and scripts address them.
+// field, in order, exactly as graphs and scripts address them. Each definition is written out
+// one line per item so that the expectation reads like the node's port table.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,185 +11,156 @@
 namespace quillix::test {
 namespace {
 
-constexpr ULONG kNone = 0xFFFFFFFFu;
-constexpr ULONG kAnyValue = 181247;  // every value type, strings included
+using Lines = std::vector<std::wstring>;
 
-struct Port {
-  ULONG id;
-  ULONG types, structures, contexts;
-  const wchar_t* script;
-  const wchar_t* display;
-  XSI::CValue defaultValue;  // outputs: empty
-  ULONG typeLink, structureLink, contextLink;
-};
+std::wstring number(ULONG value) { return value == 0xFFFFFFFFu ? L"-" : std::to_wstring(value); }
 
-struct Node {
-  const wchar_t* name;
-  ULONG threadingModel;
-  ULONG groupMax;
-  std::vector<Port> inputs;
-  std::vector<Port> outputs;
-};
-
-const XSI::CValue kEmpty;
-const XSI::CValue kZero(XSI::LONG(0));
-const XSI::CValue kFalse(false);
-const XSI::CValue kZeroFloat(0.0f);
-const XSI::CValue kEmptyText(L"");
-
-Port in(ULONG id, ULONG types, ULONG structures, ULONG contexts, const wchar_t* script,
-        const wchar_t* display, XSI::CValue value, ULONG t, ULONG s, ULONG c) {
-  return {id, types, structures, contexts, script, display, value, t, s, c};
-}
-Port out(ULONG id, ULONG types, ULONG structures, ULONG contexts, const wchar_t* script,
-         const wchar_t* display, ULONG t, ULONG s, ULONG c) {
-  return {id, types, structures, contexts, script, display, kEmpty, t, s, c};
-}
-
-// A to-string node: one input 1010 "Input" and the string result.
-Node toString(const wchar_t* name, ULONG groupMax, ULONG type, XSI::CValue value) {
-  return {name,
-          2,
-          groupMax,
-          {in(1010, type, 3, 63, L"Input", L"Input", value, kNone, 4001, 4002)},
-          {out(2010, 131072, 1, 63, L"Result", L"Result", kNone, kNone, 4002)}};
-}
-
-std::vector<Node> expectedNodes() {
-  const std::vector<Port> classifyFloatOutputs = {
-      out(2010, 1, 1, 3, L"IsNaN", L"IsNaN", kNone, 4001, 4002),
-      out(2020, 1, 1, 3, L"IsINFpos", L"Positive INF", kNone, 4001, 4002),
-      out(2030, 1, 1, 3, L"IsINFneg", L"Negative INF", kNone, 4001, 4002)};
-  return {
-      {L"Quillix_arrrev",
-       2,
-       1,
-       {in(1010, kAnyValue, 3, 63, L"Array", L"Array", kEmpty, 4000, 4001, 4002)},
-       {out(2010, kAnyValue, 3, 63, L"Result", L"Result", 4000, 4001, 4002)}},
-      {L"Quillix_arrshft",
-       2,
-       1,
-       {in(1010, kAnyValue, 3, 63, L"Array", L"Array", kEmpty, 4000, 4001, 4002),
-        in(1020, 2, 1, 63, L"Shift", L"Shift", kZero, kNone, kNone, 4002)},
-       {out(2010, kAnyValue, 3, 63, L"Result", L"Result", 4000, 4001, 4002)}},
-      toString(L"Quillix_btoa", 1, 1, kFalse),
-      toString(L"Quillix_btoa2", kNone, 1, kFalse),
-      {L"Quillix_cuappid",
-       1,
-       1,
-       {in(1010, 2, 1, 2, L"ArraySizePerPoint", L"Array Size per Point", kEmpty, kNone, kNone,
-           4002)},
-       {out(2010, 2, 2, 2, L"UIDs", L"UIDs", kNone, kNone, 4002)}},
-      {L"Quillix_fchk",
-       1,
-       1,
-       {in(1010, 131072, 1, 1, L"Filepath", L"Filepath", kEmptyText, kNone, kNone, kNone)},
-       {out(2010, 1, 1, 1, L"FileExists", L"File exists", kNone, kNone, kNone)}},
-      toString(L"Quillix_ftoa", 1, 4, kZeroFloat),
-      toString(L"Quillix_ftoa2", kNone, 4, kZeroFloat),
-      toString(L"Quillix_itoa", 1, 2, kZero),
-      toString(L"Quillix_itoa2", kNone, 2, kZero),
-      {L"Quillix_jstr",
-       1,
-       1,
-       {in(1010, 131072, 3, 1, L"input", L"Input", kEmptyText, kNone, kNone, kNone),
-        in(1020, 131072, 1, 1, L"delimiter", L"Delimiter", kZero, kNone, kNone, kNone)},
-       {out(2010, 131072, 1, 1, L"string", L"String", kNone, kNone, kNone)}},
-      {L"Quillix_nan",
-       2,
-       1,
-       {in(1010, 4, 1, 3, L"Input", L"Input", kZeroFloat, kNone, 4001, 4002)},
-       classifyFloatOutputs},
-      {L"Quillix_nan2",
-       2,
-       1,
-       {in(1010, 4, 3, 63, L"Input", L"Input", kZeroFloat, kNone, 4001, 4002)},
-       {out(2010, 2, 3, 63, L"IsNaN", L"IsNaN", kNone, 4001, 4002),
-        out(2020, 2, 3, 63, L"IsINFpos", L"Positive INF", kNone, 4001, 4002),
-        out(2030, 2, 3, 63, L"IsINFneg", L"Negative INF", kNone, 4001, 4002)}},
-      {L"Quillix_ntoa",
-       2,
-       1,
-       {in(1010, 4, 3, 63, L"Input", L"Input", kZeroFloat, kNone, 4001, 4002),
-        in(1020, 2, 1, 63, L"Precision", L"Precision", kZero, kNone, 4001, 4002),
-        in(1030, 1, 1, 63, L"TreatAsInt", L"Treat as Integer", kFalse, kNone, 4001, 4002),
-        in(1040, 2, 1, 63, L"IntLead0", L"Leading Zeros (Integer)", kZero, kNone, 4001, 4002)},
-       {out(2010, 131072, 1, 63, L"Result", L"Result", kNone, kNone, 4002)}},
-      {L"Quillix_ntob",
-       2,
-       1,
-       {in(1010, 2, 1, 63, L"Input", L"Input", kZero, kNone, 4001, 4002)},
-       {out(2010, 2, 1, 63, L"Byte0", L"Byte 0", kNone, kNone, 4002),
-        out(2020, 2, 1, 63, L"Byte1", L"Byte 1", kNone, kNone, 4002),
-        out(2030, 2, 1, 63, L"Byte2", L"Byte 2", kNone, kNone, 4002),
-        out(2040, 2, 1, 63, L"Byte3", L"Byte 3", kNone, kNone, 4002)}},
-      {L"Quillix_stoi",
-       1,
-       1,
-       {in(1010, 1, 1, 1, L"Active", L"Active", XSI::CValue(true), kNone, kNone, kNone),
-        in(1620, 131072, 1, 1, L"String", L"String", kEmptyText, kNone, kNone, kNone)},
-       {out(2010, 2, 2, 1, L"Array", L"Array", kNone, kNone, kNone)}},
-      {L"Quillix_tbit",
-       2,
-       1,
-       {in(1010, 2, 3, 63, L"Value", L"Value", kZero, kNone, 4001, 4002),
-        in(1020, 2, 3, 63, L"Bit", L"Bit", kZero, kNone, 4001, 4002)},
-       {out(2010, 2, 3, 63, L"Result", L"Result", kNone, 4001, 4002)}},
-  };
-}
-
-void expectPorts(const std::vector<XSI::host_detail::PortRecord>& actual,
-                 const std::vector<Port>& expected, bool inputs) {
-  ASSERT_EQ(actual.size(), expected.size());
-  for (std::size_t i = 0; i < expected.size(); ++i) {
-    const auto& a = actual[i];
-    const Port& e = expected[i];
-    SCOPED_TRACE(testing::Message() << "port " << e.id);
-    EXPECT_EQ(a.id, e.id);
-    EXPECT_EQ(a.groupID, inputs ? 10u : kNone);
-    EXPECT_EQ(a.dataTypes, e.types);
-    EXPECT_EQ(a.structures, e.structures);
-    EXPECT_EQ(a.contexts, e.contexts);
-    EXPECT_EQ(a.scriptName, e.script);
-    EXPECT_EQ(a.displayName, e.display);
-    if (inputs) {
-      EXPECT_EQ(a.defaultValue.GetType(), e.defaultValue.GetType());
-      EXPECT_TRUE(a.defaultValue == e.defaultValue);
-    }
-    EXPECT_EQ(a.typeLink, e.typeLink);
-    EXPECT_EQ(a.structureLink, e.structureLink);
-    EXPECT_EQ(a.contextLink, e.contextLink);
+// "<value type>:<text>", e.g. "int:0", "string:''", "none".
+std::wstring defaultText(const XSI::CValue& value) {
+  const std::wstring text = value.GetAsText().Wide();
+  switch (value.GetType()) {
+    case XSI::CValue::siEmpty:
+      return L"none";
+    case XSI::CValue::siBool:
+      return L"bool:" + text;
+    case XSI::CValue::siInt4:
+      return L"int:" + text;
+    case XSI::CValue::siFloat:
+      return L"float:" + text;
+    case XSI::CValue::siString:
+      return L"string:'" + text + L"'";
+    default:
+      return L"other:" + text;
   }
 }
 
+std::wstring portLine(const XSI::host_detail::PortRecord& p) {
+  std::wstring line = (p.input ? L"in " : L"out ") + number(p.id) + L" " + p.scriptName + L" '" +
+                      p.displayName + L"' " + number(p.dataTypes) + L" " + number(p.structures) +
+                      L" " + number(p.contexts);
+  if (p.input) line += L" group " + number(p.groupID) + L" " + defaultText(p.defaultValue);
+  return line + L" links " + number(p.typeLink) + L" " + number(p.structureLink) + L" " +
+         number(p.contextLink);
+}
+
+Lines describe(const std::wstring& node) {
+  const auto* d = nodeDefinition(node);
+  if (d == nullptr) return {};
+  Lines lines{L"model " + number(d->threadingModel)};
+  for (const auto& g : d->groups) {
+    lines.push_back(L"group " + number(g.id) + L" " + g.name + L" " + number(g.minInstances) +
+                    L".." + number(g.maxInstances));
+  }
+  for (const auto& p : d->inputs) lines.push_back(portLine(p));
+  for (const auto& p : d->outputs) lines.push_back(portLine(p));
+  return lines;
+}
+
+// Fields: ID, script name, 'display name', data types, structures, contexts, [group, default,]
+// type link, structure link, context link ("-" for none).
+const std::vector<std::pair<std::wstring, Lines>> kExpected = {
+    {L"Quillix_arrrev",
+     {L"model 2", L"group 10 Inputs 1..1",
+      L"in 1010 Array 'Array' 181247 3 63 group 10 none links 4000 4001 4002",
+      L"out 2010 Result 'Result' 181247 3 63 links 4000 4001 4002"}},
+    {L"Quillix_arrshft",
+     {L"model 2", L"group 10 Inputs 1..1",
+      L"in 1010 Array 'Array' 181247 3 63 group 10 none links 4000 4001 4002",
+      L"in 1020 Shift 'Shift' 2 1 63 group 10 int:0 links - - 4002",
+      L"out 2010 Result 'Result' 181247 3 63 links 4000 4001 4002"}},
+    {L"Quillix_btoa",
+     {L"model 2", L"group 10 Inputs 1..1",
+      L"in 1010 Input 'Input' 1 3 63 group 10 bool:false links - 4001 4002",
+      L"out 2010 Result 'Result' 131072 1 63 links - - 4002"}},
+    {L"Quillix_btoa2",
+     {L"model 2", L"group 10 Inputs 1..-",
+      L"in 1010 Input 'Input' 1 3 63 group 10 bool:false links - 4001 4002",
+      L"out 2010 Result 'Result' 131072 1 63 links - - 4002"}},
+    {L"Quillix_cuappid",
+     {L"model 1", L"group 10 Inputs 1..1",
+      L"in 1010 ArraySizePerPoint 'Array Size per Point' 2 1 2 group 10 none links - - 4002",
+      L"out 2010 UIDs 'UIDs' 2 2 2 links - - 4002"}},
+    {L"Quillix_fchk",
+     {L"model 1", L"group 10 Inputs 1..1",
+      L"in 1010 Filepath 'Filepath' 131072 1 1 group 10 string:'' links - - -",
+      L"out 2010 FileExists 'File exists' 1 1 1 links - - -"}},
+    {L"Quillix_ftoa",
+     {L"model 2", L"group 10 Inputs 1..1",
+      L"in 1010 Input 'Input' 4 3 63 group 10 float:0 links - 4001 4002",
+      L"out 2010 Result 'Result' 131072 1 63 links - - 4002"}},
+    {L"Quillix_ftoa2",
+     {L"model 2", L"group 10 Inputs 1..-",
+      L"in 1010 Input 'Input' 4 3 63 group 10 float:0 links - 4001 4002",
+      L"out 2010 Result 'Result' 131072 1 63 links - - 4002"}},
+    {L"Quillix_itoa",
+     {L"model 2", L"group 10 Inputs 1..1",
+      L"in 1010 Input 'Input' 2 3 63 group 10 int:0 links - 4001 4002",
+      L"out 2010 Result 'Result' 131072 1 63 links - - 4002"}},
+    {L"Quillix_itoa2",
+     {L"model 2", L"group 10 Inputs 1..-",
+      L"in 1010 Input 'Input' 2 3 63 group 10 int:0 links - 4001 4002",
+      L"out 2010 Result 'Result' 131072 1 63 links - - 4002"}},
+    {L"Quillix_jstr",
+     {L"model 1", L"group 10 Inputs 1..1",
+      L"in 1010 input 'Input' 131072 3 1 group 10 string:'' links - - -",
+      L"in 1020 delimiter 'Delimiter' 131072 1 1 group 10 int:0 links - - -",
+      L"out 2010 string 'String' 131072 1 1 links - - -"}},
+    {L"Quillix_nan",
+     {L"model 2", L"group 10 Inputs 1..1",
+      L"in 1010 Input 'Input' 4 1 3 group 10 float:0 links - 4001 4002",
+      L"out 2010 IsNaN 'IsNaN' 1 1 3 links - 4001 4002",
+      L"out 2020 IsINFpos 'Positive INF' 1 1 3 links - 4001 4002",
+      L"out 2030 IsINFneg 'Negative INF' 1 1 3 links - 4001 4002"}},
+    {L"Quillix_nan2",
+     {L"model 2", L"group 10 Inputs 1..1",
+      L"in 1010 Input 'Input' 4 3 63 group 10 float:0 links - 4001 4002",
+      L"out 2010 IsNaN 'IsNaN' 2 3 63 links - 4001 4002",
+      L"out 2020 IsINFpos 'Positive INF' 2 3 63 links - 4001 4002",
+      L"out 2030 IsINFneg 'Negative INF' 2 3 63 links - 4001 4002"}},
+    {L"Quillix_ntoa",
+     {L"model 2", L"group 10 Inputs 1..1",
+      L"in 1010 Input 'Input' 4 3 63 group 10 float:0 links - 4001 4002",
+      L"in 1020 Precision 'Precision' 2 1 63 group 10 int:0 links - 4001 4002",
+      L"in 1030 TreatAsInt 'Treat as Integer' 1 1 63 group 10 bool:false links - 4001 4002",
+      L"in 1040 IntLead0 'Leading Zeros (Integer)' 2 1 63 group 10 int:0 links - 4001 4002",
+      L"out 2010 Result 'Result' 131072 1 63 links - - 4002"}},
+    {L"Quillix_ntob",
+     {L"model 2", L"group 10 Inputs 1..1",
+      L"in 1010 Input 'Input' 2 1 63 group 10 int:0 links - 4001 4002",
+      L"out 2010 Byte0 'Byte 0' 2 1 63 links - - 4002",
+      L"out 2020 Byte1 'Byte 1' 2 1 63 links - - 4002",
+      L"out 2030 Byte2 'Byte 2' 2 1 63 links - - 4002",
+      L"out 2040 Byte3 'Byte 3' 2 1 63 links - - 4002"}},
+    {L"Quillix_stoi",
+     {L"model 1", L"group 10 Inputs 1..1",
+      L"in 1010 Active 'Active' 1 1 1 group 10 bool:true links - - -",
+      L"in 1620 String 'String' 131072 1 1 group 10 string:'' links - - -",
+      L"out 2010 Array 'Array' 2 2 1 links - - -"}},
+    {L"Quillix_tbit",
+     {L"model 2", L"group 10 Inputs 1..1",
+      L"in 1010 Value 'Value' 2 3 63 group 10 int:0 links - 4001 4002",
+      L"in 1020 Bit 'Bit' 2 3 63 group 10 int:0 links - 4001 4002",
+      L"out 2010 Result 'Result' 2 3 63 links - 4001 4002"}},
+};
+
 TEST(UtilityRegistration, EveryNodeRegistersExactlyItsPortTable) {
-  for (const Node& node : expectedNodes()) {
-    SCOPED_TRACE(std::string(node.name, node.name + std::wcslen(node.name)));
-    const auto* definition = nodeDefinition(node.name);
-    ASSERT_NE(definition, nullptr);
-    EXPECT_TRUE(definition->registered);
-    EXPECT_EQ(definition->threadingModel, node.threadingModel);
-    ASSERT_EQ(definition->groups.size(), 1u);
-    EXPECT_EQ(definition->groups[0].id, 10u);
-    EXPECT_EQ(definition->groups[0].minInstances, 1u);
-    EXPECT_EQ(definition->groups[0].maxInstances, node.groupMax);
-    EXPECT_EQ(definition->groups[0].name, L"Inputs");
-    expectPorts(definition->inputs, node.inputs, true);
-    expectPorts(definition->outputs, node.outputs, false);
+  for (const auto& [node, lines] : kExpected) {
+    EXPECT_EQ(describe(node), lines);
+    EXPECT_TRUE(nodeDefinition(node)->registered);
   }
   EXPECT_EQ(xsihost::failedAssertions(), 0u);
 }
 
 TEST(UtilityRegistration, NodesAreRegisteredInCatalogueOrder) {
-  std::vector<std::wstring> utility;
+  std::vector<std::wstring> registered;
   for (const auto& node : plugin().record().nodes) {
-    for (const Node& expected : expectedNodes()) {
-      if (node->name == expected.name) utility.push_back(node->name);
+    for (const auto& [name, lines] : kExpected) {
+      if (node->name == name) registered.push_back(name);
     }
   }
-  std::vector<std::wstring> names;
-  for (const Node& expected : expectedNodes()) names.push_back(expected.name);
-  EXPECT_EQ(utility, names);
+  std::vector<std::wstring> catalogue;
+  for (const auto& [name, lines] : kExpected) catalogue.push_back(name);
+  EXPECT_EQ(registered, catalogue);
 }
 
 }  // namespace
