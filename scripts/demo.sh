@@ -20,3 +20,6 @@ for request in examples/*.json examples/*/*.json; do
   "$quillix" eval "$request"
   echo
 done
+
+echo "== the two scene commands, run by quillix over the shipped example scenes"
+QUILLIX="$quillix" examples/commands/run.sh

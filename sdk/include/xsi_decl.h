@@ -76,7 +76,7 @@ enum siICEPortState {
 
 // Command flags.
 enum siCommandCapabilities {
-  siNoLogging = 0x4,
+  siNoLogging = 0x800000,
   siSupportsKeyAssignment = 0x2,
   siCannotBeUsedInBatch = 0x10,
 };

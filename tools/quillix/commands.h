@@ -15,6 +15,7 @@ struct EvalOptions {
   std::string requestPath;  // "-" reads standard input
   unsigned threads = 0;     // 0: the request's or the machine's
   unsigned batchSize = 0;   // 0: the request's or 1024
+  bool sceneGiven = false;  // a --scene option overrides the request file's "scene"
 };
 
 // Prints identity, commands and node definitions.

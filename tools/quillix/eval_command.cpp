@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -13,6 +14,7 @@
 
 #include "tools/quillix/commands.h"
 #include "tools/quillix/json_values.h"
+#include "tools/quillix/scene_tool.h"
 
 namespace quillix::tool {
 
@@ -238,6 +240,19 @@ int runEval(xsihost::LoadedPlugin& plugin, const EvalOptions& options, nlohmann:
     // Syntax errors, and numbers beyond a double (1E400), which the parser refuses apart.
     err << "quillix: " << file << ": not valid JSON: " << e.what() << '\n';
     return 2;
+  }
+
+  // A request file may name the scene its nodes read, relative to the file itself; a scene
+  // given on the command line takes precedence.
+  if (document.is_object() && document.contains("scene") && !options.sceneGiven) {
+    if (!document["scene"].is_string()) {
+      err << "quillix: " << file << ": $.scene: expected the path of a scene file\n";
+      return 2;
+    }
+    std::filesystem::path scene = document["scene"].get<std::string>();
+    if (scene.is_relative() && options.requestPath != "-")
+      scene = std::filesystem::path(options.requestPath).parent_path() / scene;
+    if (!loadActiveScene(scene.string(), err)) return 2;
   }
 
   json results = json::array();

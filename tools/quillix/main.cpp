@@ -54,6 +54,7 @@ int run(int argc, char** argv) {
 
   if (app.got_subcommand("scene")) return quillix::tool::runScene(sceneOptions, std::cout, std::cerr);
   if (!evalScene.empty() && !quillix::tool::loadActiveScene(evalScene, std::cerr)) return 2;
+  evalOptions.sceneGiven = !evalScene.empty();
 
   std::string error;
   std::unique_ptr<xsihost::LoadedPlugin> plugin = xsihost::LoadedPlugin::load(pluginPath, error);
