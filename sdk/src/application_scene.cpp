@@ -17,7 +17,23 @@ CStatus CRef::Set(const CString& path) {
 
 Model Application::GetActiveSceneRoot() const { return Model(CRef(xsihost::activeScene().root())); }
 
-Selection Application::GetSelection() const { return Selection(); }
+namespace {
+
+// What a Selection refers to: the host's one selection (kept by the scene side).
+class SelectionObject : public host_detail::Object {
+ public:
+  std::wstring name() const override { return L"Selection"; }
+  std::wstring typeName() const override { return L"Selection"; }
+};
+
+}  // namespace
+
+Selection Application::GetSelection() const {
+  static const auto selection = std::make_shared<SelectionObject>();
+  Selection out;
+  out.SetObject(CRef(selection));
+  return out;
+}
 
 CRefArray Application::GetPlugins() const {
   CRefArray plugins;

@@ -286,6 +286,7 @@ TEST_F(SceneObjects, CurveListSubCurvesSampleTheCircleInEveryMode) {
 
 TEST_F(SceneObjects, SelectionAddsOnceAndClears) {
   Selection selection = Application().GetSelection();
+  EXPECT_TRUE(selection.IsValid());
   selection.Clear();
   EXPECT_EQ(selection.Add(object(L"ball").GetRef()), CStatus(CStatus::OK));
   selection.Add(object(L"rig.leaf").GetRef());

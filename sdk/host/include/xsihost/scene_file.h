@@ -1,4 +1,4 @@
-// Reading scene files (JSON, see docs/scene.md) and the mesh files they name (OBJ, PLY).
+// Reading scene files (JSON, see docs/scene.md) and the mesh files they name (OBJ, PLY, glTF).
 //
 // Every failure comes back as one line naming the file and the place: a JSON path such as
 // "/objects/3/transform/rotation", or "line N" of a mesh file. Nothing here throws out.
@@ -19,7 +19,7 @@ std::shared_ptr<Scene> LoadSceneFile(const std::string& path, std::string& error
 std::shared_ptr<Scene> ParseSceneText(const std::string& text, const std::string& baseDirectory,
                                       const std::string& fileLabel, std::string& error);
 
-/// Reads a polygon mesh from an OBJ or PLY file (chosen by extension), keeping the file's
+/// Reads a polygon mesh from an OBJ, PLY or glTF file (chosen by extension), keeping the file's
 /// vertex numbering and its polygons as they are (no triangulation). Returns false and sets
 /// `error` on failure.
 bool LoadMeshFile(const std::string& path, MeshData& mesh, std::string& error);
