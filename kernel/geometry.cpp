@@ -15,7 +15,9 @@ namespace {
 // Below this many vertices a parallel loop costs more in thread wake-ups than it saves.
 constexpr std::int32_t kParallelMinimum = 32768;
 
-bool KnownVectorEncoding(std::int32_t e) { return e == 0 || e == 14 || e == 1 || e == 7 || e == 15; }
+bool KnownVectorEncoding(std::int32_t e) {
+  return e == 0 || e == 14 || e == 1 || e == 7 || e == 15;
+}
 
 // Converts `count` elements of three components from `encoding` into floats.
 void DecodeVectors(const void* data, std::int64_t count, std::int32_t encoding, Vec3f* out) {
@@ -61,7 +63,8 @@ bool BuildIncidences(QRVMemoryContext& memory, std::int32_t vertexCount, std::in
     }
   };
   std::int64_t total = 0;
-  forEachEdge([&](std::int32_t a, std::int32_t b) { ++offsets[a + 1], ++offsets[b + 1], total += 2; });
+  forEachEdge(
+      [&](std::int32_t a, std::int32_t b) { ++offsets[a + 1], ++offsets[b + 1], total += 2; });
   if (total > std::numeric_limits<std::int32_t>::max()) return false;
   for (std::int32_t v = 0; v < vertexCount; ++v) offsets[v + 1] += offsets[v];
   out.items = memory.AllocateArray<std::int32_t>(std::size_t(total));
@@ -75,7 +78,8 @@ bool BuildIncidences(QRVMemoryContext& memory, std::int32_t vertexCount, std::in
   for (std::int32_t v = vertexCount; v > 0; --v) offsets[v] = offsets[v - 1];
   offsets[0] = 0;
 #pragma omp parallel for if (vertexCount > kParallelMinimum) schedule(dynamic, 4096)
-  for (std::int32_t v = 0; v < vertexCount; ++v) std::sort(items + offsets[v], items + offsets[v + 1]);
+  for (std::int32_t v = 0; v < vertexCount; ++v)
+    std::sort(items + offsets[v], items + offsets[v + 1]);
   return true;
 }
 
@@ -103,7 +107,8 @@ double PolygonArea(const Vec3f* positions, const std::int32_t* corners, std::int
 
 }  // namespace
 
-QRVGeometry::QRVGeometry(QRVMemoryContext* memory) : memory_(memory != nullptr ? memory : &ownMemory_) {}
+QRVGeometry::QRVGeometry(QRVMemoryContext* memory)
+    : memory_(memory != nullptr ? memory : &ownMemory_) {}
 
 QRVGeometry::~QRVGeometry() { Clear(); }
 
@@ -188,7 +193,8 @@ QRVStatus QRVGeometry::Set(const void* positions, std::int32_t vertexCount,
   if (polygonCount < 0) polygonCount = 0;
   if (polygonCount > 0) {
     if (description == nullptr) return fail(kStatusIllegalParameter);
-    if ((descriptionEncoding == kDescriptionByteSizes || descriptionEncoding == kDescriptionIntSizes) &&
+    if ((descriptionEncoding == kDescriptionByteSizes ||
+         descriptionEncoding == kDescriptionIntSizes) &&
         indices == nullptr) {
       return fail(kStatusIllegalParameter);
     }
@@ -237,10 +243,12 @@ QRVStatus QRVGeometry::Set(const void* positions, std::int32_t vertexCount,
     }
   } else {
     const std::int32_t* source = descriptionEncoding == kDescriptionTriangles ? words : indices;
-    if (nodeCount > 0) std::memcpy(polygonIndices_, source, std::size_t(nodeCount) * sizeof(std::int32_t));
+    if (nodeCount > 0)
+      std::memcpy(polygonIndices_, source, std::size_t(nodeCount) * sizeof(std::int32_t));
   }
   for (std::int64_t n = 0; n < nodeCount; ++n) {
-    if (polygonIndices_[n] < 0 || polygonIndices_[n] >= vertexCount) return fail(kStatusCorruptDescription);
+    if (polygonIndices_[n] < 0 || polygonIndices_[n] >= vertexCount)
+      return fail(kStatusCorruptDescription);
   }
 
   // Optional vector channels.
@@ -252,7 +260,8 @@ QRVStatus QRVGeometry::Set(const void* positions, std::int32_t vertexCount,
     if (perNode.data != nullptr && perNode.count != 0) {
       if (perNode.count != nodeCount_) return fail(kStatusNodeCountMismatch);
       if (!KnownVectorEncoding(perNode.encoding)) return fail(kStatusUnknownDataType);
-      const std::int32_t valueCount = perNode.indices != nullptr ? perNode.dataCount : perNode.count;
+      const std::int32_t valueCount =
+          perNode.indices != nullptr ? perNode.dataCount : perNode.count;
       if (valueCount < 0) return fail(kStatusIllegalParameter);
       stored.perNode = true;
       stored.values = Alloc<Vec3f>(std::size_t(valueCount));
@@ -305,7 +314,9 @@ QRVStatus QRVGeometry::CleanUp(bool removeUnreferencedVertices, bool removeInval
 
   std::int64_t toRemove = invalid;
   const float* measures = nullptr;
-  const auto degenerate = [](float m) { return std::isnan(m) || (std::isfinite(m) && std::fabs(m) < 1e-23f); };
+  const auto degenerate = [](float m) {
+    return std::isnan(m) || (std::isfinite(m) && std::fabs(m) < 1e-23f);
+  };
   if (removeDegeneratePolygons && polygonCount_ > 0) {
     measures = PolygonMeasures();
     if (measures == nullptr) {
@@ -394,7 +405,8 @@ QRVStatus QRVGeometry::RemovePolygons(const std::int32_t* polygons, std::int32_t
       for (std::int32_t k = 0; k < size; ++k) {
         nodeIndices[to + k] = polygonIndices_[from + k];
         for (int c = 0; c < 3; ++c) {
-          if (channelIndices[c] != nullptr) channelIndices[c][to + k] = channels_[c].indices[from + k];
+          if (channelIndices[c] != nullptr)
+            channelIndices[c][to + k] = channels_[c].indices[from + k];
           if (channelValues[c] != nullptr) channelValues[c][to + k] = channels_[c].values[from + k];
         }
       }
@@ -408,7 +420,8 @@ QRVStatus QRVGeometry::RemovePolygons(const std::int32_t* polygons, std::int32_t
   polygonCount_ = keptPolygons;
   nodeCount_ = std::int32_t(keptNodes);
   for (int c = 0; c < 3; ++c) {
-    if (channelIndices[c] != nullptr) Free(channels_[c].indices), channels_[c].indices = channelIndices[c];
+    if (channelIndices[c] != nullptr)
+      Free(channels_[c].indices), channels_[c].indices = channelIndices[c];
     if (channelValues[c] != nullptr) {
       Free(channels_[c].values);
       channels_[c].values = channelValues[c];
@@ -482,18 +495,41 @@ bool QRVGeometry::Ensure(std::uint32_t bit) {
   if (valid_ & bit) return true;
   bool ok = false;
   switch (bit) {
-    case kDerivedVertexCounts: ok = ComputeVertexCounts(); break;
-    case kDerivedInvalidPolygons: ok = ComputeInvalidPolygons(); break;
-    case kDerivedPolygonSizeCounts: ok = ComputePolygonSizeCounts(); break;
-    case kDerivedOctree: ok = ComputeOctree(); break;
-    case kDerivedEdges: ok = ComputeEdges(); break;
-    case kDerivedNeighbours: ok = ComputeNeighbours(); break;
-    case kDerivedComponents: ok = ComputeComponents(); break;
-    case kDerivedVertexFlags: ok = ComputeVertexFlags(); break;
-    case kDerivedPolygonFlags: ok = ComputePolygonFlags(); break;
-    case kDerivedPolygonMeasures: ok = ComputePolygonMeasures(); break;
-    case kDerivedNeighbourDistances: ok = ComputeNeighbourDistances(); break;
-    default: break;
+    case kDerivedVertexCounts:
+      ok = ComputeVertexCounts();
+      break;
+    case kDerivedInvalidPolygons:
+      ok = ComputeInvalidPolygons();
+      break;
+    case kDerivedPolygonSizeCounts:
+      ok = ComputePolygonSizeCounts();
+      break;
+    case kDerivedOctree:
+      ok = ComputeOctree();
+      break;
+    case kDerivedEdges:
+      ok = ComputeEdges();
+      break;
+    case kDerivedNeighbours:
+      ok = ComputeNeighbours();
+      break;
+    case kDerivedComponents:
+      ok = ComputeComponents();
+      break;
+    case kDerivedVertexFlags:
+      ok = ComputeVertexFlags();
+      break;
+    case kDerivedPolygonFlags:
+      ok = ComputePolygonFlags();
+      break;
+    case kDerivedPolygonMeasures:
+      ok = ComputePolygonMeasures();
+      break;
+    case kDerivedNeighbourDistances:
+      ok = ComputeNeighbourDistances();
+      break;
+    default:
+      break;
   }
   if (ok) {
     valid_ |= bit;
@@ -512,8 +548,12 @@ std::int32_t QRVGeometry::UnreferencedVertexCount() {
 std::int32_t QRVGeometry::InvalidPolygonCount() {
   return Ensure(kDerivedInvalidPolygons) ? invalidPolygons_ : 0;
 }
-std::int32_t QRVGeometry::TriangleCount() { return Ensure(kDerivedPolygonSizeCounts) ? sizeCounts_[0] : 0; }
-std::int32_t QRVGeometry::QuadCount() { return Ensure(kDerivedPolygonSizeCounts) ? sizeCounts_[1] : 0; }
+std::int32_t QRVGeometry::TriangleCount() {
+  return Ensure(kDerivedPolygonSizeCounts) ? sizeCounts_[0] : 0;
+}
+std::int32_t QRVGeometry::QuadCount() {
+  return Ensure(kDerivedPolygonSizeCounts) ? sizeCounts_[1] : 0;
+}
 std::int32_t QRVGeometry::LargePolygonCount() {
   return Ensure(kDerivedPolygonSizeCounts) ? sizeCounts_[2] : 0;
 }
@@ -523,7 +563,9 @@ std::int32_t QRVGeometry::FanTriangleCount() {
 const QRVOctree* QRVGeometry::Octree() { return Ensure(kDerivedOctree) ? octree_ : nullptr; }
 std::int32_t QRVGeometry::EdgeCount() { return Ensure(kDerivedEdges) ? edgeCount_ : 0; }
 const std::int32_t* QRVGeometry::Edges() { return Ensure(kDerivedEdges) ? edges_ : nullptr; }
-const std::int32_t* QRVGeometry::EdgeStarts() { return Ensure(kDerivedEdges) ? edgeStarts_ : nullptr; }
+const std::int32_t* QRVGeometry::EdgeStarts() {
+  return Ensure(kDerivedEdges) ? edgeStarts_ : nullptr;
+}
 const std::int32_t* QRVGeometry::NeighbourEdges() {
   return Ensure(kDerivedEdges) ? neighbourEdges_ : nullptr;
 }
@@ -539,7 +581,9 @@ const std::int32_t* QRVGeometry::NeighbourLists() {
 const std::int32_t* QRVGeometry::ComponentNumbers() {
   return Ensure(kDerivedComponents) ? componentNumbers_ : nullptr;
 }
-std::int32_t QRVGeometry::ComponentCount() { return Ensure(kDerivedComponents) ? componentCount_ : 0; }
+std::int32_t QRVGeometry::ComponentCount() {
+  return Ensure(kDerivedComponents) ? componentCount_ : 0;
+}
 const std::uint32_t* QRVGeometry::VertexFlags() {
   return Ensure(kDerivedVertexFlags) ? vertexFlags_ : nullptr;
 }
@@ -614,7 +658,8 @@ bool QRVGeometry::ComputeOctree() {
 
 bool QRVGeometry::ComputeNeighbours() {
   Incidences inc;
-  if (!BuildIncidences(*memory_, vertexCount_, polygonCount_, polygonSizes_, polygonIndices_, inc)) {
+  if (!BuildIncidences(*memory_, vertexCount_, polygonCount_, polygonSizes_, polygonIndices_,
+                       inc)) {
     ReleaseIncidences(*memory_, inc);
     return false;
   }
@@ -724,13 +769,14 @@ bool QRVGeometry::ComputeEdges() {
 bool QRVGeometry::ComputeVertexFlags() {
   Incidences inc;
   vertexFlags_ = Alloc<std::uint32_t>(std::size_t(vertexCount_));
-  if (vertexFlags_ == nullptr ||
-      !BuildIncidences(*memory_, vertexCount_, polygonCount_, polygonSizes_, polygonIndices_, inc)) {
+  if (vertexFlags_ == nullptr || !BuildIncidences(*memory_, vertexCount_, polygonCount_,
+                                                  polygonSizes_, polygonIndices_, inc)) {
     ReleaseIncidences(*memory_, inc);
     return false;
   }
   std::memset(vertexFlags_, 0, std::size_t(vertexCount_) * sizeof(std::uint32_t));
-  for (std::int32_t n = 0; n < nodeCount_; ++n) vertexFlags_[polygonIndices_[n]] |= kVertexFlagReferenced;
+  for (std::int32_t n = 0; n < nodeCount_; ++n)
+    vertexFlags_[polygonIndices_[n]] |= kVertexFlagReferenced;
   // In a sorted incidence range a neighbour repeats once per polygon using that edge.
   for (std::int32_t v = 0; v < vertexCount_; ++v) {
     std::uint32_t flags = 0;
@@ -788,7 +834,7 @@ bool QRVGeometry::ComputeNeighbourDistances() {
   if (!Ensure(kDerivedNeighbours)) return false;
   neighbourDistances_ = Alloc<float>(std::size_t(neighbourOffsets_[vertexCount_]));
   if (neighbourDistances_ == nullptr) return false;
-  // (a - b) and (b - a) round to exact negatives, so the length is the same from either end.
+    // (a - b) and (b - a) round to exact negatives, so the length is the same from either end.
 #pragma omp parallel for if (vertexCount_ > kParallelMinimum) schedule(dynamic, 4096)
   for (std::int32_t v = 0; v < vertexCount_; ++v) {
     const Vec3f& p = positions_[v];

@@ -15,16 +15,16 @@ class QRVOctree;
 // Bits naming the derived items of a QRVGeometry; Reset(mask) releases the items of the
 // given bits, and each accessor recomputes its item on the next request.
 enum QRVDerived : std::uint32_t {
-  kDerivedVertexCounts = 1,            // referenced / unreferenced vertex counts
-  kDerivedInvalidPolygons = 2,         // count of invalid polygons
-  kDerivedPolygonSizeCounts = 4,       // triangles, quads, larger polygons, fan triangles
-  kDerivedOctree = 8,                  // octree over the vertices
-  kDerivedEdges = 16,                  // edge pairs, per-vertex edge starts, per-slot edge ids
-  kDerivedNeighbours = 256,            // neighbour counts, offsets and lists
-  kDerivedComponents = 8192,           // connected-component number per vertex
-  kDerivedVertexFlags = 65536,         // one flag word per vertex (kVertexFlag*)
-  kDerivedPolygonFlags = 524288,       // one flag byte per polygon (kPolygonFlag*)
-  kDerivedPolygonMeasures = 1048576,   // polygon area
+  kDerivedVertexCounts = 1,              // referenced / unreferenced vertex counts
+  kDerivedInvalidPolygons = 2,           // count of invalid polygons
+  kDerivedPolygonSizeCounts = 4,         // triangles, quads, larger polygons, fan triangles
+  kDerivedOctree = 8,                    // octree over the vertices
+  kDerivedEdges = 16,                    // edge pairs, per-vertex edge starts, per-slot edge ids
+  kDerivedNeighbours = 256,              // neighbour counts, offsets and lists
+  kDerivedComponents = 8192,             // connected-component number per vertex
+  kDerivedVertexFlags = 65536,           // one flag word per vertex (kVertexFlag*)
+  kDerivedPolygonFlags = 524288,         // one flag byte per polygon (kPolygonFlag*)
+  kDerivedPolygonMeasures = 1048576,     // polygon area
   kDerivedNeighbourDistances = 2097152,  // length of the edge behind every neighbour slot
   kDerivedAll = 0xFFFFFFFFu,
 };
@@ -35,12 +35,12 @@ inline constexpr std::uint32_t kVertexFlagNonManifold = 2;  // on an edge shared
 inline constexpr std::uint32_t kVertexFlagPole = 4;         // more than 255 neighbours
 inline constexpr std::uint32_t kVertexFlagBorder = 8;       // on an edge used by one polygon only
 // Per-polygon flag byte values (kDerivedPolygonFlags).
-inline constexpr std::uint8_t kPolygonFlagAllBorder = 1;    // every corner has kVertexFlagBorder
-inline constexpr std::uint8_t kPolygonFlagInvalid = 128;    // fewer than 3 corners or a repeated one
+inline constexpr std::uint8_t kPolygonFlagAllBorder = 1;  // every corner has kVertexFlagBorder
+inline constexpr std::uint8_t kPolygonFlagInvalid = 128;  // fewer than 3 corners or a repeated one
 
 // Encodings of positions, motion and vector channels.
-inline constexpr std::int32_t kEncodingFloat = 0;    // 14 is accepted as well
-inline constexpr std::int32_t kEncodingHalf = 1;     // 7 is accepted as well
+inline constexpr std::int32_t kEncodingFloat = 0;  // 14 is accepted as well
+inline constexpr std::int32_t kEncodingHalf = 1;   // 7 is accepted as well
 inline constexpr std::int32_t kEncodingDouble = 15;
 // Encodings of the polygonal description.
 inline constexpr std::int32_t kDescriptionByteSizes = 16;  // uint8 size per polygon + index array
@@ -146,10 +146,10 @@ class QRVGeometry {
   std::int32_t ReferencedVertexCount();
   std::int32_t UnreferencedVertexCount();
   std::int32_t InvalidPolygonCount();
-  std::int32_t TriangleCount();       // polygons of size 3
-  std::int32_t QuadCount();           // polygons of size 4
-  std::int32_t LargePolygonCount();   // polygons of size 5 or more
-  std::int32_t FanTriangleCount();    // sum over polygons of size - 2
+  std::int32_t TriangleCount();      // polygons of size 3
+  std::int32_t QuadCount();          // polygons of size 4
+  std::int32_t LargePolygonCount();  // polygons of size 5 or more
+  std::int32_t FanTriangleCount();   // sum over polygons of size - 2
   const QRVOctree* Octree();
   std::int32_t EdgeCount();
   const std::int32_t* Edges();           // EdgeCount() pairs (a, b) with a < b, by a then b
@@ -191,7 +191,9 @@ class QRVGeometry {
  private:
   bool Usable() const { return positions_ != nullptr && vertexCount_ >= 1; }
   template <typename T>
-  T* Alloc(std::size_t count) { return memory_->AllocateArray<T>(count); }
+  T* Alloc(std::size_t count) {
+    return memory_->AllocateArray<T>(count);
+  }
   void Free(void* block) { memory_->Release(block); }
 
   bool ComputeVertexCounts();

@@ -31,7 +31,8 @@ namespace {
 struct HalfTable {
   float values[65536];
   HalfTable() {
-    for (std::uint32_t i = 0; i < 65536u; ++i) values[i] = HalfBitsToFloat(static_cast<std::uint16_t>(i));
+    for (std::uint32_t i = 0; i < 65536u; ++i)
+      values[i] = HalfBitsToFloat(static_cast<std::uint16_t>(i));
   }
 };
 }  // namespace

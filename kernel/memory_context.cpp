@@ -29,7 +29,8 @@ void* QRVMemoryContext::Allocate(std::size_t bytes) {
 void QRVMemoryContext::Release(void* block) {
   if (block == nullptr) return;
   if (Tracking()) {
-    inUse_.fetch_sub(static_cast<std::int64_t>(malloc_usable_size(block)), std::memory_order_relaxed);
+    inUse_.fetch_sub(static_cast<std::int64_t>(malloc_usable_size(block)),
+                     std::memory_order_relaxed);
   }
   std::free(block);
 }

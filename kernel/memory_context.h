@@ -65,7 +65,7 @@ class QRVMemoryContext {
 // keeps whatever size it reached; the destructor releases it.
 struct QRVWorkBuffer {
   void* data = nullptr;
-  std::size_t capacity = 0;           // bytes
+  std::size_t capacity = 0;             // bytes
   QRVMemoryContext* context = nullptr;  // accounts the block; null uses the caller's context
 
   QRVWorkBuffer() = default;

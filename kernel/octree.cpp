@@ -24,7 +24,9 @@ std::uint64_t SpreadBits(std::uint32_t v) {
   return x;
 }
 
-bool Finite(const Vec3f& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
+bool Finite(const Vec3f& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
 
 struct Keyed {
   std::uint64_t code;
@@ -33,7 +35,9 @@ struct Keyed {
 };
 
 // Octant (0..7) of a Morton code at `level` (0 = the root's split).
-int Octant(std::uint64_t code, int level) { return int((code >> (3 * (kMaxDepth - 1 - level))) & 7u); }
+int Octant(std::uint64_t code, int level) {
+  return int((code >> (3 * (kMaxDepth - 1 - level))) & 7u);
+}
 
 }  // namespace
 
@@ -122,7 +126,8 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
   // childCounts; the node array grows as levels are added and is trimmed at the end.
   std::int64_t capacity = std::int64_t(std::max(finite, 1)) * 2 + 64;
   Node* nodes = memory_->AllocateArray<Node>(std::size_t(capacity));
-  std::int32_t* childCounts = memory_->AllocateArray<std::int32_t>(std::size_t(std::max(finite, 1)) + 1);
+  std::int32_t* childCounts =
+      memory_->AllocateArray<std::int32_t>(std::size_t(std::max(finite, 1)) + 1);
   if (nodes == nullptr || childCounts == nullptr) {
     memory_->Release(keyed), memory_->Release(nodes), memory_->Release(childCounts);
     Clear();
@@ -174,7 +179,8 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
       std::int32_t start = node.first;
       for (std::int32_t i = node.first; i <= node.first + node.count; ++i) {
         const bool end = i == node.first + node.count;
-        if (i > start && (end || Octant(keyed[i].code, level) != Octant(keyed[start].code, level))) {
+        if (i > start &&
+            (end || Octant(keyed[i].code, level) != Octant(keyed[start].code, level))) {
           nodes[child++] = {{}, {}, start, i - start, -1, 0};
           start = i;
         }

@@ -16,9 +16,9 @@ namespace quillix {
 class QRVOctree {
  public:
   struct Node {
-    Vec3f boundsMin;       // tight bounds of the node's points
+    Vec3f boundsMin;  // tight bounds of the node's points
     Vec3f boundsMax;
-    std::int32_t first;    // range in Order()
+    std::int32_t first;  // range in Order()
     std::int32_t count;
     std::int32_t firstChild;  // -1 for a leaf
     std::int32_t childCount;

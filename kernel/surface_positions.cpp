@@ -39,13 +39,15 @@ double TriangleArea(const Vec3f& a, const Vec3f& b, const Vec3f& c) {
 
 }  // namespace
 
-QRVStatus QRVGeometry::GeneratePositionsFromSurface(std::int32_t mode, float lod, std::uint64_t seed,
+QRVStatus QRVGeometry::GeneratePositionsFromSurface(std::int32_t mode, float lod,
+                                                    std::uint64_t seed,
                                                     std::vector<Vec3f>& positions) {
   if (mode < kSurfaceVertices || mode > kSurfaceBlueNoise) return kStatusIllegalParameter;
   if (!Usable() || !(lod > 0.0f)) return kStatusOk;
 
   if (mode == kSurfaceVertices) {
-    const std::int64_t stride = lod >= 1.0f ? 1 : std::max<std::int64_t>(1, std::llround(1.0 / lod));
+    const std::int64_t stride =
+        lod >= 1.0f ? 1 : std::max<std::int64_t>(1, std::llround(1.0 / lod));
     for (std::int64_t v = 0; v < vertexCount_; v += stride) positions.push_back(positions_[v]);
     return kStatusOk;
   }
@@ -74,7 +76,8 @@ QRVStatus QRVGeometry::GeneratePositionsFromSurface(std::int32_t mode, float lod
   for (std::int32_t p = 0; p < polygonCount_; ++p) {
     const std::int32_t size = polygonSizes_[p];
     for (std::int32_t k = 1; k + 1 < size; ++k) {
-      triangles[t] = {polygonIndices_[node], polygonIndices_[node + k], polygonIndices_[node + k + 1]};
+      triangles[t] = {polygonIndices_[node], polygonIndices_[node + k],
+                      polygonIndices_[node + k + 1]};
       const double area = TriangleArea(positions_[triangles[t].a], positions_[triangles[t].b],
                                        positions_[triangles[t].c]);
       total += std::isfinite(area) ? area : 0.0;

@@ -18,17 +18,20 @@ using testing::PlainMesh;
 // shape the way a scanner's reconstruction does. Deterministic for a given seed.
 inline PlainMesh ScannedBlob(int levels, unsigned seed = 11) {
   const float t = (1.0f + std::sqrt(5.0f)) / 2.0f;
-  std::vector<Vec3f> p = {{-1, t, 0}, {1, t, 0}, {-1, -t, 0}, {1, -t, 0}, {0, -1, t}, {0, 1, t},
-                          {0, -1, -t}, {0, 1, -t}, {t, 0, -1}, {t, 0, 1}, {-t, 0, -1}, {-t, 0, 1}};
-  std::vector<std::int32_t> tri = {0, 11, 5, 0, 5, 1, 0, 1, 7, 0, 7, 10, 0, 10, 11, 1, 5, 9, 5, 11, 4,
-                                   11, 10, 2, 10, 7, 6, 7, 1, 8, 3, 9, 4, 3, 4, 2, 3, 2, 6, 3, 6, 8,
-                                   3, 8, 9, 4, 9, 5, 2, 4, 11, 6, 2, 10, 8, 6, 7, 9, 8, 1};
+  std::vector<Vec3f> p = {{-1, t, 0}, {1, t, 0}, {-1, -t, 0}, {1, -t, 0},
+                          {0, -1, t}, {0, 1, t}, {0, -1, -t}, {0, 1, -t},
+                          {t, 0, -1}, {t, 0, 1}, {-t, 0, -1}, {-t, 0, 1}};
+  std::vector<std::int32_t> tri = {0, 11, 5, 0, 5,  1,  0,  1,  7,  0,  7, 10, 0, 10, 11,
+                                   1, 5,  9, 5, 11, 4,  11, 10, 2,  10, 7, 6,  7, 1,  8,
+                                   3, 9,  4, 3, 4,  2,  3,  2,  6,  3,  6, 8,  3, 8,  9,
+                                   4, 9,  5, 2, 4,  11, 6,  2,  10, 8,  6, 7,  9, 8,  1};
   for (int level = 0; level < levels; ++level) {
     std::unordered_map<std::uint64_t, std::int32_t> middle;
     const auto mid = [&](std::int32_t a, std::int32_t b) {
       const std::uint64_t key = std::uint64_t(std::min(a, b)) << 32 | std::uint32_t(std::max(a, b));
       auto [it, inserted] = middle.try_emplace(key, std::int32_t(p.size()));
-      if (inserted) p.push_back({(p[a].x + p[b].x) / 2, (p[a].y + p[b].y) / 2, (p[a].z + p[b].z) / 2});
+      if (inserted)
+        p.push_back({(p[a].x + p[b].x) / 2, (p[a].y + p[b].y) / 2, (p[a].z + p[b].z) / 2});
       return it->second;
     };
     std::vector<std::int32_t> next;
@@ -49,7 +52,8 @@ inline PlainMesh ScannedBlob(int levels, unsigned seed = 11) {
     const float len = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
     v = {v.x / len, v.y / len, v.z / len};
     const float lump = 1.0f + 0.15f * std::sin(5 * v.x) * std::sin(7 * v.y) * std::sin(3 * v.z + 1);
-    mesh.positions.push_back({v.x * lump + jitter(random) * spacing, v.y * lump + jitter(random) * spacing,
+    mesh.positions.push_back({v.x * lump + jitter(random) * spacing,
+                              v.y * lump + jitter(random) * spacing,
                               v.z * lump + jitter(random) * spacing});
   }
   mesh.sizes.assign(tri.size() / 3, 3);

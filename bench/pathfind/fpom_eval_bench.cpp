@@ -73,8 +73,10 @@ void BM_Fpom10kPaths_OfflineHost(benchmark::State& state) {
   request.batchSize = 256;
   std::vector<XSI::MATH::CVector3f> points;
   for (const Vec3f& p : work.mesh.positions) points.emplace_back(p.x, p.y, p.z);
-  request.setInput(kPositions, xsihost::PortValues::arraysOf<XSI::MATH::CVector3f>({points}).asConstant());
-  request.setInput(kDescription, xsihost::PortValues::arraysOf<XSI::LONG>({work.description}).asConstant());
+  request.setInput(kPositions,
+                   xsihost::PortValues::arraysOf<XSI::MATH::CVector3f>({points}).asConstant());
+  request.setInput(kDescription,
+                   xsihost::PortValues::arraysOf<XSI::LONG>({work.description}).asConstant());
   request.setInput(kInit, xsihost::PortValues::arraysOf<XSI::LONG>(work.init));
   instance.evaluate(request, {});  // builds the mesh once, as the first frame would
   const double cpuBefore = ProcessCpuSeconds();
@@ -84,10 +86,16 @@ void BM_Fpom10kPaths_OfflineHost(benchmark::State& state) {
   }
   const double cpu = (ProcessCpuSeconds() - cpuBefore) / double(state.iterations());
   xsihost::hostLog().take();
-  state.counters["paths/s"] = benchmark::Counter(double(kElements), benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["paths/s"] =
+      benchmark::Counter(double(kElements), benchmark::Counter::kIsIterationInvariantRate);
   state.counters["process_cpu_s"] = cpu;
 }
-BENCHMARK(BM_Fpom10kPaths_OfflineHost)->Arg(1)->Arg(2)->Unit(benchmark::kSecond)->Iterations(1)->UseRealTime();
+BENCHMARK(BM_Fpom10kPaths_OfflineHost)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kSecond)
+    ->Iterations(1)
+    ->UseRealTime();
 
 void BM_Fpom10kPaths_KernelDirect(benchmark::State& state) {
   const Workload& work = Work();
@@ -102,7 +110,8 @@ void BM_Fpom10kPaths_KernelDirect(benchmark::State& state) {
       scratch.ChainPath(geo, init, 0, nullptr, out);
     }
   }
-  state.counters["paths/s"] = benchmark::Counter(double(kElements), benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["paths/s"] =
+      benchmark::Counter(double(kElements), benchmark::Counter::kIsIterationInvariantRate);
 }
 BENCHMARK(BM_Fpom10kPaths_KernelDirect)->Unit(benchmark::kSecond)->Iterations(1)->UseRealTime();
 

@@ -21,7 +21,8 @@ const testing::PlainMesh& Grid() {
 }
 
 double MeshArrayBytes(const testing::PlainMesh& m) {
-  return double(m.positions.size() * sizeof(Vec3f) + m.sizes.size() + m.indices.size() * sizeof(std::int32_t));
+  return double(m.positions.size() * sizeof(Vec3f) + m.sizes.size() +
+                m.indices.size() * sizeof(std::int32_t));
 }
 
 std::size_t HeapBytes() {
@@ -58,12 +59,14 @@ void BM_Grid1000_OpenMeshPolyMeshBuild(benchmark::State& state) {
     mesh.reserve(m.positions.size(), m.positions.size() * 2, m.sizes.size());
     std::vector<Mesh::VertexHandle> handles;
     handles.reserve(m.positions.size());
-    for (const Vec3f& p : m.positions) handles.push_back(mesh.add_vertex(Mesh::Point(p.x, p.y, p.z)));
+    for (const Vec3f& p : m.positions)
+      handles.push_back(mesh.add_vertex(Mesh::Point(p.x, p.y, p.z)));
     std::vector<Mesh::VertexHandle> corners;
     std::size_t node = 0;
     for (std::uint8_t size : m.sizes) {
       corners.assign(size, Mesh::VertexHandle());
-      for (std::uint8_t k = 0; k < size; ++k) corners[k] = handles[std::size_t(m.indices[node + k])];
+      for (std::uint8_t k = 0; k < size; ++k)
+        corners[k] = handles[std::size_t(m.indices[node + k])];
       mesh.add_face(corners);
       node += size;
     }

@@ -28,8 +28,9 @@ std::unique_ptr<Prepared> Prepare(PlainMesh mesh) {
   auto prepared = std::make_unique<Prepared>();
   prepared->mesh = std::move(mesh);
   const PlainMesh& m = prepared->mesh;
-  prepared->geo->Set(m.positions.data(), std::int32_t(m.positions.size()), kEncodingFloat, m.sizes.data(),
-                     m.indices.data(), std::int32_t(m.sizes.size()), kDescriptionByteSizes);
+  prepared->geo->Set(m.positions.data(), std::int32_t(m.positions.size()), kEncodingFloat,
+                     m.sizes.data(), m.indices.data(), std::int32_t(m.sizes.size()),
+                     kDescriptionByteSizes);
   prepared->geo->ComponentNumbers();
   prepared->geo->NeighbourLists();
   prepared->geo->NeighbourDistances();
@@ -49,7 +50,8 @@ Prepared& Blob() {
   return *blob;
 }
 
-std::vector<std::pair<std::int32_t, std::int32_t>> RandomPairs(std::int32_t vertexCount, int count) {
+std::vector<std::pair<std::int32_t, std::int32_t>> RandomPairs(std::int32_t vertexCount,
+                                                               int count) {
   std::mt19937 random(2024);
   std::uniform_int_distribution<std::int32_t> pick(0, vertexCount - 1);
   std::vector<std::pair<std::int32_t, std::int32_t>> pairs;
@@ -79,7 +81,8 @@ void RunHeap(benchmark::State& state, Prepared& prepared,
       benchmark::DoNotOptimize(out);
     }
   }
-  state.counters["paths/s"] = benchmark::Counter(double(pairs.size()), benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["paths/s"] =
+      benchmark::Counter(double(pairs.size()), benchmark::Counter::kIsIterationInvariantRate);
   state.counters["path_vertices"] = double(vertices) / double(state.iterations());
 }
 
@@ -130,17 +133,22 @@ void RunBoost(benchmark::State& state, Prepared& prepared,
       try {
         boost::dijkstra_shortest_paths(
             *graph, std::size_t(a),
-            boost::predecessor_map(boost::make_iterator_property_map(predecessor.begin(), boost::get(boost::vertex_index, *graph)))
-                .distance_map(boost::make_iterator_property_map(distance.begin(), boost::get(boost::vertex_index, *graph)))
+            boost::predecessor_map(
+                boost::make_iterator_property_map(predecessor.begin(),
+                                                  boost::get(boost::vertex_index, *graph)))
+                .distance_map(boost::make_iterator_property_map(
+                    distance.begin(), boost::get(boost::vertex_index, *graph)))
                 .visitor(StopAtTarget(b)));
       } catch (const FoundTarget&) {
       }
       std::int32_t length = 0;
-      for (std::int32_t v = b; v != a; v = predecessor[std::size_t(v)]) path[std::size_t(length++)] = v;
+      for (std::int32_t v = b; v != a; v = predecessor[std::size_t(v)])
+        path[std::size_t(length++)] = v;
       benchmark::DoNotOptimize(path.data());
     }
   }
-  state.counters["paths/s"] = benchmark::Counter(double(pairs.size()), benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["paths/s"] =
+      benchmark::Counter(double(pairs.size()), benchmark::Counter::kIsIterationInvariantRate);
 }
 
 const std::vector<std::pair<std::int32_t, std::int32_t>>& Corner1000() {
@@ -163,7 +171,8 @@ void BM_ScannedBlob32Pairs_BoostDijkstra(benchmark::State& s) { RunBoost(s, Blob
 void BM_Grid200Corner_FindVertexPath(benchmark::State& s) { RunHeap(s, Grid200(), Corner200()); }
 void BM_Grid200Corner_LiteralListScan(benchmark::State& s) {
   const QRVGeometry& geo = *Grid200().geo;
-  for (auto _ : s) benchmark::DoNotOptimize(testing::LiteralSearch(geo, 0, geo.VertexCount() - 1, nullptr));
+  for (auto _ : s)
+    benchmark::DoNotOptimize(testing::LiteralSearch(geo, 0, geo.VertexCount() - 1, nullptr));
 }
 
 BENCHMARK(BM_Grid1000Corner_FindVertexPath)->Unit(benchmark::kMillisecond);

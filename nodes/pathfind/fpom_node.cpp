@@ -35,9 +35,11 @@ constexpr ULONG kPathVertexIndices = 2020;
 
 constexpr PortDef kPorts[] = {
     {kEnable, PortDirection::In, XSI::siICENodeDataBool, XSI::siICENodeStructureSingle,
-     XSI::siICENodeContextAny, L"enable", L"Enable", defaultBool(true), kNoLink, kLinkStructure, kLinkContext},
+     XSI::siICENodeContextAny, L"enable", L"Enable", defaultBool(true), kNoLink, kLinkStructure,
+     kLinkContext},
     {kVerbose, PortDirection::In, XSI::siICENodeDataLong, XSI::siICENodeStructureSingle,
-     XSI::siICENodeContextSingleton, L"verbose", L"Verbose", defaultInt(0), kNoLink, kNoLink, kNoLink},
+     XSI::siICENodeContextSingleton, L"verbose", L"Verbose", defaultInt(0), kNoLink, kNoLink,
+     kNoLink},
     {kVertexPositions, PortDirection::In, XSI::siICENodeDataVector3, XSI::siICENodeStructureArray,
      XSI::siICENodeContextSingleton, L"vertexPositions", L"Vertex Positions", defaultVector3Zero(),
      kNoLink, kNoLink, kNoLink},
@@ -45,16 +47,17 @@ constexpr PortDef kPorts[] = {
      XSI::siICENodeContextSingleton, L"vertexFlags", L"Vertex Flags", defaultBool(true), kNoLink,
      kNoLink, kNoLink},
     {kPolygonalDescription, PortDirection::In, XSI::siICENodeDataLong, XSI::siICENodeStructureArray,
-     XSI::siICENodeContextSingleton, L"polygonalDescription", L"Polygonal Description", defaultInt(0),
-     kNoLink, kNoLink, kNoLink},
-    {kPathFindingAlgorithm, PortDirection::In, XSI::siICENodeDataLong, XSI::siICENodeStructureSingle,
-     XSI::siICENodeContextSingleton, L"pathFindingAlgorithm", L"Path Finding Algorithm", defaultInt(0),
-     kNoLink, kNoLink, kNoLink},
-    {kPathInitVertexIndices, PortDirection::In, XSI::siICENodeDataLong, XSI::siICENodeStructureArray,
-     XSI::siICENodeContextAny, L"pathInitVertexIndices", L"Path Init Vertex Indices", defaultInt(0),
-     kNoLink, kLinkStructure, kLinkContext},
+     XSI::siICENodeContextSingleton, L"polygonalDescription", L"Polygonal Description",
+     defaultInt(0), kNoLink, kNoLink, kNoLink},
+    {kPathFindingAlgorithm, PortDirection::In, XSI::siICENodeDataLong,
+     XSI::siICENodeStructureSingle, XSI::siICENodeContextSingleton, L"pathFindingAlgorithm",
+     L"Path Finding Algorithm", defaultInt(0), kNoLink, kNoLink, kNoLink},
+    {kPathInitVertexIndices, PortDirection::In, XSI::siICENodeDataLong,
+     XSI::siICENodeStructureArray, XSI::siICENodeContextAny, L"pathInitVertexIndices",
+     L"Path Init Vertex Indices", defaultInt(0), kNoLink, kLinkStructure, kLinkContext},
     {kReturnValue, PortDirection::Out, XSI::siICENodeDataLong, XSI::siICENodeStructureSingle,
-     XSI::siICENodeContextSingleton, L"returnValue", L"Return Value", noDefault(), kNoLink, kNoLink, kNoLink},
+     XSI::siICENodeContextSingleton, L"returnValue", L"Return Value", noDefault(), kNoLink, kNoLink,
+     kNoLink},
     {kPathVertexIndices, PortDirection::Out, XSI::siICENodeDataLong, XSI::siICENodeStructureArray,
      XSI::siICENodeContextAny, L"pathVertexIndices", L"Path Vertex Indices", noDefault(), kNoLink,
      kNoLink, kLinkContext},
@@ -71,7 +74,8 @@ PathNodeInstance* instanceOf(const XSI::Context& context) {
 }
 
 void logLine(int severity, const std::string& text) {
-  XSI::Application().LogMessage(XSI::CString(text.c_str()), static_cast<XSI::siSeverityType>(severity));
+  XSI::Application().LogMessage(XSI::CString(text.c_str()),
+                                static_cast<XSI::siSeverityType>(severity));
 }
 
 // Whether `port` changed since the last begin-of-evaluation; the change is consumed.
@@ -134,7 +138,8 @@ void evaluatePaths(XSI::ICENodeContext& context, const PathNodeInstance& instanc
   XSI::CDataArray2D<XSI::LONG> output(context);
   XSI::CIndexSet indexSet(context);
   if (!instance.Ready()) {
-    for (XSI::CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) output.Resize(it, 0);
+    for (XSI::CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next())
+      output.Resize(it, 0);
     return;
   }
   XSI::CDataArray<bool> enable(context, kEnable);
@@ -182,7 +187,8 @@ XSIPLUGINCALLBACK XSI::CStatus Quillix_fpom_Init(XSI::CRef& in) {
   try {
     char version[64];
     std::snprintf(version, sizeof version, "%g", kNodeVersion);
-    logLine(quillix::kLogInfo, std::string("Quillix_fpom_Init_Init() version ") + version + " called,");
+    logLine(quillix::kLogInfo,
+            std::string("Quillix_fpom_Init_Init() version ") + version + " called,");
     logLine(quillix::kLogInfo, "built with XSISDK_VERSION = " + std::to_string(kSdkVersion) +
                                    ", XSISDK_VERSION_NAME = \"" + kSdkVersionName + "\".");
     XSI::Context context(in);

@@ -10,7 +10,8 @@
 namespace quillix {
 
 double PathNodeTimer::ElapsedMilliseconds() const {
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start_).count();
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start_)
+      .count();
 }
 
 std::string PathNodeTimer::Format(double milliseconds) {
@@ -21,8 +22,8 @@ std::string PathNodeTimer::Format(double milliseconds) {
 
 std::string PathNodeTimer::Text() const { return Format(ElapsedMilliseconds()); }
 
-QRVStatus BuildPathGeometry(std::span<const Vec3f> positions, std::span<const std::int32_t> description,
-                            QRVGeometry& geo) {
+QRVStatus BuildPathGeometry(std::span<const Vec3f> positions,
+                            std::span<const std::int32_t> description, QRVGeometry& geo) {
   geo.Clear();
   QRVMemoryContext& memory = geo.Memory();
   std::size_t polygons = 0, indexCount = 0;
@@ -49,7 +50,7 @@ QRVStatus BuildPathGeometry(std::span<const Vec3f> positions, std::span<const st
   for (std::int32_t value : description) {
     if (value >= 0) {
       if (polygon == polygons) break;  // indices after the last closer belong to no polygon
-      ++sizes[polygon];  // an 8-bit count: 256 corners wrap to 0
+      ++sizes[polygon];                // an 8-bit count: 256 corners wrap to 0
       indices[node++] = value;
     } else {
       if (sizes[polygon] == 255) {
@@ -174,7 +175,8 @@ void PathNodeInstance::BeginEvaluate(const PathNodeBeginInputs& in, const PathNo
     }
   }
 
-  if (verbose > 0) log(kLogInfo, messagePrefix + "    total initialisation time:         " + timer.Text());
+  if (verbose > 0)
+    log(kLogInfo, messagePrefix + "    total initialisation time:         " + timer.Text());
 
   lastStatus = std::int32_t(status);
   if (status != kStatusOk) {

@@ -45,8 +45,8 @@ class PathNodeTimer {
 // 101, larger ones wrap silently (and so garble the polygons after them). Then Set with
 // encoding 0 / 16, and the neighbour lists, components and step lengths are computed (78 when
 // the first two fail). `positions`: #V vertices. Returns the status; on failure `geo` is empty.
-QRVStatus BuildPathGeometry(std::span<const Vec3f> positions, std::span<const std::int32_t> description,
-                            QRVGeometry& geo);
+QRVStatus BuildPathGeometry(std::span<const Vec3f> positions,
+                            std::span<const std::int32_t> description, QRVGeometry& geo);
 
 // Scratch shared by every search of one evaluation call: a path array of vertex count entries
 // and the three work buffers, all accounted by `memory`.
@@ -77,8 +77,8 @@ struct PathNodeBeginInputs {
        flagsChanged = false, descriptionChanged = false, algorithmChanged = false,
        initChanged = false;
   double time = 0.0;
-  std::string timeText;                       // the host's text of `time`
-  std::function<bool()> anyEnabled;           // any element of "enable" true
+  std::string timeText;              // the host's text of `time`
+  std::function<bool()> anyEnabled;  // any element of "enable" true
   std::int32_t verbose = 0;
   // Read only when needed (the build, the flags): first sub-arrays of the mesh ports.
   std::function<std::span<const Vec3f>()> positions;

@@ -69,7 +69,8 @@ TEST(GeometryEdges, EveryNeighbourSlotNamesTheEdgeJoiningItsTwoVertices) {
       EXPECT_EQ(edges[2 * e], std::min(v, w));
       EXPECT_EQ(edges[2 * e + 1], std::max(v, w));
     }
-    for (std::int32_t e = geo.EdgeStarts()[v]; e < geo.EdgeStarts()[v + 1]; ++e) EXPECT_EQ(edges[2 * e], v);
+    for (std::int32_t e = geo.EdgeStarts()[v]; e < geo.EdgeStarts()[v + 1]; ++e)
+      EXPECT_EQ(edges[2 * e], v);
   }
 }
 
@@ -130,8 +131,8 @@ TEST(GeometryCleanUp, DegeneratePolygonsGoOnlyWhenSwitchedOn) {
   // Polygon 0 normal, polygon 1 collinear (area 0), polygon 2 with a NaN corner, polygon 3
   // with an infinite corner (measure infinite or NaN, see below).
   PlainMesh mesh;
-  mesh.positions = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {2, 0, 0}, {3, 0, 0},
-                    {NAN, 0, 0}, {5, 5, 0}, {6, 5, 0}};
+  mesh.positions = {{0, 0, 0}, {1, 0, 0},   {0, 1, 0}, {2, 0, 0},
+                    {3, 0, 0}, {NAN, 0, 0}, {5, 5, 0}, {6, 5, 0}};
   mesh.sizes = {3, 3, 3};
   mesh.indices = {0, 1, 2, 1, 3, 4, 0, 5, 2};
   QRVGeometry geo;
@@ -151,7 +152,8 @@ TEST(GeometryCleanUp, DegeneratePolygonsGoOnlyWhenSwitchedOn) {
   huge.sizes = {3};
   huge.indices = {0, 1, 2};
   ASSERT_EQ(SetMesh(geo, huge), kStatusOk);
-  EXPECT_TRUE(std::isfinite(geo.PolygonMeasures()[0]) == false && !std::isnan(geo.PolygonMeasures()[0]));
+  EXPECT_TRUE(std::isfinite(geo.PolygonMeasures()[0]) == false &&
+              !std::isnan(geo.PolygonMeasures()[0]));
   ASSERT_EQ(geo.CleanUp(true, true, true), kStatusOk);
   EXPECT_EQ(geo.PolygonCount(), 1);
 }

@@ -36,7 +36,8 @@ void ExpectEmpty(const QRVGeometry& geo) {
 
 TEST(GeometrySet, ZeroVerticesKeepsOneDummyPositionAndNoDerivedData) {
   QRVGeometry geo;
-  EXPECT_EQ(geo.Set(nullptr, 0, kEncodingFloat, nullptr, nullptr, 5, kDescriptionInline), kStatusOk);
+  EXPECT_EQ(geo.Set(nullptr, 0, kEncodingFloat, nullptr, nullptr, 5, kDescriptionInline),
+            kStatusOk);
   EXPECT_EQ(geo.VertexCount(), 0);
   ASSERT_NE(geo.Positions(), nullptr);
   EXPECT_EQ(QRVMemoryContext::BlockSize(geo.Positions()) >= sizeof(Vec3f), true);
@@ -61,7 +62,8 @@ TEST(GeometrySet, DescriptionEncodingsAgree) {
     ASSERT_EQ(g->NodeCount(), 7);
     EXPECT_EQ(g->PolygonSizes()[0], 4);
     EXPECT_EQ(g->PolygonSizes()[1], 3);
-    EXPECT_EQ(std::vector<std::int32_t>(g->PolygonVertexIndices(), g->PolygonVertexIndices() + 7), indices);
+    EXPECT_EQ(std::vector<std::int32_t>(g->PolygonVertexIndices(), g->PolygonVertexIndices() + 7),
+              indices);
   }
   const std::vector<std::int32_t> triangles = {0, 1, 2, 1, 4, 2};
   QRVGeometry t;
@@ -97,12 +99,16 @@ TEST(GeometrySet, CorruptDescriptionsGive92AndLeaveTheContainerEmpty) {
 TEST(GeometrySet, ArgumentChecks) {
   const PlainMesh grid = QuadGrid(1, 1);
   QRVGeometry geo;
-  EXPECT_EQ(geo.Set(nullptr, 4, 0, grid.sizes.data(), grid.indices.data(), 1, 16), kStatusIllegalParameter);
+  EXPECT_EQ(geo.Set(nullptr, 4, 0, grid.sizes.data(), grid.indices.data(), 1, 16),
+            kStatusIllegalParameter);
   EXPECT_EQ(geo.Set(grid.positions.data(), -4, 0, grid.sizes.data(), grid.indices.data(), 1, 16),
             kStatusIllegalParameter);
-  EXPECT_EQ(geo.Set(grid.positions.data(), 4, 0, nullptr, grid.indices.data(), 1, 16), kStatusIllegalParameter);
-  EXPECT_EQ(geo.Set(grid.positions.data(), 4, 0, grid.sizes.data(), nullptr, 1, 16), kStatusIllegalParameter);
-  EXPECT_EQ(geo.Set(grid.positions.data(), 4, 0, grid.sizes.data(), nullptr, 1, 18), kStatusIllegalParameter);
+  EXPECT_EQ(geo.Set(grid.positions.data(), 4, 0, nullptr, grid.indices.data(), 1, 16),
+            kStatusIllegalParameter);
+  EXPECT_EQ(geo.Set(grid.positions.data(), 4, 0, grid.sizes.data(), nullptr, 1, 16),
+            kStatusIllegalParameter);
+  EXPECT_EQ(geo.Set(grid.positions.data(), 4, 0, grid.sizes.data(), nullptr, 1, 18),
+            kStatusIllegalParameter);
   EXPECT_EQ(geo.Set(grid.positions.data(), 4, 2, grid.sizes.data(), grid.indices.data(), 1, 16),
             kStatusUnknownDataType);
   EXPECT_EQ(geo.Set(grid.positions.data(), 4, 0, grid.sizes.data(), grid.indices.data(), 1, 20),
@@ -145,11 +151,13 @@ TEST(GeometrySet, PositionEncodings) {
   // The table matches the direct conversion everywhere.
   const float* table = HalfToFloatTable();
   for (std::uint32_t h = 0; h < 65536; h += 37) {
-    EXPECT_EQ(std::bit_cast<std::uint32_t>(table[h]), std::bit_cast<std::uint32_t>(HalfBitsToFloat(std::uint16_t(h))));
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(table[h]),
+              std::bit_cast<std::uint32_t>(HalfBitsToFloat(std::uint16_t(h))));
   }
 
   const std::vector<double> doubles = {0.1, -1e300, 1.0 / 3.0, 0, 0, 0, 1, 1, 1};
-  ASSERT_EQ(geo.Set(doubles.data(), 3, kEncodingDouble, sizes.data(), corners.data(), 1, 16), kStatusOk);
+  ASSERT_EQ(geo.Set(doubles.data(), 3, kEncodingDouble, sizes.data(), corners.data(), 1, 16),
+            kStatusOk);
   EXPECT_EQ(geo.Positions()[0].x, float(0.1));
   EXPECT_EQ(geo.Positions()[0].y, -INFINITY);
   EXPECT_EQ(geo.Positions()[0].z, float(1.0 / 3.0));
@@ -211,7 +219,8 @@ TEST(GeometryMemory, LimitBelowThePositionsGives9AndTrackingReturnsToZero) {
     memory.SetLimit(false, 0);
     ASSERT_EQ(SetMesh(geo, grid), kStatusOk);
     const std::int64_t primary = memory.BytesInUse();
-    EXPECT_GE(primary, std::int64_t(grid.positions.size() * 12 + grid.sizes.size() + grid.indices.size() * 4));
+    EXPECT_GE(primary, std::int64_t(grid.positions.size() * 12 + grid.sizes.size() +
+                                    grid.indices.size() * 4));
     ASSERT_NE(geo.NeighbourLists(), nullptr);
     EXPECT_GT(memory.BytesInUse(), primary);
     EXPECT_GE(memory.PeakBytes(), memory.BytesInUse());

@@ -28,7 +28,8 @@ TEST(Octree, NearestAndRadiusQueriesMatchBruteForce) {
     float bestD = INFINITY;
     std::set<std::int32_t> within;
     for (std::int32_t i = 0; i < std::int32_t(points.size()); ++i) {
-      const float dx = points[i].x - query.x, dy = points[i].y - query.y, dz = points[i].z - query.z;
+      const float dx = points[i].x - query.x, dy = points[i].y - query.y,
+                  dz = points[i].z - query.z;
       const float d = dx * dx + dy * dy + dz * dz;
       if (d < bestD) bestD = d, best = i;
       if (d <= 0.5f * 0.5f) within.insert(i);

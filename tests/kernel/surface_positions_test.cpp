@@ -42,7 +42,8 @@ TEST(SurfacePositions, VertexModeTakesEveryVertexOrAStrideByLod) {
   EXPECT_EQ(geo.GeneratePositionsFromSurface(kSurfaceRandom, NAN, 0, out), kStatusOk);
   EXPECT_TRUE(out.empty());
   EXPECT_EQ(geo.GeneratePositionsFromSurface(3, 1.0f, 0, out), kStatusIllegalParameter);
-  EXPECT_EQ(geo.GeneratePositionsFromSurface(kSurfaceRandom, 1e9f, 0, out), kStatusIllegalParameter);
+  EXPECT_EQ(geo.GeneratePositionsFromSurface(kSurfaceRandom, 1e9f, 0, out),
+            kStatusIllegalParameter);
 }
 
 TEST(SurfacePositions, RandomModeFollowsAreaAndRepeatsForTheSameSeed) {
@@ -76,7 +77,9 @@ TEST(SurfacePositions, BlueNoiseKeepsItsSpacingAndTightensWithLod) {
   ASSERT_EQ(geo.GeneratePositionsFromSurface(kSurfaceBlueNoise, 2.0f, 3, fine), kStatusOk);
   geo.GeneratePositionsFromSurface(kSurfaceBlueNoise, 0.5f, 3, again);
   EXPECT_TRUE(Same(coarse, again));
-  const auto spacing = [](double lod) { return std::sqrt(0.6 * 400.0 / std::round(lod * 441) * 2.0 / std::sqrt(3.0)); };
+  const auto spacing = [](double lod) {
+    return std::sqrt(0.6 * 400.0 / std::round(lod * 441) * 2.0 / std::sqrt(3.0));
+  };
   for (const auto& [points, lod] : {std::pair{&coarse, 0.5}, std::pair{&fine, 2.0}}) {
     const double wanted = std::round(lod * 441);
     EXPECT_GT(double(points->size()), 0.5 * wanted);

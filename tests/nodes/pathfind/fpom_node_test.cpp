@@ -66,7 +66,8 @@ class FpomNode : public ::testing::Test {
 
   void setMesh(const testing::PlainMesh& mesh) {
     request_.setInput(kPositions, Positions(mesh));
-    request_.setInput(kDescription, PortValues::arraysOf<XSI::LONG>({Description(mesh)}).asConstant());
+    request_.setInput(kDescription,
+                      PortValues::arraysOf<XSI::LONG>({Description(mesh)}).asConstant());
   }
   void setInit(const std::vector<Ints>& init) {
     request_.elements = ULONG(init.size());
@@ -76,10 +77,13 @@ class FpomNode : public ::testing::Test {
     const auto results = instance_->evaluate(request_, {kReturn, kPaths});
     returnValue_ = results[0].values.single<XSI::LONG>(0);
     std::vector<Ints> paths;
-    for (ULONG i = 0; i < results[1].values.count; ++i) paths.push_back(results[1].values.arrayAt<XSI::LONG>(i));
+    for (ULONG i = 0; i < results[1].values.count; ++i)
+      paths.push_back(results[1].values.arrayAt<XSI::LONG>(i));
     return paths;
   }
-  std::string prefix() const { return "Quillix_fpom(" + std::to_string(instance_->objectID()) + "): "; }
+  std::string prefix() const {
+    return "Quillix_fpom(" + std::to_string(instance_->objectID()) + "): ";
+  }
   std::wstring wide(const std::string& s) const { return {s.begin(), s.end()}; }
 
   EvaluationRequest request_;
@@ -92,7 +96,8 @@ TEST_F(FpomNode, InitLogsVersionLinesAndTermLogsWithThePrefix) {
   const std::vector<LogLine> log = takeLog();
   ASSERT_EQ(log.size(), 2u);
   EXPECT_EQ(log[0], (LogLine{32, L"Quillix_fpom_Init_Init() version 1.9 called,"}));
-  EXPECT_EQ(log[1], (LogLine{32, L"built with XSISDK_VERSION = 12000, XSISDK_VERSION_NAME = \"2014\"."}));
+  EXPECT_EQ(log[1],
+            (LogLine{32, L"built with XSISDK_VERSION = 12000, XSISDK_VERSION_NAME = \"2014\"."}));
   instance_->terminate();
   EXPECT_EQ(takeLog(), (std::vector<LogLine>{{32, wide(prefix() + "Sarnoth5_Term() called")}}));
 }
@@ -135,7 +140,8 @@ TEST_F(FpomNode, RebuildsOnlyWhenPositionsOrDescriptionChange) {
   run();
   std::vector<LogLine> log = takeLog();
   ASSERT_EQ(log.size(), 2u + 5u);
-  EXPECT_EQ(log[2].text, wide("Quillix_fpom(" + std::to_string(instance_->objectID()) + ")__f=3__"));
+  EXPECT_EQ(log[2].text,
+            wide("Quillix_fpom(" + std::to_string(instance_->objectID()) + ")__f=3__"));
   EXPECT_EQ(log[3].text.rfind(wide(prefix() + "    build geometry time:               "), 0), 0u);
   EXPECT_EQ(log[3].text.substr(log[3].text.size() - 3), L" ms");
   EXPECT_EQ(log[4].text, wide(prefix() + "    #vertices: 9"));
@@ -165,7 +171,11 @@ TEST_F(FpomNode, WrongSizedFlagsWarnAndAreIgnoredRightSizedFlagsBlock) {
   EXPECT_EQ(run()[0], (Ints{0, 1, 2, 5, 8}));
   std::vector<LogLine> log = takeLog();
   ASSERT_EQ(log.size(), 3u);
-  EXPECT_EQ(log[2], (LogLine{4, wide(prefix() + "    vertex flag array has wrong size... it's size is 7, but it should be 9.")}));
+  EXPECT_EQ(
+      log[2],
+      (LogLine{
+          4, wide(prefix() +
+                  "    vertex flag array has wrong size... it's size is 7, but it should be 9.")}));
 
   // Blocking vertices 1 and 4 sends the path around the left and top.
   request_.setInput(kFlags, BoolArray({1, 0, 1, 1, 0, 1, 1, 1, 1}));
@@ -187,7 +197,8 @@ TEST_F(FpomNode, PolygonOfExactly255VerticesFailsWith101AndLogsTwoErrors) {
   const std::vector<LogLine> log = takeLog();
   ASSERT_EQ(log.size(), 4u);
   EXPECT_EQ(log[2], (LogLine{2, wide(prefix() + "(*ud.geo).Set() failed.")}));
-  EXPECT_EQ(log[3], (LogLine{2, wide(prefix() + "error 101: a polygon has more than 255 vertices.\".")}));
+  EXPECT_EQ(log[3],
+            (LogLine{2, wide(prefix() + "error 101: a polygon has more than 255 vertices.\".")}));
   // The same failure is not repeated while nothing changes.
   run();
   EXPECT_TRUE(takeLog().empty());
@@ -202,7 +213,8 @@ TEST_F(FpomNode, PolygonOfExactly255VerticesFailsWith101AndLogsTwoErrors) {
 TEST_F(FpomNode, ManyElementsOnTwoThreadsMatchOneThread) {
   setMesh(testing::QuadGrid(30, 30, 0.3f, 9));
   std::vector<Ints> init;
-  for (int k = 0; k < 300; ++k) init.push_back({(k * 37) % 961, (k * 101 + 7) % 961, (k * 13) % 961});
+  for (int k = 0; k < 300; ++k)
+    init.push_back({(k * 37) % 961, (k * 101 + 7) % 961, (k * 13) % 961});
   setInit(init);
   request_.batchSize = 16;
   const std::vector<Ints> one = run();

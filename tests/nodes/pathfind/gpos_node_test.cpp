@@ -45,8 +45,8 @@ class GposNode : public ::testing::Test {
   void TearDown() override { xsihost::setActiveScene(std::make_shared<xsihost::Scene>()); }
 
   std::vector<XSI::MATH::CVector3f> run(const std::vector<std::wstring>& names,
-                                        const std::vector<XSI::MATH::CMatrix4f>& transforms, float lod,
-                                        XSI::LONG mode) {
+                                        const std::vector<XSI::MATH::CMatrix4f>& transforms,
+                                        float lod, XSI::LONG mode) {
     EvaluationRequest r;
     r.setInput(kNames, PortValues::strings2D({names}));
     r.setInput(kTransforms, PortValues::arraysOf<XSI::MATH::CMatrix4f>({transforms}));
@@ -84,17 +84,25 @@ TEST_F(GposNode, RandomAndBlueNoiseStayOnTheSurfaceAndRepeat) {
 TEST_F(GposNode, MissingAmbiguousAndNonMeshObjectsAreLoggedAndSkipped) {
   // (Scene files hold unique names, so the case of a name shared by several objects, which is
   // refused with its own line, cannot be set up here.)
-  const auto points = run({L"nothing", L"marker", L"plane"},
-                          {Translation(0, 0, 0), Translation(0, 0, 0), Translation(0, 0, 0)}, 1.0f, 0);
+  const auto points =
+      run({L"nothing", L"marker", L"plane"},
+          {Translation(0, 0, 0), Translation(0, 0, 0), Translation(0, 0, 0)}, 1.0f, 0);
   EXPECT_EQ(points.size(), 5u);
   const std::vector<LogLine> log = takeLog();
   ASSERT_EQ(log.size(), 2u);
-  EXPECT_EQ(log[0], (LogLine{2, L"Quillix: failed to get input geometry: error 176: FindChild2() failed (unable to find object)."}));
-  EXPECT_EQ(log[1], (LogLine{2, L"Quillix: failed to get input geometry: error 170: failed to get the geometry."}));
+  EXPECT_EQ(log[0], (LogLine{2,
+                             L"Quillix: failed to get input geometry: error 176: FindChild2() "
+                             L"failed (unable to find object)."}));
+  EXPECT_EQ(
+      log[1],
+      (LogLine{2,
+               L"Quillix: failed to get input geometry: error 170: failed to get the geometry."}));
   // Names and transforms must pair up; an unknown mode fails the generation.
   EXPECT_TRUE(run({L"plane"}, {}, 1.0f, 0).empty());
   EXPECT_TRUE(run({L"plane"}, {Translation(0, 0, 0)}, 1.0f, 7).empty());
-  EXPECT_EQ(takeLog(), (std::vector<LogLine>{{2, L"Quillix: QRVGeometry::GeneratePositionsFromSurface() failed."}}));
+  EXPECT_EQ(
+      takeLog(),
+      (std::vector<LogLine>{{2, L"Quillix: QRVGeometry::GeneratePositionsFromSurface() failed."}}));
 }
 
 }  // namespace

@@ -15,8 +15,8 @@
 namespace quillix {
 namespace {
 
-using testing::PlainMesh;
 using testing::LiteralSearch;
+using testing::PlainMesh;
 using testing::QuadGrid;
 
 void Build(QRVGeometry& geo, const PlainMesh& mesh, bool components = true) {
@@ -98,7 +98,8 @@ TEST(VertexPath, ArgumentChecksInOrderTheLastFailingOneDecides) {
 
   QRVGeometry geo;
   const PlainMesh grid = QuadGrid(3, 3);
-  ASSERT_EQ(geo.Set(grid.positions.data(), 16, 0, grid.sizes.data(), grid.indices.data(), 9, 16), kStatusOk);
+  ASSERT_EQ(geo.Set(grid.positions.data(), 16, 0, grid.sizes.data(), grid.indices.data(), 9, 16),
+            kStatusOk);
   // Positions but no neighbour lists yet: 19.
   EXPECT_FALSE(FindVertexPath(geo, 0, 5, path, length, 0, nullptr, status, memory));
   EXPECT_EQ(status, kStatusNullPointer);
@@ -157,7 +158,8 @@ TEST(VertexPath, MaximumLengthAndCallerArrays) {
   EXPECT_EQ(path, nullptr);
   length = 0;  // below 1: the vertex count
   ASSERT_TRUE(FindVertexPath(geo, 0, 4, path, length, 0, nullptr, status, memory));
-  EXPECT_EQ(std::vector<std::int32_t>(path, path + length), (std::vector<std::int32_t>{0, 1, 2, 3, 4}));
+  EXPECT_EQ(std::vector<std::int32_t>(path, path + length),
+            (std::vector<std::int32_t>{0, 1, 2, 3, 4}));
   EXPECT_GE(QRVMemoryContext::BlockSize(path), 5 * sizeof(std::int32_t));
   memory.Release(path);
   path = nullptr;
