@@ -90,7 +90,8 @@ void BM_ResampleLine_Million(benchmark::State& state) {
   std::vector<float> segmentLengths;
   std::vector<quillix::Vec3f> out(kMillion);
   for (auto _ : state) {
-    const quillix::ResamplePlan plan = quillix::PlanResample(input, float(kMillion), segmentLengths);
+    const quillix::ResamplePlan plan =
+        quillix::PlanResample(input, float(kMillion), segmentLengths);
     quillix::ResampleLine(input, plan, segmentLengths, 0.7f, 3, out);
     benchmark::DoNotOptimize(out.data());
   }

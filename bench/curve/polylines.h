@@ -51,8 +51,8 @@ inline std::vector<Vec3f> SpikedSpiral(std::size_t count, std::size_t spiralCoun
   points.reserve(count);
   const std::size_t runCount = count - spiralCount - 1;
   for (std::size_t i = 0; i < runCount; ++i) {
-    points.push_back(Vec3f{0.0f, float(-1.0e6 + double(i) * (1.0e6 - 1000.0) / double(runCount)),
-                           0.0f});
+    points.push_back(
+        Vec3f{0.0f, float(-1.0e6 + double(i) * (1.0e6 - 1000.0) / double(runCount)), 0.0f});
   }
   points.push_back(Vec3f{0.0f, 1.0e5f, 0.0f});
   AppendOutwardSpiral(points, spiralCount);

@@ -87,8 +87,10 @@ class CountedArray {
     return context_ != nullptr ? context_->Allocate(bytes) : std::malloc(bytes == 0 ? 1 : bytes);
   }
   void Release(void* block) {
-    if (context_ != nullptr) context_->Release(block);
-    else std::free(block);
+    if (context_ != nullptr)
+      context_->Release(block);
+    else
+      std::free(block);
   }
   void Swap(CountedArray& other) {
     std::swap(data_, other.data_);

@@ -33,8 +33,8 @@ constexpr ULONG kClosedPort = 1060;
 constexpr ULONG kAlignmentPort = 1070;
 constexpr ULONG kDistributionPort = 1080;
 constexpr ULONG kRandomSeedPort = 1090;
-constexpr ULONG kInterpolatePort = 1100;            // Quillix_dsals: bit flags
-constexpr ULONG kInterpPositionsPort = 1100;        // Quillix_dsals2: one type per channel
+constexpr ULONG kInterpolatePort = 1100;      // Quillix_dsals: bit flags
+constexpr ULONG kInterpPositionsPort = 1100;  // Quillix_dsals2: one type per channel
 constexpr ULONG kInterpTangentsPort = 1104;
 constexpr ULONG kInterpUpVectorsPort = 1108;
 constexpr ULONG kMaxNumSpheresPort = 1200;
@@ -42,8 +42,9 @@ constexpr ULONG kResultPort = 2010;
 
 constexpr PortDef input(ULONG id, ULONG type, ULONG structure, const wchar_t* script,
                         const wchar_t* display, DefaultValue value) {
-  return {id, PortDirection::In, type, structure, siICENodeContextAny, script, display, value,
-          kNoLink, kLinkStructure, kLinkContext};
+  return {id,          PortDirection::In, type,  structure, siICENodeContextAny,
+          script,      display,           value, kNoLink,   kLinkStructure,
+          kLinkContext};
 }
 
 constexpr PortDef kSharedInputs[] = {
@@ -62,8 +63,8 @@ constexpr PortDef kSharedInputs[] = {
           L"Corner Scale", defaultFloat(1.0f)),
     input(kClosedPort, siICENodeDataLong, siICENodeStructureSingle, L"closed",
           L"Treat Spline as closed", defaultInt(0)),
-    input(kAlignmentPort, siICENodeDataLong, siICENodeStructureSingle, L"alignment",
-          L"Alignment", defaultInt(1)),
+    input(kAlignmentPort, siICENodeDataLong, siICENodeStructureSingle, L"alignment", L"Alignment",
+          defaultInt(1)),
     input(kDistributionPort, siICENodeDataLong, siICENodeStructureSingle, L"distribution",
           L"Distribution", defaultInt(0)),
     input(kRandomSeedPort, siICENodeDataLong, siICENodeStructureSingle, L"randomSeed",
@@ -84,12 +85,12 @@ constexpr PortDef kDsalsInterpolation[] = {
 };
 
 constexpr PortDef kDsals2Interpolation[] = {
-    input(kInterpPositionsPort, siICENodeDataLong, siICENodeStructureSingle,
-          L"interpTypePositions", L"interpTypePositions", defaultInt(20)),
-    input(kInterpTangentsPort, siICENodeDataLong, siICENodeStructureSingle,
-          L"interpTypeTangents", L"interpTypeTangents", defaultInt(20)),
-    input(kInterpUpVectorsPort, siICENodeDataLong, siICENodeStructureSingle,
-          L"interpTypeUpVectors", L"interpTypeUpVectors", defaultInt(20)),
+    input(kInterpPositionsPort, siICENodeDataLong, siICENodeStructureSingle, L"interpTypePositions",
+          L"interpTypePositions", defaultInt(20)),
+    input(kInterpTangentsPort, siICENodeDataLong, siICENodeStructureSingle, L"interpTypeTangents",
+          L"interpTypeTangents", defaultInt(20)),
+    input(kInterpUpVectorsPort, siICENodeDataLong, siICENodeStructureSingle, L"interpTypeUpVectors",
+          L"interpTypeUpVectors", defaultInt(20)),
 };
 
 // The port table of one variant: the shared inputs, its interpolation ports, the shared tail.
@@ -131,11 +132,10 @@ void evaluateSpheres(ICENodeContext& context, InterpolationAt&& interpolationAt)
     mostUps = std::max(mostUps, upVectors[it].GetCount());
     mostRadii = std::max(mostRadii, radii[it].GetCount());
   }
-  const bool anything = longest >= 2 && mostUps > 0 && mostRadii > 0 &&
-                        cornerThreshold.GetCount() > 0 && cornerScale.GetCount() > 0 &&
-                        closed.GetCount() > 0 && alignment.GetCount() > 0 &&
-                        distribution.GetCount() > 0 && randomSeed.GetCount() > 0 &&
-                        maxNumSpheres.GetCount() > 0;
+  const bool anything =
+      longest >= 2 && mostUps > 0 && mostRadii > 0 && cornerThreshold.GetCount() > 0 &&
+      cornerScale.GetCount() > 0 && closed.GetCount() > 0 && alignment.GetCount() > 0 &&
+      distribution.GetCount() > 0 && randomSeed.GetCount() > 0 && maxNumSpheres.GetCount() > 0;
   quillix::CountedArray<quillix::SphereRecord> records;
   for (CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {
     records.Clear();
@@ -153,8 +153,7 @@ void evaluateSpheres(ICENodeContext& context, InterpolationAt&& interpolationAt)
       params.maxSpheres = maxNumSpheres[it];
       quillix::DistributeSpheresOverIntervals(
           quillix::curve::pointsAt(positions, it), quillix::curve::pointsAt(upVectors, it),
-          {indexList.GetData(), indexList.GetCount()}, closed[it] != 0, params, records,
-          nullptr);
+          {indexList.GetData(), indexList.GetCount()}, closed[it] != 0, params, records, nullptr);
     }
     quillix::curve::writeArray(result, it, std::as_const(records).span());
   }
@@ -183,8 +182,7 @@ XSIPLUGINCALLBACK CStatus Quillix_dsals2_Evaluate(ICENodeContext& context) {
     const CDataArrayLong positions(context, kInterpPositionsPort);
     const CDataArrayLong tangents(context, kInterpTangentsPort);
     const CDataArrayLong upVectors(context, kInterpUpVectorsPort);
-    if (positions.GetCount() == 0 || tangents.GetCount() == 0 || upVectors.GetCount() == 0)
-      return;
+    if (positions.GetCount() == 0 || tangents.GetCount() == 0 || upVectors.GetCount() == 0) return;
     evaluateSpheres(context, [&](ULONG element) {
       return quillix::SplineInterpolation{positions[element], tangents[element],
                                           upVectors[element]};
@@ -193,6 +191,5 @@ XSIPLUGINCALLBACK CStatus Quillix_dsals2_Evaluate(ICENodeContext& context) {
 }
 
 CStatus Quillix_dsals2_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar,
-                      {L"Quillix_dsals2", siICENodeMultiThreading, 1, 1, kDsals2Ports});
+  return registerNode(registrar, {L"Quillix_dsals2", siICENodeMultiThreading, 1, 1, kDsals2Ports});
 }

@@ -40,8 +40,17 @@ constexpr ULONG kNormalPort = 2030;
 constexpr ULONG kBinormalPort = 2040;
 
 constexpr PortDef output(ULONG id, const wchar_t* name) {
-  return {id, PortDirection::Out, siICENodeDataVector3, siICENodeStructureAny,
-          siICENodeContextAny, name, name, noDefault(), kNoLink, kLinkStructure, kLinkContext};
+  return {id,
+          PortDirection::Out,
+          siICENodeDataVector3,
+          siICENodeStructureAny,
+          siICENodeContextAny,
+          name,
+          name,
+          noDefault(),
+          kNoLink,
+          kLinkStructure,
+          kLinkContext};
 }
 
 constexpr PortDef kPorts[] = {
@@ -132,11 +141,16 @@ std::optional<ResolvedCurve> resolveCurve(const CString& name, LONG subCurve, do
 
 std::optional<quillix::CurveOutput> outputOf(ULONG port) {
   switch (port) {
-    case kPositionPort: return quillix::CurveOutput::Position;
-    case kTangentPort: return quillix::CurveOutput::Tangent;
-    case kNormalPort: return quillix::CurveOutput::Normal;
-    case kBinormalPort: return quillix::CurveOutput::Binormal;
-    default: return std::nullopt;
+    case kPositionPort:
+      return quillix::CurveOutput::Position;
+    case kTangentPort:
+      return quillix::CurveOutput::Tangent;
+    case kNormalPort:
+      return quillix::CurveOutput::Normal;
+    case kBinormalPort:
+      return quillix::CurveOutput::Binormal;
+    default:
+      return std::nullopt;
   }
 }
 

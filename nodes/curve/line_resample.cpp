@@ -97,8 +97,8 @@ void ResampleLine(std::span<const Vec3f> input, const ResamplePlan& plan,
   SmoothLine(out, strength, iterations);
 }
 
-std::vector<Vec3f> ResampleLine(std::span<const Vec3f> input, float numOutputPoints,
-                                float strength, std::int32_t iterations) {
+std::vector<Vec3f> ResampleLine(std::span<const Vec3f> input, float numOutputPoints, float strength,
+                                std::int32_t iterations) {
   std::vector<float> segmentLengths;
   const ResamplePlan plan = PlanResample(input, numOutputPoints, segmentLengths);
   std::vector<Vec3f> out(plan.count);

@@ -12,10 +12,10 @@ namespace quillix {
 
 // What ResampleLine will produce for one input, worked out before the output is sized.
 struct ResamplePlan {
-  std::size_t count = 0;      // output points
-  float totalLength = 0.0f;   // sum of the segment lengths, in index order
-  bool densityMode = false;   // numOutputPoints < 0
-  float density = 0.0f;       // |numOutputPoints| in density mode: points per unit length
+  std::size_t count = 0;     // output points
+  float totalLength = 0.0f;  // sum of the segment lengths, in index order
+  bool densityMode = false;  // numOutputPoints < 0
+  float density = 0.0f;      // |numOutputPoints| in density mode: points per unit length
 };
 
 // Fills `segmentLengths` with the #input-1 single-precision segment lengths (resized here;
@@ -43,8 +43,8 @@ void ResampleLine(std::span<const Vec3f> input, const ResamplePlan& plan,
                   std::span<Vec3f> out);
 
 // Convenience for callers without a host array: plans, allocates and resamples.
-std::vector<Vec3f> ResampleLine(std::span<const Vec3f> input, float numOutputPoints,
-                                float strength, std::int32_t iterations);
+std::vector<Vec3f> ResampleLine(std::span<const Vec3f> input, float numOutputPoints, float strength,
+                                std::int32_t iterations);
 
 // Laplacian smoothing in place, `iterations` passes: every interior point becomes
 // (1 - s) * p[i] + (s * 0.5) * (p[i-1] + p[i+1]) from the previous pass's values (a Jacobi

@@ -41,7 +41,9 @@ void SampleCurve(std::span<const float> parameters, CurveParameterMode mode,
     }
     const CurveFrame frame = curve->At(mode, CurveQueryValue(parameters[i], mode));
     switch (output) {
-      case CurveOutput::Position: out[i] = Narrow(placement.PositionToWorld(frame.position)); break;
+      case CurveOutput::Position:
+        out[i] = Narrow(placement.PositionToWorld(frame.position));
+        break;
       case CurveOutput::Tangent:
         out[i] = Narrow(Normalised(placement.DirectionToWorld(frame.tangent)));
         break;

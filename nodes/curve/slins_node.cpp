@@ -68,9 +68,8 @@ XSIPLUGINCALLBACK CStatus Quillix_slins_Evaluate(ICENodeContext& context) {
       return;
     }
     for (CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {
-      const auto simplified = quillix::SimplifyPolyline(quillix::curve::pointsAt(points, it),
-                                                        epsilon[it], closed[it], minThree[it],
-                                                        work);
+      const auto simplified = quillix::SimplifyPolyline(
+          quillix::curve::pointsAt(points, it), epsilon[it], closed[it], minThree[it], work);
       quillix::curve::writeArray(result, it, simplified);
     }
   });

@@ -96,8 +96,8 @@ QRVStatus FillStretch(QRVSpline& spline, const SphereDistributionParams& params,
   for (std::size_t j = 0; j < count; ++j) {
     const std::size_t index = placing.Next();
     const float radius = params.radii[index];
-    const SplineSample sample = spline.Evaluate(from + covered + radius * scale,
-                                                params.interpolation);
+    const SplineSample sample =
+        spline.Evaluate(from + covered + radius * scale, params.interpolation);
     out.PushBack(MakeRecord(OrientationFrame(params.alignment, sample.tangent, sample.up), radius,
                             scale, index, sample.position, 0.0f));
     covered += 2.0f * radius * scale;
@@ -209,9 +209,7 @@ Rows3f OrientationFrame(std::int32_t alignment, const Vec3f& tangent, const Vec3
 }
 
 RadiusSequence::RadiusSequence(std::int32_t distribution, std::int32_t seed, std::size_t count)
-    : distribution_(distribution),
-      count_(count),
-      engine_(static_cast<std::uint32_t>(seed)) {
+    : distribution_(distribution), count_(count), engine_(static_cast<std::uint32_t>(seed)) {
   assert(seed >= 0 && count > 0);
   cyclic_ = std::size_t(seed) % count;
 }
@@ -298,8 +296,8 @@ SplineInterpolation InterpolationFromFlags(std::int32_t flags) {
 
 QRVStatus DistributeSpheresOverIntervals(std::span<const Vec3f> positions,
                                          std::span<const Vec3f> ups,
-                                         std::span<const std::int32_t> intervalIndices,
-                                         bool closed, const SphereDistributionParams& params,
+                                         std::span<const std::int32_t> intervalIndices, bool closed,
+                                         const SphereDistributionParams& params,
                                          CountedArray<SphereRecord>& out,
                                          QRVMemoryContext* memory) {
   for (const ControlInterval& interval :

@@ -63,16 +63,16 @@ class RadiusSequence {
 using SphereRecord = Mat4f;
 
 struct SphereDistributionParams {
-  std::span<const float> radii;              // every radius > 0, at least one
+  std::span<const float> radii;  // every radius > 0, at least one
   std::int32_t alignment = 1;
   SplineInterpolation interpolation;
-  float cornerScale = 1.0f;                  // >= 0
+  float cornerScale = 1.0f;  // >= 0
   std::int32_t distribution = kDistributionCyclic;
-  std::int32_t seed = 0;                     // >= 0
-  float cornerThreshold = 1.0f;              // > 0: corner mode
-  float startFraction = 0.0f;                // of the spline's length; corner mode needs 0
-  float endFraction = 1.0f;                  // corner mode needs 1
-  std::int32_t maxSpheres = 16777216;        // >= 0
+  std::int32_t seed = 0;               // >= 0
+  float cornerThreshold = 1.0f;        // > 0: corner mode
+  float startFraction = 0.0f;          // of the spline's length; corner mode needs 0
+  float endFraction = 1.0f;            // corner mode needs 1
+  std::int32_t maxSpheres = 16777216;  // >= 0
 };
 
 // Fills `spline` with spheres and appends their records to `out` (whose memory context counts
@@ -97,10 +97,10 @@ QRVStatus DistributeSpheres(QRVSpline& spline, const SphereDistributionParams& p
 
 // Part of a control-point list that forms one spline.
 struct ControlInterval {
-  std::size_t first = 0;      // first control point
-  std::size_t count = 0;      // control points
-  std::size_t firstUp = 0;    // first up vector
-  std::size_t upCount = 0;    // up vectors (0: none)
+  std::size_t first = 0;    // first control point
+  std::size_t count = 0;    // control points
+  std::size_t firstUp = 0;  // first up vector
+  std::size_t upCount = 0;  // up vectors (0: none)
 };
 
 // Cuts `pointCount` control points (and `upCount` up vectors the same way) into intervals.
@@ -123,9 +123,8 @@ SplineInterpolation InterpolationFromFlags(std::int32_t flags);
 // 0 otherwise. `memory` counts the splines (may be null).
 QRVStatus DistributeSpheresOverIntervals(std::span<const Vec3f> positions,
                                          std::span<const Vec3f> ups,
-                                         std::span<const std::int32_t> intervalIndices,
-                                         bool closed, const SphereDistributionParams& params,
-                                         CountedArray<SphereRecord>& out,
-                                         QRVMemoryContext* memory);
+                                         std::span<const std::int32_t> intervalIndices, bool closed,
+                                         const SphereDistributionParams& params,
+                                         CountedArray<SphereRecord>& out, QRVMemoryContext* memory);
 
 }  // namespace quillix

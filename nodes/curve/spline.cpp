@@ -46,10 +46,14 @@ Vec3f CatmullRom(const Vec3f& p0, const Vec3f& p1, const Vec3f& p2, const Vec3f&
 Vec3f Interpolate(std::int32_t type, const Vec3f& prev, const Vec3f& from, const Vec3f& to,
                   const Vec3f& next2, float t) {
   switch (type) {
-    case kInterpolationLinear: return Lerp(from, to, t);
-    case kInterpolationCubic: return Cubic(prev, from, to, next2, t);
-    case kInterpolationCatmullRom: return CatmullRom(prev, from, to, next2, t);
-    default: return from;
+    case kInterpolationLinear:
+      return Lerp(from, to, t);
+    case kInterpolationCubic:
+      return Cubic(prev, from, to, next2, t);
+    case kInterpolationCatmullRom:
+      return CatmullRom(prev, from, to, next2, t);
+    default:
+      return from;
   }
 }
 
@@ -98,8 +102,7 @@ QRVStatus QRVSpline::CopyFrom(const QRVSpline& other) {
     return kStatusNoMemory;
   }
   std::copy(other.points_.span().begin(), other.points_.span().end(), points_.data());
-  std::copy(other.cumulative_.span().begin(), other.cumulative_.span().end(),
-            cumulative_.data());
+  std::copy(other.cumulative_.span().begin(), other.cumulative_.span().end(), cumulative_.data());
   closed_ = other.closed_;
   length_ = other.length_;
   anyDirty_ = other.anyDirty_;
@@ -165,8 +168,10 @@ void QRVSpline::Update() {
       p[i].upDirty = 0;
     }
     if (p[i].chordDirty) {
-      if (i + 1 < n) p[i].chord = Norm(Sub(p[i + 1].position, p[i].position));
-      else p[i].chord = closed_ ? Norm(Sub(p[0].position, p[i].position)) : 0.0f;
+      if (i + 1 < n)
+        p[i].chord = Norm(Sub(p[i + 1].position, p[i].position));
+      else
+        p[i].chord = closed_ ? Norm(Sub(p[0].position, p[i].position)) : 0.0f;
       p[i].chordDirty = 0;
       chordsChanged = true;
     }
@@ -222,16 +227,17 @@ SplineSample QRVSpline::Evaluate(float s, const SplineInterpolation& interpolati
   sample.position = Interpolate(interpolation.positions, p[prev].position, p[i].position,
                                 p[to].position, p[next2].position, t);
 
-  const Vec3f tangent = IsStep(interpolation.tangents) ? Sub(p[to].position, p[i].position)
-                                    : Interpolate(interpolation.tangents, p[prev].tangent,
-                                                  p[i].tangent, p[to].tangent, p[next2].tangent, t);
+  const Vec3f tangent = IsStep(interpolation.tangents)
+                            ? Sub(p[to].position, p[i].position)
+                            : Interpolate(interpolation.tangents, p[prev].tangent, p[i].tangent,
+                                          p[to].tangent, p[next2].tangent, t);
   if (!Normalise(tangent, sample.tangent)) sample.tangent = p[i].tangent;
 
   if (IsStep(interpolation.upVectors)) {
     sample.up = p[i].up;
   } else {
-    const Vec3f up = Interpolate(interpolation.upVectors, p[prev].up, p[i].up, p[to].up,
-                                 p[next2].up, t);
+    const Vec3f up =
+        Interpolate(interpolation.upVectors, p[prev].up, p[i].up, p[to].up, p[next2].up, t);
     if (!Normalise(up, sample.up)) sample.up = p[i].up;
   }
   return sample;

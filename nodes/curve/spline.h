@@ -16,7 +16,7 @@ namespace quillix {
 // Interpolation of one channel (positions, tangents or up vectors) between control points.
 // Any value other than these three means no interpolation (the segment's first point).
 inline constexpr std::int32_t kInterpolationLinear = 20;
-inline constexpr std::int32_t kInterpolationCubic = 40;       // four-point cubic polynomial
+inline constexpr std::int32_t kInterpolationCubic = 40;  // four-point cubic polynomial
 inline constexpr std::int32_t kInterpolationCatmullRom = 50;
 
 struct SplineInterpolation {
@@ -28,7 +28,7 @@ struct SplineInterpolation {
 // One control point as the spline stores it.
 struct QRVSplinePoint {
   Vec3f position;
-  float weight = 1.0f;    // carried for file compatibility of the kernel family; unused here
+  float weight = 1.0f;  // carried for file compatibility of the kernel family; unused here
   float reserved = 0.0f;
   Vec3f tangent{1.0f, 0.0f, 0.0f};  // unit once derived
   Vec3f up{0.0f, 1.0f, 0.0f};       // unit once derived
@@ -89,8 +89,8 @@ class QRVSpline {
   CountedArray<QRVSplinePoint> points_;
   CountedArray<float> cumulative_;  // cumulative_[i] = chord[0] + ... + chord[i]
   bool closed_ = false;
-  float length_ = -1.0f;            // -1: unknown
-  bool anyDirty_ = false;           // some point has a dirty flag set
+  float length_ = -1.0f;   // -1: unknown
+  bool anyDirty_ = false;  // some point has a dirty flag set
 };
 
 }  // namespace quillix

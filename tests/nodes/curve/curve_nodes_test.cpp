@@ -70,13 +70,13 @@ void expectTable(const wchar_t* node, ULONG threading, const std::vector<PortRow
 
 TEST(CurveNodes, RegisterTheirPortTables) {
   const XSI::CValue zeroVector(XSI::MATH::CVector3f(0, 0, 0));
-  expectTable(L"Quillix_slins", 2,
-              {{1010, 16, 2, L"controlPoints", L"In Array of Control Points", zeroVector},
-               {1020, 4, 1, L"epsilon", L"Epsilon", XSI::CValue(1.0f)},
-               {1030, 1, 1, L"closed", L"Treat Spline as closed", XSI::CValue(false)},
-               {1040, 1, 1, L"minThree", L"Result must have at least three Points",
-                XSI::CValue(false)}},
-              {2010, 16, 2, L"result", L"Result", {}});
+  expectTable(
+      L"Quillix_slins", 2,
+      {{1010, 16, 2, L"controlPoints", L"In Array of Control Points", zeroVector},
+       {1020, 4, 1, L"epsilon", L"Epsilon", XSI::CValue(1.0f)},
+       {1030, 1, 1, L"closed", L"Treat Spline as closed", XSI::CValue(false)},
+       {1040, 1, 1, L"minThree", L"Result must have at least three Points", XSI::CValue(false)}},
+      {2010, 16, 2, L"result", L"Result", {}});
   expectTable(L"Quillix_rlins", 2,
               {{1010, 16, 2, L"pntControlPoints", L"In Array of Control Points", zeroVector},
                {1020, 4, 1, L"pntBasicNumOutputPoints", L"(Basic) Number of Output Points",
@@ -98,17 +98,17 @@ TEST(CurveNodes, RegisterTheirPortTables) {
       {1070, 2, 1, L"alignment", L"Alignment", XSI::CValue(XSI::LONG(1))},
       {1080, 2, 1, L"distribution", L"Distribution", XSI::CValue(XSI::LONG(0))},
       {1090, 2, 1, L"randomSeed", L"Random Seed", XSI::CValue(XSI::LONG(0))}};
-  const PortRow maxSpheres{1200, 2, 1, L"maxNumSpheres", L"Max Num Spheres",
-                           XSI::CValue(XSI::LONG(16777216))};
+  const PortRow maxSpheres{
+      1200, 2, 1, L"maxNumSpheres", L"Max Num Spheres", XSI::CValue(XSI::LONG(16777216))};
   const PortRow result{2010, 256, 2, L"result", L"Encoded 4x4 Matrix", {}};
   std::vector<PortRow> first = spheres;
   first.push_back({1100, 2, 1, L"interpolate", L"Interpolate", XSI::CValue(XSI::LONG(3))});
   first.push_back(maxSpheres);
   expectTable(L"Quillix_dsals", 2, first, result);
   std::vector<PortRow> second = spheres;
-  for (auto [id, name] : {std::pair{1100u, L"interpTypePositions"},
-                          std::pair{1104u, L"interpTypeTangents"},
-                          std::pair{1108u, L"interpTypeUpVectors"}}) {
+  for (auto [id, name] :
+       {std::pair{1100u, L"interpTypePositions"}, std::pair{1104u, L"interpTypeTangents"},
+        std::pair{1108u, L"interpTypeUpVectors"}}) {
     second.push_back({id, 2, 1, name, name, XSI::CValue(XSI::LONG(20))});
   }
   second.push_back(maxSpheres);
@@ -168,9 +168,8 @@ TEST(SlinsNode, ConstantInputsBatchesAndUnknownPorts) {
 TEST(RlinsNode, ResamplesByCountOrDensityPerElement) {
   EvaluationRequest r;
   r.elements = 3;
-  r.setInput(1010, pointArrays({{{0, 0, 0}, {4, 0, 0}},
-                                {{0, 0, 0}, {2, 0, 0}, {2, 1, 0}},
-                                {{5, 5, 5}}}));
+  r.setInput(1010,
+             pointArrays({{{0, 0, 0}, {4, 0, 0}}, {{0, 0, 0}, {2, 0, 0}, {2, 1, 0}}, {{5, 5, 5}}}));
   r.setInput(1020, PortValues::singles<float>({5.0f, -2.0f, 5.0f}));
   r.setInput(1030, PortValues::singles<float>({0.0f}).asConstant());
   const OutputResult out = evaluate(L"Quillix_rlins", r, 2010);
@@ -219,8 +218,8 @@ TEST(DsalsNodes, PackUnitSpheresAlongAStraightSpline) {
 }
 
 TEST(DsalsNodes, FlagsOfTheFirstEqualTypesOfTheSecond) {
-  EvaluationRequest r = sphereRequest(2, {{{0, 0, 0}, {3, 1, 0}, {6, 0, 2}, {9, 4, 1}},
-                                          {{0, 0, 0}, {0, 5, 0}, {5, 5, 0}}});
+  EvaluationRequest r = sphereRequest(
+      2, {{{0, 0, 0}, {3, 1, 0}, {6, 0, 2}, {9, 4, 1}}, {{0, 0, 0}, {0, 5, 0}, {5, 5, 0}}});
   r.setInput(1020, pointArrays({{{0, 1, 0}, {0, 0, 1}, {1, 1, 0}, {0, 1, 1}}, {{0, 0, 1}}}));
   r.setInput(1030, PortValues::arraysOf<float>({{0.3f, 0.5f}}).asConstant());
   r.setInput(1040, PortValues::singles<float>({0.5f}).asConstant());

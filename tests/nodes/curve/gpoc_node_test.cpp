@@ -103,8 +103,8 @@ TEST(GpocRegistration, SingleThreadedWithSingletonInputsAndLinkedOutputs) {
 
 TEST_F(GpocNode, TheThreeModesReachTheSamePointInWorldSpace) {
   // Local (10, 5, 0): parameter 1.5, normalised 0.75, 75 per cent of the length.
-  for (auto [mode, u] : {std::pair{0, 1.5f}, std::pair{5, 1.5f}, std::pair{1, 0.75f},
-                         std::pair{2, 0.75f}}) {
+  for (auto [mode, u] :
+       {std::pair{0, 1.5f}, std::pair{5, 1.5f}, std::pair{1, 0.75f}, std::pair{2, 0.75f}}) {
     SCOPED_TRACE(mode);
     const EvaluationRequest r = request(L"rail", mode, 0, PortValues::singles<float>({u}), 1);
     expectNear(single(r, kPosition), 21, 12, 3, 1e-4f);
@@ -154,8 +154,8 @@ TEST_F(GpocNode, UnusableCurvesGiveZeroVectorsOfTheRightCount) {
         request(name, 2, 0, PortValues::singles<float>({0.1f, 0.2f}), 2);
     expectNear(single(singles, kPosition, 1), 0, 0, 0, 0);
   }
-  const OutputResult unknown =
-      evaluate(L"Quillix_gpoc", request(L"rail", 2, 0, PortValues::singles<float>({0.5f}), 1), 2050);
+  const OutputResult unknown = evaluate(
+      L"Quillix_gpoc", request(L"rail", 2, 0, PortValues::singles<float>({0.5f}), 1), 2050);
   EXPECT_FALSE(unknown.values.wasWritten(0));
 }
 

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <bit>
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <tuple>
@@ -29,8 +29,7 @@ void ExpectLine(std::span<const Vec3f> actual, const Line& expected) {
   for (std::size_t i = 0; i < expected.size(); ++i) {
     EXPECT_TRUE(SameBits(actual[i], expected[i]))
         << "point " << i << ": (" << actual[i].x << ", " << actual[i].y << ", " << actual[i].z
-        << ") expected (" << expected[i].x << ", " << expected[i].y << ", " << expected[i].z
-        << ")";
+        << ") expected (" << expected[i].x << ", " << expected[i].y << ", " << expected[i].z << ")";
   }
 }
 
@@ -67,8 +66,7 @@ TEST(SimplifyPolyline, ShortInputsAreFilledUpToThreePointsOnlyWithMinThree) {
   ExpectLine(Simplify({{1, 2, 3}}, 1.0f, false, true, work), {{1, 2, 3}, {1, 2, 3}, {1, 2, 3}});
   ExpectLine(Simplify({{0, 0, 0}, {2, 4, -6}}, 1.0f, false, true, work),
              {{0, 0, 0}, {1, 2, -3}, {2, 4, -6}});
-  ExpectLine(Simplify({{0, 0, 0}, {2, 4, -6}}, 1.0f, true, false, work),
-             {{0, 0, 0}, {2, 4, -6}});
+  ExpectLine(Simplify({{0, 0, 0}, {2, 4, -6}}, 1.0f, true, false, work), {{0, 0, 0}, {2, 4, -6}});
   EXPECT_TRUE(Simplify({}, 1.0f, false, false, work).empty());
 }
 
@@ -166,9 +164,12 @@ std::size_t ReferenceMarks(Line& points, float epsilon) {
           const float inv = 1.0f / length;
           const float ux = dx * inv, uy = dy * inv, uz = dz * inv;
           const float t = (p.x - a.x) * ux + (p.y - a.y) * uy + (p.z - a.z) * uz;
-          if (t < 0.0f) s = sq(p.x - a.x, p.y - a.y, p.z - a.z);
-          else if (t > length) s = sq(p.x - b.x, p.y - b.y, p.z - b.z);
-          else s = sq(a.x + t * ux - p.x, a.y + t * uy - p.y, a.z + t * uz - p.z);
+          if (t < 0.0f)
+            s = sq(p.x - a.x, p.y - a.y, p.z - a.z);
+          else if (t > length)
+            s = sq(p.x - b.x, p.y - b.y, p.z - b.z);
+          else
+            s = sq(a.x + t * ux - p.x, a.y + t * uy - p.y, a.z + t * uz - p.z);
         }
         if (s > best) best = s, k = i;
       }

@@ -36,7 +36,9 @@ class Ray final : public CurveSampler {
 // Scales by (2, 1, 1) and moves by (0, 0, 10).
 class Stretched final : public CurvePlacement {
  public:
-  CurvePoint PositionToWorld(const CurvePoint& p) const override { return {2 * p.x, p.y, p.z + 10}; }
+  CurvePoint PositionToWorld(const CurvePoint& p) const override {
+    return {2 * p.x, p.y, p.z + 10};
+  }
   CurvePoint DirectionToWorld(const CurvePoint& v) const override { return {2 * v.x, v.y, v.z}; }
 };
 
@@ -52,7 +54,8 @@ TEST(SampleCurve, PositionsAreMappedAndDirectionsMappedThenNormalised) {
   EXPECT_EQ(out[0].z, 10.0f);
   EXPECT_EQ(out[1].x, 1.0f);
   EXPECT_EQ(out[2].x, 8.0f);
-  SampleCurve(parameters, CurveParameterMode::Parameter, &ray, placement, CurveOutput::Tangent, out);
+  SampleCurve(parameters, CurveParameterMode::Parameter, &ray, placement, CurveOutput::Tangent,
+              out);
   for (const Vec3f& v : out) EXPECT_EQ(v.x, 1.0f);
   SampleCurve(parameters, CurveParameterMode::Parameter, &ray, placement, CurveOutput::Normal, out);
   EXPECT_EQ(out[1].y, 1.0f);
@@ -66,8 +69,8 @@ TEST(SampleCurve, WithoutACurveEveryOutputIsTheZeroVector) {
   const Stretched placement;
   const std::vector<float> parameters{0.5f, 1.0f};
   std::vector<Vec3f> out(2, Vec3f{9, 9, 9});
-  SampleCurve(parameters, CurveParameterMode::Percentage, nullptr, placement,
-              CurveOutput::Position, out);
+  SampleCurve(parameters, CurveParameterMode::Percentage, nullptr, placement, CurveOutput::Position,
+              out);
   for (const Vec3f& v : out) {
     EXPECT_EQ(v.x, 0.0f);
     EXPECT_EQ(v.y, 0.0f);

@@ -61,7 +61,8 @@ TEST(DistributeSpheres, StretchKeepsRadiiAndSpreadsTheGapsEvenly) {
   ASSERT_EQ(DistributeSpheres(nine, Stretch(radii), spread), kStatusOk);
   ASSERT_EQ(spread.size(), 4u);
   EXPECT_FLOAT_EQ(Scale(spread[0]), 9.0f / 8.0f);
-  for (std::size_t i = 0; i < 4; ++i) EXPECT_FLOAT_EQ(Centre(spread[i]).x, (2 * i + 1) * 9.0f / 8.0f);
+  for (std::size_t i = 0; i < 4; ++i)
+    EXPECT_FLOAT_EQ(Centre(spread[i]).x, (2 * i + 1) * 9.0f / 8.0f);
   EXPECT_EQ(Radius(spread[0]), 1.0f);
 }
 
@@ -375,9 +376,8 @@ TEST(DistributeSpheresOverIntervals, ConcurrentCallsGiveTheSameBitsAsOneThread) 
   std::vector<Records> results(4);
   std::vector<std::thread> threads;
   for (Records& result : results) {
-    threads.emplace_back([&] {
-      DistributeSpheresOverIntervals(points, {}, whole, false, params, result, nullptr);
-    });
+    threads.emplace_back(
+        [&] { DistributeSpheresOverIntervals(points, {}, whole, false, params, result, nullptr); });
   }
   for (std::thread& thread : threads) thread.join();
   for (const Records& result : results) {

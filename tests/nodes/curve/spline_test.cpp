@@ -23,8 +23,7 @@ QRVSpline Build(const Line& points, const Line& ups = {}, bool closed = false) {
 }
 
 constexpr SplineInterpolation kLinear{};
-constexpr SplineInterpolation kCubic{kInterpolationCubic, kInterpolationCubic,
-                                     kInterpolationCubic};
+constexpr SplineInterpolation kCubic{kInterpolationCubic, kInterpolationCubic, kInterpolationCubic};
 constexpr SplineInterpolation kCatmullRom{kInterpolationCatmullRom, kInterpolationCatmullRom,
                                           kInterpolationCatmullRom};
 constexpr SplineInterpolation kStep{0, 0, 0};
