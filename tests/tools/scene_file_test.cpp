@@ -202,6 +202,40 @@ TEST(SceneFile, EachKindOfBadInputGetsOneMessageWithItsPlace) {
   EXPECT_EQ(errorOf("[]"), "s.json: /: expected a JSON object with \"objects\"");
 }
 
+TEST(SceneFile, ALongChainOfParentsLoadsAndGoesAwayWithoutDeepRecursion) {
+  // Each object is the parent of the one before it; the chain is listed child first.
+  constexpr int kDepth = 100000;
+  std::string list;
+  for (int i = 0; i < kDepth; ++i) {
+    if (i) list += ",";
+    list += "{\"name\": \"n" + std::to_string(i) + "\", \"type\": \"null\", " +
+            (i + 1 < kDepth ? "\"parent\": \"n" + std::to_string(i + 1) + "\", " : "") +
+            "\"transform\": {\"translation\": [1, 0, 0]}}";
+  }
+  std::string error;
+  auto scene = ParseSceneText("{\"objects\": [" + list + "]}", ".", "s.json", error);
+  ASSERT_NE(scene, nullptr) << error;
+  EXPECT_EQ(scene->find(L"n0")->globalAt(1.0).GetPosX(), static_cast<double>(kDepth));
+  scene.reset();
+}
+
+TEST(SceneFile, FullNamesCarryTheEnclosingModels) {
+  std::string error;
+  const auto scene = ParseSceneText(objects(R"(
+      {"name": "leaf", "type": "null", "parent": "mid"},
+      {"name": "outer", "type": "#model"},
+      {"name": "inner", "type": "#model", "parent": "outer"},
+      {"name": "mid", "type": "null", "parent": "inner"},
+      {"name": "top", "type": "null"})"),
+                                    ".", "s.json", error);
+  ASSERT_NE(scene, nullptr) << error;
+  EXPECT_EQ(scene->find(L"outer.inner.mid.leaf"), nullptr);  // only models prefix names
+  EXPECT_NE(scene->find(L"outer.inner.mid"), nullptr);
+  EXPECT_EQ(scene->find(L"outer.inner.leaf")->fullName(), L"outer.inner.leaf");
+  EXPECT_EQ(scene->find(L"outer.inner")->m_name, L"inner");
+  EXPECT_NE(scene->find(L"top"), nullptr);
+}
+
 TEST(SceneFile, KnotVectorsWithoutEndKnotsOrWithoutKnotsAtAll) {
   std::string error;
   const auto scene = ParseSceneText(objects(R"(

@@ -132,15 +132,6 @@ CTransformation SceneObject::globalAt(double time) const {
   return global;
 }
 
-std::wstring SceneObject::fullName() const {
-  // Names are unique within a model; objects of the scene root's own model need no prefix.
-  std::wstring prefix;
-  for (auto p = m_parent.lock(); p; p = p->m_parent.lock()) {
-    if (p->isModel() && !p->m_parent.expired()) prefix = p->m_name + L"." + prefix;
-  }
-  return prefix + m_name;
-}
-
 bool SceneObject::parameterValue(const std::wstring& name, CValue& out) const {
   // The object's own parameters: its name and the current visibility, as the host's property
   // pages show them.
@@ -267,6 +258,11 @@ Scene::Scene()
   m_byFullName[m_root->m_name] = m_root;
 }
 
+Scene::~Scene() {
+  for (const auto& object : m_objects) object->m_children.clear();
+  m_root->m_children.clear();
+}
+
 std::shared_ptr<SceneObject> Scene::find(const std::wstring& fullName) const {
   const auto it = m_byFullName.find(fullName);
   return it == m_byFullName.end() ? nullptr : it->second;
@@ -276,6 +272,14 @@ void Scene::add(const std::shared_ptr<SceneObject>& object,
                 const std::shared_ptr<SceneObject>& parent) {
   const auto& p = parent ? parent : m_root;
   object->m_parent = p;
+  // Names are unique within a model; objects of the scene root's own model need no prefix.
+  const bool prefixedByParent = p->isModel() && p != m_root;
+  const std::wstring& parentName = p->fullName();
+  const std::wstring inherited =
+      prefixedByParent
+          ? parentName + L"."
+          : parentName.substr(0, parentName.size() - std::min(parentName.size(), p->m_name.size()));
+  object->m_fullName = (p == m_root ? std::wstring() : inherited) + object->m_name;
   p->m_children.push_back(object);
   object->m_id = m_nextID++;
   object->m_currentFrame = m_currentFrame;

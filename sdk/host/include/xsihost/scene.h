@@ -80,6 +80,7 @@ class SceneObject : public XSI::host_detail::Object {
   std::wstring m_name;
   std::wstring m_type;  // "polymsh", "crvlist", "null", "cube", "sphere", "bone", "#model", ...
   std::weak_ptr<SceneObject> m_parent;
+  std::wstring m_fullName;  // set when the object joins a scene (objects never move)
   std::vector<std::shared_ptr<SceneObject>> m_children;  // in file order
   std::uint32_t m_id = 0;
 
@@ -110,7 +111,7 @@ class SceneObject : public XSI::host_detail::Object {
 
   std::wstring name() const override { return m_name; }
   /// "Model.name" for objects inside a model other than the scene root, else the name.
-  std::wstring fullName() const override;
+  std::wstring fullName() const override { return m_fullName.empty() ? m_name : m_fullName; }
   std::wstring typeName() const override { return m_type; }
   std::shared_ptr<XSI::host_detail::Object> parent() const override { return m_parent.lock(); }
   std::uint32_t objectID() const override { return m_id; }
@@ -172,6 +173,11 @@ class PropertyObject : public XSI::host_detail::Object {
 class Scene {
  public:
   Scene();
+  /// Releases the objects one by one, so that a long chain of parents is not torn down by
+  /// nested destructor calls.
+  ~Scene();
+  Scene(const Scene&) = delete;
+  Scene& operator=(const Scene&) = delete;
   std::shared_ptr<SceneObject> root() const { return m_root; }
   const std::vector<std::shared_ptr<SceneObject>>& objects() const { return m_objects; }
   /// The object whose full name is `fullName` ("Scene_Root" for the root), or null.
