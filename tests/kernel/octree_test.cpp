@@ -49,6 +49,31 @@ TEST(Octree, NearestAndRadiusQueriesMatchBruteForce) {
   EXPECT_EQ(memory.BytesInUse(), 0);
 }
 
+TEST(Octree, ParallelBuildOfALargeCloudAnswersLikeBruteForce) {
+  // Above the size where the build's loops go parallel.
+  std::mt19937 random(11);
+  std::uniform_real_distribution<float> coordinate(0.0f, 100.0f);
+  std::vector<Vec3f> points(150000);
+  for (Vec3f& p : points) p = {coordinate(random), coordinate(random), coordinate(random)};
+  QRVMemoryContext memory;
+  QRVOctree tree(memory);
+  ASSERT_EQ(tree.Build(points.data(), std::int32_t(points.size())), kStatusOk);
+  std::vector<std::uint8_t> seen(points.size(), 0);
+  for (std::int32_t i = 0; i < tree.PointCount(); ++i) seen[tree.Order()[i]] += 1;
+  for (std::uint8_t s : seen) ASSERT_EQ(s, 1);
+  for (int q = 0; q < 20; ++q) {
+    const Vec3f query{coordinate(random), coordinate(random), coordinate(random)};
+    std::int32_t best = -1;
+    float bestD = INFINITY;
+    for (std::int32_t i = 0; i < std::int32_t(points.size()); ++i) {
+      const float dx = points[i].x - query.x, dy = points[i].y - query.y, dz = points[i].z - query.z;
+      const float d = dx * dx + dy * dy + dz * dz;
+      if (d < bestD) bestD = d, best = i;
+    }
+    EXPECT_EQ(tree.Nearest(query), best);
+  }
+}
+
 TEST(Octree, GeometryBuildsItOnRequestAndReleasesItByMask) {
   std::vector<Vec3f> positions = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
   const std::vector<std::int32_t> triangle = {0, 1, 2};
