@@ -259,7 +259,7 @@ TEST(DsalsNodes, IntervalsAndBatchWideEmptiness) {
   EXPECT_TRUE(spheresOf(empty, 0).empty());
 }
 
-TEST(DsalsNodes, SeveralThreadsGiveTheSameResultsAsOne) {
+TEST(CurveNodes, SeveralThreadsGiveTheSameResultsAsOne) {
   std::vector<Points> splines;
   for (int e = 0; e < 64; ++e) {
     Points spline;
@@ -278,6 +278,23 @@ TEST(DsalsNodes, SeveralThreadsGiveTheSameResultsAsOne) {
   for (ULONG e = 0; e < 64; ++e) {
     ASSERT_FALSE(spheresOf(single, e).empty());
     EXPECT_EQ(spheresOf(single, e), spheresOf(threaded, e)) << e;
+  }
+
+  // Tolerance 0.6 for the simplifier, 17 output points for the resampler.
+  for (auto [node, value] :
+       {std::pair{L"Quillix_slins", 0.6f}, std::pair{L"Quillix_rlins", 17.0f}}) {
+    EvaluationRequest lines;
+    lines.elements = 64;
+    lines.setInput(1010, pointArrays(splines));
+    lines.setInput(1020, PortValues::singles<float>({value}).asConstant());
+    const OutputResult one = evaluate(node, lines, 2010);
+    lines.threads = 4;
+    lines.batchSize = 3;
+    const OutputResult four = evaluate(node, lines, 2010);
+    for (ULONG e = 0; e < 64; ++e) {
+      ASSERT_FALSE(pointsOf(one, e).empty());
+      EXPECT_EQ(one.values.arrays[e], four.values.arrays[e]) << e;
+    }
   }
 }
 
