@@ -1,0 +1,138 @@
+// Lifecycles without leaks: Quillix_fpom's Init, evaluations with changing and unchanging
+// inputs, disabling, re-enabling and Term, ten thousand times, and the plug-in loaded and
+// unloaded a thousand times. The memory context must be back to zero bytes whenever the node
+// holds no mesh, and the process's heap must not grow with the number of cycles.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <span>
+#include <string>
+
+#include "nodes/pathfind/path_node.h"
+#include "robustness/heap_bytes.h"
+#include "robustness/node_inputs.h"
+#include "support/plugin_fixture.h"
+
+namespace quillix::test {
+namespace {
+
+using XSI::MATH::CVector3f;
+
+// Two triangles sharing an edge.
+const std::vector<CVector3f> kPoints = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+const std::vector<XSI::LONG> kDescription = {0, 1, 2, -1, 0, 2, 3, -1};
+
+EvaluationRequest pathRequest(bool enable, float scale) {
+  std::vector<CVector3f> points;
+  for (const auto& p : kPoints) points.emplace_back(p.GetX() * scale, p.GetY() * scale, p.GetZ());
+  EvaluationRequest r = requestFor({{1010, boolSingle(enable)},
+                                    {1020, PortValues::arraysOf<CVector3f>({points})},
+                                    {1030, PortValues::arraysOf<XSI::LONG>({kDescription})},
+                                    {1040, PortValues::arraysOf<XSI::LONG>({{1, 3}})}});
+  return r;
+}
+
+// One lifecycle: Init with the first evaluation, an unchanged evaluation, a changed mesh,
+// disabled, enabled again, Term.
+void runCycle(const XSI::host_detail::NodeDefinitionRecord& node, int i) {
+  xsihost::NodeInstance instance(plugin(), node);
+  const std::vector<ULONG> ports = {2010, 2020};
+  const float scale = 1.0f + float(i % 3);
+  auto out = instance.evaluate(pathRequest(true, 1.0f), ports);
+  ASSERT_EQ(out[0].values.single<XSI::LONG>(0), 0);
+  ASSERT_EQ(out[1].values.arrayAt<XSI::LONG>(0).size(), 3u);
+  out = instance.evaluate(pathRequest(true, 1.0f), ports);
+  out = instance.evaluate(pathRequest(true, scale), ports);
+  ASSERT_EQ(out[1].values.arrayAt<XSI::LONG>(0).size(), 3u);
+  out = instance.evaluate(pathRequest(false, scale), ports);
+  ASSERT_EQ(out[0].values.single<XSI::LONG>(0), -2);
+  out = instance.evaluate(pathRequest(true, scale), ports);
+  ASSERT_EQ(out[1].values.arrayAt<XSI::LONG>(0).size(), 3u);
+}
+
+TEST(Lifecycle, TenThousandPathNodeCyclesThroughThePlugInLeaveNoHeapBehind) {
+  const auto* node = nodeDefinition(L"Quillix_fpom");
+  ASSERT_NE(node, nullptr);
+  for (int i = 0; i < 100; ++i) runCycle(*node, i);  // warm-up: caches and the log's capacity
+  takeLog();
+  const std::size_t before = heapBytesInUse();
+  constexpr int kCycles = 10000;
+  for (int i = 0; i < kCycles; ++i) {
+    runCycle(*node, i);
+    if (HasFatalFailure()) return;
+    if (i % 100 == 0) takeLog();
+  }
+  takeLog();
+  const std::size_t after = heapBytesInUse();
+  // A leak of even one small block per cycle would show as 10^4 blocks; allow the noise of
+  // the log's and the allocator's own bookkeeping.
+  EXPECT_LT(after, before + 64 * 1024) << "heap grew from " << before << " to " << after << " bytes";
+}
+
+TEST(Lifecycle, PathNodeMemoryContextReturnsToZeroWheneverTheMeshIsReleased) {
+  const std::vector<Vec3f> points = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+  const std::vector<std::int32_t> description = {0, 1, 2, -1, 0, 2, 3, -1};
+  const bool noFlags[1] = {true};
+  bool enabled = true;
+  PathNodeBeginInputs in;
+  in.timeText = "1";
+  in.anyEnabled = [&] { return enabled; };
+  in.positions = [&] { return std::span<const Vec3f>(points); };
+  in.description = [&] { return std::span<const std::int32_t>(description); };
+  in.vertexFlags = [&] { return std::span<const bool>(noFlags); };
+  const PathNodeLog log = [](int, const std::string&) {};
+
+  PathNodeInstance node(42, false);
+  std::vector<std::int32_t> path;
+  for (int i = 0; i < 10000; ++i) {
+    // Enabled, with a changed mesh: built, searched, kept.
+    enabled = true;
+    in.enableChanged = in.positionsChanged = in.descriptionChanged = true;
+    in.time = 2.0 * i;
+    node.BeginEvaluate(in, log);
+    ASSERT_TRUE(node.Ready());
+    {
+      PathScratch scratch(*node.memory);
+      const std::int32_t init[] = {1, 3, 0};
+      ASSERT_TRUE(scratch.ChainPath(*node.geo, init, 0, node.vertexFlags, path));
+    }
+    node.EndEvaluate();
+    ASSERT_GT(node.memory->BytesInUse(), 0);
+    // Unchanged inputs at the same time: nothing rebuilt, nothing allocated.
+    in.enableChanged = in.positionsChanged = in.descriptionChanged = false;
+    const std::int64_t kept = node.memory->BytesInUse();
+    node.BeginEvaluate(in, log);
+    node.EndEvaluate();
+    ASSERT_EQ(node.memory->BytesInUse(), kept);
+    // Disabled: the mesh and the flags go.
+    enabled = false;
+    in.enableChanged = true;
+    in.time = 2.0 * i + 1;
+    node.BeginEvaluate(in, log);
+    node.EndEvaluate();
+    ASSERT_EQ(node.memory->BytesInUse(), 0) << "cycle " << i;
+    EXPECT_EQ(node.ReturnValue(), -2);
+  }
+}
+
+TEST(Lifecycle, ThousandLoadUnloadCyclesOfThePlugIn) {
+  // This test never touches the shared fixture, so each load here really maps the library.
+  std::size_t before = 0;
+  for (int i = 0; i < 1000; ++i) {
+    std::string error;
+    auto loaded = xsihost::LoadedPlugin::load(pluginPath(), error);
+    ASSERT_NE(loaded, nullptr) << error;
+    ASSERT_EQ(loaded->record().nodes.size(), 29u);
+    ASSERT_EQ(loaded->record().commands.size(), 2u);
+    loaded->unload();
+    loaded.reset();
+    const auto lines = takeLog();
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.back().text, L"Quillix Plugin has been unloaded.");
+    if (i == 19) before = heapBytesInUse();
+  }
+  EXPECT_LT(heapBytesInUse(), before + 64 * 1024);
+}
+
+}  // namespace
+}  // namespace quillix::test
