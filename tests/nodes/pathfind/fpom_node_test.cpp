@@ -4,6 +4,7 @@
 
 #include <xsi_vector3f.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -115,6 +116,19 @@ TEST_F(FpomNode, ChainedPathsPerElementWithoutRepeatingTheJointVertex) {
   request_.setInput(kAlgorithm, PortValues::singles<XSI::LONG>({1}).asConstant());
   for (const Ints& path : run()) EXPECT_TRUE(path.empty());
   EXPECT_EQ(returnValue_, 0);
+  takeLog();
+}
+
+TEST_F(FpomNode, ThreeInitIndicesGiveBothSegmentsJoinedOnce) {
+  setMesh(testing::QuadGrid(3, 2, 0.2f, 4));  // 12 vertices, irregular
+  setInit({{4, 9, 2}, {4, 9}, {9, 2}});
+  const std::vector<Ints> paths = run();
+  ASSERT_FALSE(paths[1].empty());
+  ASSERT_FALSE(paths[2].empty());
+  Ints joined = paths[1];
+  joined.insert(joined.end(), paths[2].begin() + 1, paths[2].end());
+  EXPECT_EQ(paths[0], joined);
+  EXPECT_EQ(std::count(paths[0].begin(), paths[0].end(), 9), 1);
   takeLog();
 }
 
