@@ -43,6 +43,8 @@ class CValue {
   CValue(float v) : m_type(siFloat), m_double(v) {}
   CValue(double v) : m_type(siDouble), m_double(v) {}
   CValue(const wchar_t* v) : m_type(siString), m_string(v) {}
+  // Narrow text is a string too; without this it would silently become a bool.
+  CValue(const char* v) : m_type(siString), m_string(v) {}
   CValue(const CString& v) : m_type(siString), m_string(v) {}
   CValue(const MATH::CVector3f& v) : m_type(siVector3f), m_vector(v) {}
   CValue(const MATH::CMatrix4f& v) : m_type(siMatrix4f), m_matrix(v) {}
