@@ -33,16 +33,18 @@ inline std::optional<PortInfo> queryPortInfo(const XSI::ICENodeContext& context,
   return info;
 }
 
-// One input read as an array per element. A single-valued input reads as one entry that
-// stands for every entry of the other operand (it "repeats").
+// One input (instance `instance` of a group port) read as an array per element. A
+// single-valued input reads as one entry that stands for every entry of the other operand (it
+// "repeats"); a missing input reads as an empty array.
 template <class T>
 class ElementView {
  public:
-  ElementView(XSI::ICENodeContext& context, ULONG port, bool array) : m_array(array) {
+  ElementView(XSI::ICENodeContext& context, ULONG port, bool array, ULONG instance = 0)
+      : m_array(array) {
     if (array)
-      m_arrays.emplace(context, port);
+      m_arrays.emplace(context, port, instance);
     else
-      m_singles.emplace(context, port);
+      m_singles.emplace(context, port, instance);
   }
 
   bool repeats() const { return !m_array; }

@@ -81,33 +81,6 @@ T valueAt(const CDataArray<T>& array, ULONG element) {
   return array.GetCount() > 0 ? array[element] : T{};
 }
 
-// One instance of the input group in its resolved structure, read per element as a list of
-// entries (a single value is a list of one; a missing one reads as zero).
-template <class T>
-class InputEntries {
- public:
-  InputEntries(ICENodeContext& context, ULONG instance, const PortInfo& info) {
-    if (info.isArray()) {
-      m_arrays.emplace(context, kInputPort, instance);
-    } else {
-      m_singles.emplace(context, kInputPort, instance);
-    }
-  }
-  std::span<const T> at(ULONG element) {
-    if (m_arrays) {
-      const typename CDataArray2D<T>::Accessor entries = (*m_arrays)[element];
-      return {entries.GetData(), entries.GetCount()};
-    }
-    m_single = valueAt(*m_singles, element);
-    return {&m_single, 1};
-  }
-
- private:
-  std::optional<CDataArray<T>> m_singles;
-  std::optional<CDataArray2D<T>> m_arrays;
-  T m_single{};
-};
-
 void appendListText(std::span<const bool> values, std::wstring& out) {
   quillix::appendBoolListText(values, out);
 }
@@ -143,7 +116,7 @@ void evaluateListText(ICENodeContext& context, bool variadic, BatchEnd end) {
   for (ULONG instance = 0; instance < instanceCount; ++instance) {
     const std::optional<PortInfo> info = queryPortInfo(context, kInputPort, instance);
     if (!info) return;
-    InputEntries<T> input(context, instance, *info);
+    const ElementView<T> input(context, kInputPort, info->isArray(), instance);
     for (std::size_t i = 0; i < written; ++i) {
       const std::span<const T> entries = input.at(indices[i]);
       if (instance > 0) texts[i] += L",";
@@ -167,7 +140,7 @@ void evaluateNumberText(ICENodeContext& context) {
     result.SetData(0, CString(L"GetPortInfo() failed"));
     return;
   }
-  InputEntries<float> input(context, 0, *info);
+  const ElementView<float> input(context, kInputPort, info->isArray());
   const CDataArrayLong precision(context, kPrecisionPort);
   const CDataArrayBool treatAsInt(context, kTreatAsIntPort);
   const CDataArrayLong leadingZeros(context, kLeadingZerosPort);
@@ -180,7 +153,7 @@ void evaluateNumberText(ICENodeContext& context) {
     if (info->isArray()) {
       quillix::appendNumberArrayText(entries, options, text);
     } else {
-      quillix::appendNumberText(entries[0], options, text);
+      quillix::appendNumberText(entries.empty() ? 0.0f : entries[0], options, text);
     }
     result.SetData(it, text.c_str(), static_cast<ULONG>(text.size()));
     if (info->isArray() && entries.empty()) return;
