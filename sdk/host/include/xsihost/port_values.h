@@ -47,7 +47,11 @@ struct PortValues {
     PortValues p;
     p.type = XSI::CDataTypeOf<T>::value;
     p.resize(static_cast<ULONG>(values.size()));
-    if (!values.empty()) std::memcpy(p.flat.data(), values.data(), values.size() * sizeof(T));
+    // Value by value, so that std::vector<bool> (which has no data()) works too.
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const T value = values[i];
+      std::memcpy(p.flat.data() + i * sizeof(T), &value, sizeof(T));
+    }
     return p;
   }
   template <class T>
@@ -58,8 +62,10 @@ struct PortValues {
     p.resize(static_cast<ULONG>(values.size()));
     for (std::size_t i = 0; i < values.size(); ++i) {
       p.arrays[i].resize(values[i].size() * sizeof(T));
-      if (!values[i].empty())
-        std::memcpy(p.arrays[i].data(), values[i].data(), values[i].size() * sizeof(T));
+      for (std::size_t k = 0; k < values[i].size(); ++k) {
+        const T value = values[i][k];
+        std::memcpy(p.arrays[i].data() + k * sizeof(T), &value, sizeof(T));
+      }
     }
     return p;
   }
