@@ -14,6 +14,7 @@ XSI::CValue toValue(const DefaultValue& d) {
     case DefaultValue::Kind::Bool: return XSI::CValue(d.number != 0.0);
     case DefaultValue::Kind::Int: return XSI::CValue(static_cast<XSI::LONG>(d.number));
     case DefaultValue::Kind::Float: return XSI::CValue(static_cast<float>(d.number));
+    case DefaultValue::Kind::Double: return XSI::CValue(d.number);
     case DefaultValue::Kind::String: return XSI::CValue(XSI::CString(d.text));
     case DefaultValue::Kind::Vector3Zero: return XSI::CValue(XSI::MATH::CVector3f(0.0f, 0.0f, 0.0f));
     case DefaultValue::Kind::Matrix44Zero: {

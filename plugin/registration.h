@@ -24,7 +24,7 @@ inline constexpr ULONG kLinkContext = 4002;
 
 // Default value of an input port, kept constexpr-friendly so that port tables stay data.
 struct DefaultValue {
-  enum class Kind { None, Bool, Int, Float, String, Vector3Zero, Matrix44Zero };
+  enum class Kind { None, Bool, Int, Float, Double, String, Vector3Zero, Matrix44Zero };
   Kind kind = Kind::None;
   double number = 0.0;
   const wchar_t* text = L"";
@@ -33,6 +33,8 @@ constexpr DefaultValue noDefault() { return {}; }
 constexpr DefaultValue defaultBool(bool v) { return {DefaultValue::Kind::Bool, v ? 1.0 : 0.0, L""}; }
 constexpr DefaultValue defaultInt(int v) { return {DefaultValue::Kind::Int, double(v), L""}; }
 constexpr DefaultValue defaultFloat(float v) { return {DefaultValue::Kind::Float, double(v), L""}; }
+// A default registered as a double value, as some float ports have always been.
+constexpr DefaultValue defaultDouble(double v) { return {DefaultValue::Kind::Double, v, L""}; }
 constexpr DefaultValue defaultString(const wchar_t* v) { return {DefaultValue::Kind::String, 0.0, v}; }
 constexpr DefaultValue defaultVector3Zero() { return {DefaultValue::Kind::Vector3Zero, 0.0, L""}; }
 constexpr DefaultValue defaultMatrix44Zero() { return {DefaultValue::Kind::Matrix44Zero, 0.0, L""}; }

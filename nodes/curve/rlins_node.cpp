@@ -31,7 +31,7 @@ constexpr PortDef kPorts[] = {
     // A float on purpose: its sign selects count or density mode.
     {kNumOutputPointsPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
      siICENodeContextAny, L"pntBasicNumOutputPoints", L"(Basic) Number of Output Points",
-     defaultFloat(20.0f), kNoLink, kLinkStructure, kLinkContext},
+     defaultDouble(20.0), kNoLink, kLinkStructure, kLinkContext},
     {kSmoothStrengthPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
      siICENodeContextAny, L"pntBasicLaplacianSmoothStrength", L"(Basic) Laplacian Smooth Strength",
      defaultFloat(0.7f), kNoLink, kLinkStructure, kLinkContext},

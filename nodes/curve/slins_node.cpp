@@ -31,7 +31,7 @@ constexpr PortDef kPorts[] = {
      siICENodeContextAny, L"controlPoints", L"In Array of Control Points", defaultVector3Zero(),
      kNoLink, kLinkStructure, kLinkContext},
     {kEpsilonPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
-     siICENodeContextAny, L"epsilon", L"Epsilon", defaultFloat(1.0f), kNoLink, kLinkStructure,
+     siICENodeContextAny, L"epsilon", L"Epsilon", defaultDouble(1.0), kNoLink, kLinkStructure,
      kLinkContext},
     {kClosedPort, PortDirection::In, siICENodeDataBool, siICENodeStructureSingle,
      siICENodeContextAny, L"closed", L"Treat Spline as closed", defaultBool(false), kNoLink,

@@ -73,14 +73,14 @@ TEST(CurveNodes, RegisterTheirPortTables) {
   expectTable(
       L"Quillix_slins", 2,
       {{1010, 16, 2, L"controlPoints", L"In Array of Control Points", zeroVector},
-       {1020, 4, 1, L"epsilon", L"Epsilon", XSI::CValue(1.0f)},
+       {1020, 4, 1, L"epsilon", L"Epsilon", XSI::CValue(1.0)},
        {1030, 1, 1, L"closed", L"Treat Spline as closed", XSI::CValue(false)},
        {1040, 1, 1, L"minThree", L"Result must have at least three Points", XSI::CValue(false)}},
       {2010, 16, 2, L"result", L"Result", {}});
   expectTable(L"Quillix_rlins", 2,
               {{1010, 16, 2, L"pntControlPoints", L"In Array of Control Points", zeroVector},
                {1020, 4, 1, L"pntBasicNumOutputPoints", L"(Basic) Number of Output Points",
-                XSI::CValue(20.0f)},
+                XSI::CValue(20.0)},
                {1030, 4, 1, L"pntBasicLaplacianSmoothStrength",
                 L"(Basic) Laplacian Smooth Strength", XSI::CValue(0.7f)},
                {1040, 2, 1, L"pntBasicLaplacianSmoothIterations",
