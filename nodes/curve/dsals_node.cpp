@@ -15,7 +15,7 @@
 
 #include "nodes/curve/host_arrays.h"
 #include "nodes/curve/sphere_distribution.h"
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -163,7 +163,7 @@ void evaluateSpheres(ICENodeContext& context, InterpolationAt&& interpolationAt)
 
 XSIPLUGINCALLBACK CStatus Quillix_dsals_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::utility::evaluateGuarded([&] {
+  return quillix::plugin::evaluateGuarded([&] {
     const CDataArrayLong interpolate(context, kInterpolatePort);
     if (interpolate.GetCount() == 0) return;
     evaluateSpheres(context, [&](ULONG element) {
@@ -178,7 +178,7 @@ CStatus Quillix_dsals_Register(PluginRegistrar& registrar) {
 
 XSIPLUGINCALLBACK CStatus Quillix_dsals2_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::utility::evaluateGuarded([&] {
+  return quillix::plugin::evaluateGuarded([&] {
     const CDataArrayLong positions(context, kInterpPositionsPort);
     const CDataArrayLong tangents(context, kInterpTangentsPort);
     const CDataArrayLong upVectors(context, kInterpUpVectorsPort);

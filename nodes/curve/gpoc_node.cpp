@@ -21,7 +21,7 @@
 
 #include "nodes/curve/host_arrays.h"
 #include "nodes/curve/point_on_curve.h"
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "plugin/evaluation.h"
 #include "plugin/registration.h"
 
@@ -159,7 +159,7 @@ std::optional<quillix::CurveOutput> outputOf(ULONG port) {
 XSIPLUGINCALLBACK CStatus Quillix_gpoc_Evaluate(ICENodeContext& context) {
   const std::optional<quillix::CurveOutput> output = outputOf(context.GetEvaluatedOutputPortID());
   if (!output) return CStatus::OK;
-  return quillix::utility::evaluateGuarded([&] {
+  return quillix::plugin::evaluateGuarded([&] {
     const auto parameterInfo = queryPortInfo(context, kParameterPort);
     if (!parameterInfo) return;
     const double frame = context.GetTime().GetTime();

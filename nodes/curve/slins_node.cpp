@@ -12,7 +12,7 @@
 
 #include "nodes/curve/host_arrays.h"
 #include "nodes/curve/line_simplify.h"
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -47,7 +47,7 @@ constexpr PortDef kPorts[] = {
 
 XSIPLUGINCALLBACK CStatus Quillix_slins_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::utility::evaluateGuarded([&] {
+  return quillix::plugin::evaluateGuarded([&] {
     const CDataArray2DVector3f points(context, kControlPointsPort);
     const CDataArrayFloat epsilon(context, kEpsilonPort);
     const CDataArrayBool closed(context, kClosedPort);

@@ -8,7 +8,7 @@
 
 #include "nodes/spatial/ellipsoid.h"
 #include "nodes/spatial/matrix_pair_evaluation.h"
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -35,7 +35,7 @@ struct EllipsoidGap {
 
 XSIPLUGINCALLBACK CStatus Quillix_cdbte_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::utility::evaluateGuarded([&] {
+  return quillix::plugin::evaluateGuarded([&] {
     // Only one method exists; any other value is worth a warning but computes the same.
     if (readMode(context, 0) != 0) {
       Application().LogMessage(L"Quillix_cdbte: illegal method!", siWarningMsg);

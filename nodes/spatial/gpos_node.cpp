@@ -22,7 +22,7 @@
 #include "kernel/geometry.h"
 #include "kernel/status.h"
 #include "kernel/status_codes.h"
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -123,7 +123,7 @@ MATH::CVector3f place(const quillix::Vec3f& p, const MATH::CMatrix4f& m) {
 
 XSIPLUGINCALLBACK CStatus Quillix_gpos_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kPositionsPort) return CStatus::OK;
-  return quillix::utility::evaluateGuarded([&] {
+  return quillix::plugin::evaluateGuarded([&] {
     const Model root = Application().GetActiveSceneRoot();
     const CDataArray2D<CString> names(context, kNamesPort);
     const CDataArray2D<MATH::CMatrix4f> transforms(context, kTransformsPort);

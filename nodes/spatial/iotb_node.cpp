@@ -7,7 +7,7 @@
 
 #include "nodes/spatial/box_intersect.h"
 #include "nodes/spatial/matrix_pair_evaluation.h"
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -35,7 +35,7 @@ struct BoxPair {
 
 XSIPLUGINCALLBACK CStatus Quillix_iotb_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::utility::evaluateGuarded([&] {
+  return quillix::plugin::evaluateGuarded([&] {
     // Every integer is a mode: negative, zero and positive select the three test strengths.
     evaluateMatrixPairs<LONG>(context, kMatrixAPort, kMatrixBPort, BoxPair{readMode(context, 0)});
   });

@@ -8,7 +8,7 @@
 
 #include "nodes/spatial/matrix_pair_evaluation.h"
 #include "nodes/spatial/moving_box.h"
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -39,7 +39,7 @@ struct MovingBoxPair {
 
 XSIPLUGINCALLBACK CStatus Quillix_iotmb_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::utility::evaluateGuarded([&] {
+  return quillix::plugin::evaluateGuarded([&] {
     const MovingBoxPair kernel{readMode(context, kDefaultMode)};
     evaluateMatrixPairs<float>(context, kMatrixAPort, kMatrixBPort, kernel);
   });

@@ -18,7 +18,7 @@
 #include <xsi_x3dobject.h>
 
 #include "nodes/spatial/object_spheres.h"
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "plugin/evaluation.h"
 #include "plugin/registration.h"
 
@@ -95,7 +95,7 @@ quillix::SceneObjectInfo describeObject(const X3DObject& root, const CString& na
 
 XSIPLUGINCALLBACK CStatus Quillix_otos_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kSpheresPort) return CStatus::OK;
-  return quillix::utility::evaluateGuarded([&] {
+  return quillix::plugin::evaluateGuarded([&] {
     const double frame = context.GetTime().GetTime();
     if (!queryPortInfo(context, kNamesPort) || !queryPortInfo(context, kTransformsPort)) return;
     const Model root = Application().GetActiveSceneRoot();

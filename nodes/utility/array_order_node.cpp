@@ -15,13 +15,13 @@
 #include <xsi_status.h>
 
 #include "nodes/utility/array_order.h"
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "plugin/evaluation.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
-using quillix::utility::evaluateGuarded;
+using quillix::plugin::evaluateGuarded;
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "nodes/utility/file_probe.h"
 #include "plugin/registration.h"
 
@@ -30,7 +30,7 @@ constexpr PortDef kPorts[] = {
 
 XSIPLUGINCALLBACK CStatus Quillix_fchk_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kFileExistsPort) return CStatus::OK;
-  return quillix::utility::evaluateGuarded([&] {
+  return quillix::plugin::evaluateGuarded([&] {
     const CDataArrayString filepath(context, kFilepathPort);
     CDataArrayBool result(context);
     if (result.GetCount() == 0) return;

@@ -11,7 +11,7 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "nodes/utility/string_join.h"
 #include "nodes/utility/string_pack.h"
 #include "plugin/evaluation.h"
@@ -19,7 +19,7 @@
 
 using namespace XSI;
 using namespace quillix::plugin;
-using quillix::utility::evaluateGuarded;
+using quillix::plugin::evaluateGuarded;
 
 namespace {
 

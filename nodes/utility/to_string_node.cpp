@@ -13,14 +13,14 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "nodes/utility/evaluation_guard.h"
+#include "plugin/evaluation_guard.h"
 #include "nodes/utility/number_text.h"
 #include "plugin/evaluation.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
-using quillix::utility::evaluateGuarded;
+using quillix::plugin::evaluateGuarded;
 
 namespace {
 
