@@ -126,15 +126,12 @@ CStatus ICENodeContext::AcquireInputDataArray(CBaseDataArray& a, ULONG portID, U
 }
 
 CStatus ICENodeContext::CopyFromInputDataArray(CBaseDataArray& a, ULONG portID, ULONG instance) {
-  a.m_context = this;
-  const PortValues* values = matchingInput(m_frame, portID, instance, a.m_type, false);
-  if (!values) return CStatus::Fail;
-  m_frame->copies.push_back(std::make_unique<PortValues>(*values));
-  PortValues* copy = m_frame->copies.back().get();
-  a.m_buffer = copy;
-  a.m_data = copy->flat.data();
-  a.m_count = copy->count;
-  a.m_constant = copy->constant;
+  const CStatus status = AcquireInputDataArray(a, portID, instance);
+  if (status != CStatus::OK) return status;
+  // The copy lives as long as the evaluation frame, like the host's own buffers.
+  m_frame->copies.push_back(std::make_unique<PortValues>(*static_cast<PortValues*>(a.m_buffer)));
+  a.m_buffer = m_frame->copies.back().get();
+  a.m_data = m_frame->copies.back()->flat.data();
   return CStatus::OK;
 }
 
@@ -162,13 +159,10 @@ CStatus ICENodeContext::AcquireInputDataArray2D(CBaseDataArray2D& a, ULONG portI
 
 CStatus ICENodeContext::CopyFromInputDataArray2D(CBaseDataArray2D& a, ULONG portID,
                                                  ULONG instance) {
-  a.m_context = this;
-  const PortValues* values = matchingInput(m_frame, portID, instance, a.m_type, true);
-  if (!values) return CStatus::Fail;
-  m_frame->copies.push_back(std::make_unique<PortValues>(*values));
+  const CStatus status = AcquireInputDataArray2D(a, portID, instance);
+  if (status != CStatus::OK) return status;
+  m_frame->copies.push_back(std::make_unique<PortValues>(*static_cast<PortValues*>(a.m_buffer)));
   a.m_buffer = m_frame->copies.back().get();
-  a.m_count = values->count;
-  a.m_constant = values->constant;
   return CStatus::OK;
 }
 
