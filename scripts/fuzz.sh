@@ -5,17 +5,17 @@
 # out-of-memory, and leaves the failing input in the scratch folder.
 #
 #   scripts/fuzz.sh [seconds-per-target] [target...]
-#   QUILLIX_FUZZ_SECONDS  seconds per target when not given (default 50)
+#   QUILLIX_FUZZ_SECONDS  seconds per target when not given (default 45)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 QUILLIX_WITH_FUZZ=1 scripts/install-deps.sh
-seconds="${1:-${QUILLIX_FUZZ_SECONDS:-50}}"
+seconds="${1:-${QUILLIX_FUZZ_SECONDS:-45}}"
 shift || true
 targets=("$@")
 if ((${#targets[@]} == 0)); then
   targets=(fuzz_geometry_set fuzz_path_description fuzz_vertex_path fuzz_line_simplify
-           fuzz_line_resample fuzz_recent_scene fuzz_scene_file fuzz_quillix_request)
+           fuzz_line_resample fuzz_recent_scene fuzz_scene_file fuzz_mesh_file fuzz_quillix_request)
 fi
 
 echo "== fuzz build"
