@@ -18,3 +18,4 @@ echo "== tsan build and threaded tests"
 cmake --preset tsan >/dev/null
 cmake --build --preset tsan -j "$jobs"
 ctest --preset tsan -j "$jobs" -L threads
+scripts/fuzz.sh
