@@ -21,7 +21,9 @@ std::unique_ptr<LoadedPlugin> LoadedPlugin::load(const std::string& path, std::s
     error = path + ": no such plug-in file";
     return nullptr;
   }
-  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  // The plug-in stays mapped after it is closed: its OpenMP runtime keeps worker threads that
+  // would otherwise run on unmapped code once the library and its runtime were unloaded.
+  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   if (handle == nullptr) {
     const char* reason = dlerror();
     error = path + ": cannot load plug-in: " + (reason ? reason : "unknown reason");
