@@ -50,9 +50,11 @@ struct Registry {
   }
 };
 
+// Never destroyed: a host may unload its plug-ins during static destruction, and unloading
+// detaches their commands from here.
 Registry& registry() {
-  static Registry r;
-  return r;
+  static Registry* r = new Registry;
+  return *r;
 }
 
 CStatus callPlugin(RefCallback fn, CRef& ref, const std::wstring& what) {
