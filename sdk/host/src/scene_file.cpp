@@ -209,14 +209,14 @@ void readKeys(const json& j, const std::string& path, SceneObject& object) {
 void readAttributes(const json& j, const std::string& path, MeshData& mesh,
                     const MeshDerived& derived) {
   if (!j.is_object()) fail(path, "expected an object of attribute names");
-  for (const auto& [name, spec] : j.items()) {
+  for (const auto& [name, entry] : j.items()) {
     const std::string ap = child(path, name);
-    if (!spec.is_object()) fail(ap, "expected an object with type, context and values");
-    onlyKeys(spec, ap, {"type", "context", "values"});
+    if (!entry.is_object()) fail(ap, "expected an object with type, context and values");
+    onlyKeys(entry, ap, {"type", "context", "values"});
     AttributeData a;
-    const json* type = member(spec, "type");
-    const json* context = member(spec, "context");
-    const json* values = member(spec, "values");
+    const json* type = member(entry, "type");
+    const json* context = member(entry, "context");
+    const json* values = member(entry, "values");
     if (!type) fail(ap, "missing \"type\"");
     if (!values) fail(ap, "missing \"values\"");
     const std::string t = text(*type, child(ap, "type"));
