@@ -112,10 +112,10 @@ Options ReadOptions(const CValueArray& given) {
 
 CString Number(std::int64_t value) { return CString(std::to_string(value).c_str()); }
 
-quillix::Vector3d ToVector(const MATH::CVector3& v) { return {v.GetX(), v.GetY(), v.GetZ()}; }
+quillix::Vec3d ToVector(const MATH::CVector3& v) { return {v.GetX(), v.GetY(), v.GetZ()}; }
 
-std::vector<quillix::Vector3d> ToVectors(const MATH::CVector3Array& array) {
-  std::vector<quillix::Vector3d> out(static_cast<std::size_t>(array.GetCount()));
+std::vector<quillix::Vec3d> ToVectors(const MATH::CVector3Array& array) {
+  std::vector<quillix::Vec3d> out(static_cast<std::size_t>(array.GetCount()));
   for (LONG i = 0; i < array.GetCount(); ++i) out[std::size_t(i)] = ToVector(array[i]);
   return out;
 }
@@ -196,7 +196,7 @@ FeatureFailure ReadFeatures(const X3DObject& object, const Geometry& geometry, c
   if (geometry.IsValid() && (needs.triangles || needs.localNormals || needs.globalNormals)) {
     const CTriangleRefArray triangles = geometry.GetTriangles();
     if (needs.triangles) {
-      const std::vector<quillix::Vector3d> corners = ToVectors(triangles.GetPositionArray());
+      const std::vector<quillix::Vec3d> corners = ToVectors(triangles.GetPositionArray());
       if (needs.localArea) features.localSurfaceArea = quillix::TriangleSurfaceArea(corners);
       if (needs.globalArea) {
         features.globalSurfaceArea = quillix::TransformedSurfaceArea(corners, global);
@@ -206,7 +206,7 @@ FeatureFailure ReadFeatures(const X3DObject& object, const Geometry& geometry, c
       }
     }
     if (needs.localNormals || needs.globalNormals) {
-      const std::vector<quillix::Vector3d> normals =
+      const std::vector<quillix::Vec3d> normals =
           ToVectors(triangles.GetPolygonNodeNormalArray());
       if (needs.localNormals) features.localNormalAverage = quillix::Average(normals);
       if (needs.globalNormals) {

@@ -10,22 +10,22 @@
 namespace quillix {
 namespace {
 
-Vector3d operator-(const Vector3d& a, const Vector3d& b) {
+Vec3d operator-(const Vec3d& a, const Vec3d& b) {
   return {a.x - b.x, a.y - b.y, a.z - b.z};
 }
 
-double Length(const Vector3d& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
+double Length(const Vec3d& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
 
 // Angle between two vectors in [0, π]. atan2 of the cross and dot products stays exact for
 // parallel vectors, where the arc cosine of a rounded cosine would not give 0. A zero vector
 // gives 0.
-double AngleBetween(const Vector3d& a, const Vector3d& b) {
-  const Vector3d cross{a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+double AngleBetween(const Vec3d& a, const Vec3d& b) {
+  const Vec3d cross{a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
   const double dot = a.x * b.x + a.y * b.y + a.z * b.z;
   return std::atan2(Length(cross), dot);
 }
 
-Vector3d Row(const Matrix3d& m, int row) { return {m.m[row][0], m.m[row][1], m.m[row][2]}; }
+Vec3d Row(const Matrix3d& m, int row) { return {m.m[row][0], m.m[row][1], m.m[row][2]}; }
 
 // min/max of two non-negative amounts; 0 when both are 0.
 double AmountRatio(double a, double b) {
@@ -34,7 +34,7 @@ double AmountRatio(double a, double b) {
   return std::max(std::min(a, b) / larger, 0.0);
 }
 
-double BoxVolume(const Vector3d& extent) { return extent.x * extent.y * extent.z; }
+double BoxVolume(const Vec3d& extent) { return extent.x * extent.y * extent.z; }
 
 double NameSimilarity(std::string_view a, std::string_view b) {
   std::string lowerA(a);
@@ -48,7 +48,7 @@ double NameSimilarity(std::string_view a, std::string_view b) {
   return 1.0 - double(LevenshteinDistance(lowerA, lowerB)) / double(longer);
 }
 
-double BoxOverlap(const Vector3d& a, const Vector3d& b) {
+double BoxOverlap(const Vec3d& a, const Vec3d& b) {
   const double larger = std::max(BoxVolume(a), BoxVolume(b));
   if (!(larger > 0.0)) return 0.0;
   const double overlap = std::max(std::min(a.x, b.x), 0.0) * std::max(std::min(a.y, b.y), 0.0) *
@@ -63,11 +63,11 @@ double SphereOverlap(double radiusA, double radiusB) {
   return SphereIntersectionVolume({}, radiusA, {}, radiusB, distance) / larger;
 }
 
-double NormalSimilarity(const Vector3d& a, const Vector3d& b) {
+double NormalSimilarity(const Vec3d& a, const Vec3d& b) {
   return std::clamp(1.0 - AngleBetween(a, b) / std::numbers::pi, 0.0, 1.0);
 }
 
-double Closeness(const Vector3d& a, const Vector3d& b) { return 1.0 / (Length(a - b) + 1.0); }
+double Closeness(const Vec3d& a, const Vec3d& b) { return 1.0 / (Length(a - b) + 1.0); }
 
 // Mean closeness of the three rotated unit axes. Divided by 3 last, so that identical
 // rotations give exactly 1.
@@ -100,7 +100,7 @@ double SphereVolume(double radius) {
   return 4.0 / 3.0 * std::numbers::pi * radius * radius * radius;
 }
 
-double SphereIntersectionVolume(const Vector3d& centre1, double r1, const Vector3d& centre2,
+double SphereIntersectionVolume(const Vec3d& centre1, double r1, const Vec3d& centre2,
                                 double r2, double& distance) {
   assert(r1 >= 0.0 && r2 >= 0.0);
   const double d = Length(centre2 - centre1);

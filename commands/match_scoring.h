@@ -15,13 +15,9 @@
 #include <string_view>
 #include <vector>
 
-namespace quillix {
+#include "kernel/math_types.h"
 
-struct Vector3d {
-  double x = 0.0;
-  double y = 0.0;
-  double z = 0.0;
-};
+namespace quillix {
 
 // 3×3 rotation in the row-vector convention: row i is the rotated unit axis i.
 struct Matrix3d {
@@ -38,9 +34,9 @@ struct Matrix4d {
 // The parts of a transform that the matching compares: scaling per axis, rotation and
 // translation.
 struct TransformParts {
-  Vector3d scaling{1.0, 1.0, 1.0};
+  Vec3d scaling{1.0, 1.0, 1.0};
   Matrix3d rotation;
-  Vector3d translation;
+  Vec3d translation;
 };
 
 // The sixteen terms, in the order of the command's weight arguments.
@@ -72,13 +68,13 @@ struct ObjectFeatures {
   std::string name;  // 8-bit; compared case-insensitively (ASCII)
   std::int64_t pointCount = 0;
   std::int64_t triangleCount = 0;
-  Vector3d boxExtent;         // local bounding box, full extent per axis
+  Vec3d boxExtent;         // local bounding box, full extent per axis
   double sphereRadius = 0.0;  // local bounding sphere
   double localSurfaceArea = 0.0;
   double globalSurfaceArea = 0.0;
-  Vector3d globalVertexCenter;  // average of the triangle corners in world space
-  Vector3d localNormalAverage;
-  Vector3d globalNormalAverage;
+  Vec3d globalVertexCenter;  // average of the triangle corners in world space
+  Vec3d localNormalAverage;
+  Vec3d globalNormalAverage;
   TransformParts local;
   TransformParts global;
 };
@@ -91,7 +87,7 @@ std::size_t LevenshteinDistance(std::string_view a, std::string_view b);
 // distance of the centres. 0 when the spheres are apart or touch (d ≥ r1 + r2); the
 // smaller sphere's volume when it lies inside the other; the lens volume otherwise.
 // Radii must not be negative.
-double SphereIntersectionVolume(const Vector3d& centre1, double r1, const Vector3d& centre2,
+double SphereIntersectionVolume(const Vec3d& centre1, double r1, const Vec3d& centre2,
                                 double r2, double& distance);
 
 // (4/3)·π·r³.

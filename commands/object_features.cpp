@@ -6,28 +6,28 @@
 namespace quillix {
 namespace {
 
-Vector3d Cross(const Vector3d& a, const Vector3d& b) {
+Vec3d Cross(const Vec3d& a, const Vec3d& b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-double TriangleArea(const Vector3d& a, const Vector3d& b, const Vector3d& c) {
-  const Vector3d ab{b.x - a.x, b.y - a.y, b.z - a.z};
-  const Vector3d ac{c.x - a.x, c.y - a.y, c.z - a.z};
-  const Vector3d n = Cross(ab, ac);
+double TriangleArea(const Vec3d& a, const Vec3d& b, const Vec3d& c) {
+  const Vec3d ab{b.x - a.x, b.y - a.y, b.z - a.z};
+  const Vec3d ac{c.x - a.x, c.y - a.y, c.z - a.z};
+  const Vec3d n = Cross(ab, ac);
   return 0.5 * std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
 }
 
 // Running sum of vectors, divided once at the end.
 struct VectorMean {
-  Vector3d sum;
+  Vec3d sum;
   std::size_t count = 0;
-  void Add(const Vector3d& v) {
+  void Add(const Vec3d& v) {
     sum.x += v.x;
     sum.y += v.y;
     sum.z += v.z;
     ++count;
   }
-  Vector3d Value() const {
+  Vec3d Value() const {
     if (count == 0) return {};
     const double n = double(count);
     return {sum.x / n, sum.y / n, sum.z / n};
@@ -36,20 +36,20 @@ struct VectorMean {
 
 }  // namespace
 
-Vector3d TransformDirection(const Vector3d& direction, const Matrix4d& transform) {
+Vec3d TransformDirection(const Vec3d& direction, const Matrix4d& transform) {
   const auto& r = transform.m;
-  const Vector3d& d = direction;
+  const Vec3d& d = direction;
   return {d.x * r[0][0] + d.y * r[1][0] + d.z * r[2][0],
           d.x * r[0][1] + d.y * r[1][1] + d.z * r[2][1],
           d.x * r[0][2] + d.y * r[1][2] + d.z * r[2][2]};
 }
 
-Vector3d TransformPoint(const Vector3d& point, const Matrix4d& transform) {
-  const Vector3d v = TransformDirection(point, transform);
+Vec3d TransformPoint(const Vec3d& point, const Matrix4d& transform) {
+  const Vec3d v = TransformDirection(point, transform);
   return {v.x + transform.m[3][0], v.y + transform.m[3][1], v.z + transform.m[3][2]};
 }
 
-double TriangleSurfaceArea(std::span<const Vector3d> corners) {
+double TriangleSurfaceArea(std::span<const Vec3d> corners) {
   assert(corners.size() % 3 == 0);
   double area = 0.0;
   for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
@@ -58,7 +58,7 @@ double TriangleSurfaceArea(std::span<const Vector3d> corners) {
   return area;
 }
 
-double TransformedSurfaceArea(std::span<const Vector3d> corners, const Matrix4d& transform) {
+double TransformedSurfaceArea(std::span<const Vec3d> corners, const Matrix4d& transform) {
   assert(corners.size() % 3 == 0);
   double area = 0.0;
   for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
@@ -69,22 +69,22 @@ double TransformedSurfaceArea(std::span<const Vector3d> corners, const Matrix4d&
   return area;
 }
 
-Vector3d Average(std::span<const Vector3d> values) {
+Vec3d Average(std::span<const Vec3d> values) {
   VectorMean mean;
-  for (const Vector3d& v : values) mean.Add(v);
+  for (const Vec3d& v : values) mean.Add(v);
   return mean.Value();
 }
 
-Vector3d TransformedPointAverage(std::span<const Vector3d> points, const Matrix4d& transform) {
+Vec3d TransformedPointAverage(std::span<const Vec3d> points, const Matrix4d& transform) {
   VectorMean mean;
-  for (const Vector3d& p : points) mean.Add(TransformPoint(p, transform));
+  for (const Vec3d& p : points) mean.Add(TransformPoint(p, transform));
   return mean.Value();
 }
 
-Vector3d TransformedDirectionAverage(std::span<const Vector3d> directions,
+Vec3d TransformedDirectionAverage(std::span<const Vec3d> directions,
                                      const Matrix4d& transform) {
   VectorMean mean;
-  for (const Vector3d& d : directions) mean.Add(TransformDirection(d, transform));
+  for (const Vec3d& d : directions) mean.Add(TransformDirection(d, transform));
   return mean.Value();
 }
 

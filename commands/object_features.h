@@ -11,29 +11,29 @@ namespace quillix {
 
 // `point` mapped by `transform`: the row (x, y, z, 1) times the matrix. The fourth column
 // is ignored (transforms here are affine).
-Vector3d TransformPoint(const Vector3d& point, const Matrix4d& transform);
+Vec3d TransformPoint(const Vec3d& point, const Matrix4d& transform);
 
 // `direction` mapped by the linear part of `transform` (rows 0 to 2: scaling, rotation and
 // any shear, no translation).
-Vector3d TransformDirection(const Vector3d& direction, const Matrix4d& transform);
+Vec3d TransformDirection(const Vec3d& direction, const Matrix4d& transform);
 
 // Sum over the triangles of half the length of the cross product of two edges.
 // `corners` holds three positions per triangle; its size must be a multiple of 3. No
 // triangles give 0.
-double TriangleSurfaceArea(std::span<const Vector3d> corners);
+double TriangleSurfaceArea(std::span<const Vec3d> corners);
 
 // Same as TriangleSurfaceArea over the corners mapped by `transform`.
-double TransformedSurfaceArea(std::span<const Vector3d> corners, const Matrix4d& transform);
+double TransformedSurfaceArea(std::span<const Vec3d> corners, const Matrix4d& transform);
 
 // Arithmetic mean of `values`; the zero vector when `values` is empty.
-Vector3d Average(std::span<const Vector3d> values);
+Vec3d Average(std::span<const Vec3d> values);
 
 // Mean of `points` mapped by `transform` (TransformPoint); the zero vector when empty.
-Vector3d TransformedPointAverage(std::span<const Vector3d> points, const Matrix4d& transform);
+Vec3d TransformedPointAverage(std::span<const Vec3d> points, const Matrix4d& transform);
 
 // Mean of `directions` mapped by `transform` (TransformDirection); the zero vector when
 // empty.
-Vector3d TransformedDirectionAverage(std::span<const Vector3d> directions,
+Vec3d TransformedDirectionAverage(std::span<const Vec3d> directions,
                                      const Matrix4d& transform);
 
 // Which features a weight set asks for, so that nothing unweighted is read from the host.

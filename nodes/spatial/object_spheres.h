@@ -10,13 +10,9 @@
 #include <string>
 #include <vector>
 
-namespace quillix {
+#include "kernel/math_types.h"
 
-struct Vec3d {
-  double x = 0.0;
-  double y = 0.0;
-  double z = 0.0;
-};
+namespace quillix {
 
 // One sphere: centre and radius.
 struct Sphere {

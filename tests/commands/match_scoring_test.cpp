@@ -90,10 +90,10 @@ TEST(SphereIntersectionVolume, AgreesWithNumericalIntegration) {
     const double r2 = radius(random);
     const double d = std::uniform_real_distribution<double>(0.0, (r1 + r2) * 1.2)(random);
     // Centres along a random direction, so that the distance is measured in 3D.
-    Vector3d dir{unit(random), unit(random), unit(random)};
+    Vec3d dir{unit(random), unit(random), unit(random)};
     const double len = std::sqrt(dir.x * dir.x + dir.y * dir.y + dir.z * dir.z);
-    const Vector3d c1{1.0, -2.0, 0.5};
-    const Vector3d c2{c1.x + dir.x / len * d, c1.y + dir.y / len * d, c1.z + dir.z / len * d};
+    const Vec3d c1{1.0, -2.0, 0.5};
+    const Vec3d c2{c1.x + dir.x / len * d, c1.y + dir.y / len * d, c1.z + dir.z / len * d};
     double distance = -1.0;
     const double volume = SphereIntersectionVolume(c1, r1, c2, r2, distance);
     EXPECT_NEAR(distance, d, 1e-12);

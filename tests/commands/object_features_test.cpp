@@ -8,12 +8,12 @@ namespace quillix {
 namespace {
 
 // Unit cube [0,1]³ as twelve triangles.
-std::vector<Vector3d> UnitCubeCorners() {
-  const Vector3d p[8] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0},
+std::vector<Vec3d> UnitCubeCorners() {
+  const Vec3d p[8] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0},
                          {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
   const int quads[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
                            {2, 3, 7, 6}, {1, 2, 6, 5}, {0, 4, 7, 3}};
-  std::vector<Vector3d> corners;
+  std::vector<Vec3d> corners;
   for (const auto& q : quads) {
     for (int i : {q[0], q[1], q[2], q[0], q[2], q[3]}) corners.push_back(p[i]);
   }
@@ -35,7 +35,7 @@ Matrix4d SampleTransform() {
   return t;
 }
 
-void ExpectNear(const Vector3d& actual, const Vector3d& expected) {
+void ExpectNear(const Vec3d& actual, const Vec3d& expected) {
   EXPECT_NEAR(actual.x, expected.x, 1e-12);
   EXPECT_NEAR(actual.y, expected.y, 1e-12);
   EXPECT_NEAR(actual.z, expected.z, 1e-12);
@@ -49,21 +49,21 @@ TEST(Transform, PointsAreRowsTimesTheMatrixAndDirectionsSkipTranslation) {
 }
 
 TEST(SurfaceArea, SumsTrianglesAndFollowsTheTransformScale) {
-  const std::vector<Vector3d> cube = UnitCubeCorners();
+  const std::vector<Vec3d> cube = UnitCubeCorners();
   EXPECT_NEAR(TriangleSurfaceArea(cube), 6.0, 1e-12);
   // Faces 2×3, 2×0.5 and 3×0.5, twice each; rotation and translation change nothing.
   EXPECT_NEAR(TransformedSurfaceArea(cube, SampleTransform()), 2.0 * (6.0 + 1.0 + 1.5), 1e-12);
   EXPECT_EQ(TriangleSurfaceArea({}), 0.0);
-  const std::vector<Vector3d> degenerate = {{1, 1, 1}, {2, 2, 2}, {3, 3, 3}};
+  const std::vector<Vec3d> degenerate = {{1, 1, 1}, {2, 2, 2}, {3, 3, 3}};
   EXPECT_EQ(TriangleSurfaceArea(degenerate), 0.0);
 }
 
 TEST(Averages, MeanOfPointsAndDirectionsWithZeroForNoValues) {
-  const std::vector<Vector3d> cube = UnitCubeCorners();
+  const std::vector<Vec3d> cube = UnitCubeCorners();
   ExpectNear(Average(cube), {0.5, 0.5, 0.5});
   // The centre maps like a point, the mean direction ignores the translation.
   ExpectNear(TransformedPointAverage(cube, SampleTransform()), {10.0 - 1.5, 21.0, 30.25});
-  const std::vector<Vector3d> normals = {{0, 0, 1}, {0, 1, 0}};
+  const std::vector<Vec3d> normals = {{0, 0, 1}, {0, 1, 0}};
   ExpectNear(TransformedDirectionAverage(normals, SampleTransform()), {-1.5, 0.0, 0.25});
   ExpectNear(Average({}), {0.0, 0.0, 0.0});
   ExpectNear(TransformedPointAverage({}, SampleTransform()), {0.0, 0.0, 0.0});
