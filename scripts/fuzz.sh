@@ -32,7 +32,8 @@ for t in "${targets[@]}"; do
   mkdir -p "$corpus"
   cp -R "fuzz/corpus/$t/." "$corpus/"
   # Single process, bounded time; a slow input (10 s) or 2 GB of memory counts as a failure.
-  if build/fuzz/bin/"$t" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+  # A fixed seed makes every run walk the same mutations, so a failure here reproduces.
+  if build/fuzz/bin/"$t" -seed="${QUILLIX_FUZZ_SEED:-1}" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
        -artifact_prefix="$scratch/$t/" "$corpus" >"$scratch/$t/log" 2>&1; then
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$scratch/$t/log")
     cov=$(grep -o 'cov: [0-9]*' "$scratch/$t/log" | tail -1)

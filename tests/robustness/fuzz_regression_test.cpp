@@ -1,6 +1,8 @@
 // Inputs that the fuzz targets found faulting, kept as tests so the faults stay fixed.
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include <string>
 #include <vector>
 
@@ -70,6 +72,26 @@ TEST(FuzzRegression, SceneNumbersBeyondADoubleAreReportedNotThrown) {
     EXPECT_NO_THROW(scene = xsihost::ParseSceneText(text, ".", "big.json", error)) << text;
     EXPECT_EQ(scene, nullptr);
     EXPECT_NE(error.find("big.json: invalid JSON"), std::string::npos) << error;
+  }
+}
+
+// fuzz_mesh_file: a PLY face index or list length far beyond any integer (8.9e44) was
+// converted to an integer before its range was checked, which is undefined.
+TEST(FuzzRegression, PlyIndicesBeyondAnIntegerAreRefusedWithOneMessage) {
+  const std::string header =
+      "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\n"
+      "property float z\nelement face 1\nproperty list uchar int vertex_indices\nend_header\n"
+      "0 0 0\n1 0 0\n0 1 0\n";
+  const std::string path = ::testing::TempDir() + "quillix_huge_index.ply";
+  for (const std::string face : {"3 0 1 888888888888888888888888888888888888888888888\n",
+                                 "888888888888888888888888888888888888888888888 0 1 2\n",
+                                 "3 0 1 nan\n"}) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << header << face;
+    xsihost::MeshData mesh;
+    std::string error;
+    EXPECT_FALSE(xsihost::LoadMeshFile(path, mesh, error)) << face;
+    EXPECT_FALSE(error.empty());
+    EXPECT_EQ(error.find('\n'), std::string::npos) << error;
   }
 }
 

@@ -3,6 +3,7 @@
 // polygons as written, since users name vertices by index.
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -310,15 +311,16 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
         }
         double count = 0.0;
         if (!body.next(p.countType, count, error)) return false;
-        if (count < 0 || count != static_cast<double>(static_cast<long long>(count))) {
+        // Range first, so that no huge or NaN length is ever converted to an integer.
+        if (!(count >= 0.0) || count > 1e9 || std::trunc(count) != count) {
           error = path + ": " + e.name + " " + std::to_string(i) + ": bad list length";
           return false;
         }
         for (long long item = 0; item < static_cast<long long>(count); ++item) {
           if (!body.next(p.type, value, error)) return false;
           if (isFace && indexList == static_cast<int>(k)) {
-            if (value < 0 || value != static_cast<double>(static_cast<long long>(value)) ||
-                value >= static_cast<double>(mesh.points.size())) {
+            if (!(value >= 0.0) || value >= static_cast<double>(mesh.points.size()) ||
+                std::trunc(value) != value) {
               error = path + ": face " + std::to_string(i) + " uses vertex " +
                       std::to_string(value) + ", which does not exist (the file has " +
                       std::to_string(mesh.points.size()) + " vertices)";
