@@ -23,8 +23,8 @@
 #include <vector>
 
 #include "commands/command_binding.h"
-#include "commands/match_scoring.h"
-#include "commands/object_features.h"
+#include "core/matching/match_scoring.h"
+#include "core/matching/object_features.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "commands/command_binding.h"
-#include "commands/recent_scene.h"
+#include "core/recent/recent_scene.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "fuzz/fuzz_common.h"
-#include "nodes/curve/line_simplify.h"
+#include "core/curve/line_simplify.h"
 
 using namespace quillix;
 using quillix::fuzz::Check;

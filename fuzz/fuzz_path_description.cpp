@@ -8,7 +8,7 @@
 
 #include "fuzz/fuzz_common.h"
 #include "kernel/geometry.h"
-#include "nodes/pathfind/path_node.h"
+#include "core/mesh/path_node.h"
 
 using namespace quillix;
 using quillix::fuzz::Check;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "commands/recent_scene.h"
+#include "core/recent/recent_scene.h"
 #include "fuzz/fuzz_common.h"
 
 using namespace quillix;

@@ -8,7 +8,7 @@
 
 #include "fuzz/fuzz_common.h"
 #include "kernel/geometry.h"
-#include "nodes/pathfind/vertex_path.h"
+#include "core/mesh/vertex_path.h"
 
 using namespace quillix;
 using quillix::fuzz::Check;

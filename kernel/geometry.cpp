@@ -5,7 +5,7 @@
 #include <cstring>
 #include <limits>
 
-#include "kernel/half_float.h"
+#include "core/math/half_float.h"
 #include "kernel/octree.h"
 #include "kernel/status_codes.h"
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "kernel/math_types.h"
+#include "core/math/math_types.h"
 #include "kernel/memory_context.h"
 #include "kernel/status.h"
 

@@ -3,6 +3,8 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
+#include "plugin/callback_guard.h"
+
 namespace {
 
 using RegisterFunction = XSI::CStatus (*)(XSI::PluginRegistrar&);
@@ -35,7 +37,10 @@ XSIPLUGINCALLBACK XSI::CStatus XSILoadPlugin(XSI::PluginRegistrar& registrar) {
   registrar.RegisterCommand(L"Quillix__FindMatchingObjects", L"Quillix__FindMatchingObjects");
   registrar.RegisterCommand(L"Quillix__OpenMostRecentScene", L"Quillix__OpenMostRecentScene");
 
-  for (RegisterFunction registerNode : kCatalogue) registerNode(registrar);
+  // One node whose registration throws must not keep the others from registering.
+  for (RegisterFunction registerNode : kCatalogue) {
+    quillix::plugin::CallGuarded([&] { return registerNode(registrar); }, XSI::CStatus::OK);
+  }
   return XSI::CStatus::OK;
 }
 

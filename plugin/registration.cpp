@@ -9,7 +9,7 @@ namespace quillix::plugin {
 
 namespace {
 
-XSI::CValue toValue(const DefaultValue& d) {
+XSI::CValue ToValue(const DefaultValue& d) {
   switch (d.kind) {
     case DefaultValue::Kind::Bool: return XSI::CValue(d.number != 0.0);
     case DefaultValue::Kind::Int: return XSI::CValue(static_cast<XSI::LONG>(d.number));
@@ -30,7 +30,7 @@ XSI::CValue toValue(const DefaultValue& d) {
 
 }  // namespace
 
-XSI::CStatus registerNode(XSI::PluginRegistrar& registrar, const NodeDef& node) {
+XSI::CStatus RegisterNode(XSI::PluginRegistrar& registrar, const NodeDef& node) {
   XSI::Factory factory = XSI::Application().GetFactory();
   XSI::ICENodeDef definition = factory.CreateICENodeDef(node.name, L"");
 
@@ -41,7 +41,7 @@ XSI::CStatus registerNode(XSI::PluginRegistrar& registrar, const NodeDef& node) 
     if (p.direction != PortDirection::In) continue;
     definition
         .AddInputPort(p.id, kGroupInputs, p.dataTypes, p.structures, p.contexts, p.displayName,
-                      p.scriptName, toValue(p.defaultValue), p.typeLink, p.structureLink,
+                      p.scriptName, ToValue(p.defaultValue), p.typeLink, p.structureLink,
                       p.contextLink)
         .AssertSucceeded();
   }

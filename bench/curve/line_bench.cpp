@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "bench/curve/polylines.h"
-#include "nodes/curve/line_resample.h"
-#include "nodes/curve/line_simplify.h"
+#include "core/curve/line_resample.h"
+#include "core/curve/line_simplify.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "bench/curve/polylines.h"
 #include "kernel/memory_context.h"
-#include "nodes/curve/sphere_distribution.h"
+#include "core/curve/sphere_distribution.h"
 
 namespace {
 

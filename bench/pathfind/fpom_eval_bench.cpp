@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "kernel/geometry.h"
-#include "nodes/pathfind/path_node.h"
+#include "core/mesh/path_node.h"
 #include "tests/kernel/test_meshes.h"
 
 namespace quillix::bench {

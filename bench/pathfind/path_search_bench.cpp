@@ -13,8 +13,8 @@
 
 #include "bench/pathfind/bench_meshes.h"
 #include "kernel/geometry.h"
-#include "nodes/pathfind/vertex_path.h"
-#include "tests/nodes/pathfind/literal_search.h"
+#include "core/mesh/vertex_path.h"
+#include "tests/core/mesh/literal_search.h"
 
 namespace quillix::bench {
 namespace {

@@ -9,10 +9,10 @@
 #include <map>
 #include <vector>
 
-#include "nodes/spatial/box_intersect.h"
-#include "nodes/spatial/ellipsoid.h"
-#include "nodes/spatial/moving_box.h"
-#include "tests/nodes/spatial/box_fixtures.h"
+#include "core/spatial/box_intersect.h"
+#include "core/spatial/ellipsoid.h"
+#include "core/spatial/moving_box.h"
+#include "tests/core/spatial/box_fixtures.h"
 
 namespace {
 

@@ -13,9 +13,9 @@
 #include <xsi_indexset.h>
 #include <xsi_pluginregistrar.h>
 
-#include "nodes/curve/host_arrays.h"
-#include "nodes/curve/sphere_distribution.h"
-#include "plugin/evaluation_guard.h"
+#include "plugin/host_arrays.h"
+#include "core/curve/sphere_distribution.h"
+#include "plugin/callback_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -49,48 +49,48 @@ constexpr PortDef input(ULONG id, ULONG type, ULONG structure, const wchar_t* sc
 
 constexpr PortDef kSharedInputs[] = {
     input(kPositionsPort, siICENodeDataVector3, siICENodeStructureArray, L"controlPositions",
-          L"In Array of Control Point Positions", defaultVector3Zero()),
+          L"In Array of Control Point Positions", DefaultVector3Zero()),
     input(kUpVectorsPort, siICENodeDataVector3, siICENodeStructureArray, L"controlUpVectors",
-          L"In Array of Control Point Up Vectors", defaultVector3Zero()),
+          L"In Array of Control Point Up Vectors", DefaultVector3Zero()),
     input(kIntervalIndicesPort, siICENodeDataLong, siICENodeStructureArray,
           L"controlIntervalIndices", L"In Array of Control Interval Indices (Optional)",
-          defaultInt(-1)),
+          DefaultInt(-1)),
     input(kRadiiPort, siICENodeDataFloat, siICENodeStructureArray, L"sphereRadiuses",
-          L"In Array of Sphere Radiuses", defaultFloat(1.0f)),
+          L"In Array of Sphere Radiuses", DefaultFloat(1.0f)),
     input(kCornerThresholdPort, siICENodeDataFloat, siICENodeStructureSingle, L"cornerThreshold",
-          L"Corner Threshold", defaultFloat(1.0f)),
+          L"Corner Threshold", DefaultFloat(1.0f)),
     input(kCornerScalePort, siICENodeDataFloat, siICENodeStructureSingle, L"cornerScale",
-          L"Corner Scale", defaultFloat(1.0f)),
+          L"Corner Scale", DefaultFloat(1.0f)),
     input(kClosedPort, siICENodeDataLong, siICENodeStructureSingle, L"closed",
-          L"Treat Spline as closed", defaultInt(0)),
+          L"Treat Spline as closed", DefaultInt(0)),
     input(kAlignmentPort, siICENodeDataLong, siICENodeStructureSingle, L"alignment", L"Alignment",
-          defaultInt(1)),
+          DefaultInt(1)),
     input(kDistributionPort, siICENodeDataLong, siICENodeStructureSingle, L"distribution",
-          L"Distribution", defaultInt(0)),
+          L"Distribution", DefaultInt(0)),
     input(kRandomSeedPort, siICENodeDataLong, siICENodeStructureSingle, L"randomSeed",
-          L"Random Seed", defaultInt(0)),
+          L"Random Seed", DefaultInt(0)),
 };
 
 constexpr PortDef kSharedTail[] = {
     input(kMaxNumSpheresPort, siICENodeDataLong, siICENodeStructureSingle, L"maxNumSpheres",
-          L"Max Num Spheres", defaultInt(16777216)),
+          L"Max Num Spheres", DefaultInt(16777216)),
     {kResultPort, PortDirection::Out, siICENodeDataMatrix44, siICENodeStructureArray,
-     siICENodeContextAny, L"result", L"Encoded 4x4 Matrix", noDefault(), kNoLink, kNoLink,
+     siICENodeContextAny, L"result", L"Encoded 4x4 Matrix", NoDefault(), kNoLink, kNoLink,
      kLinkContext},
 };
 
 constexpr PortDef kDsalsInterpolation[] = {
     input(kInterpolatePort, siICENodeDataLong, siICENodeStructureSingle, L"interpolate",
-          L"Interpolate", defaultInt(3)),
+          L"Interpolate", DefaultInt(3)),
 };
 
 constexpr PortDef kDsals2Interpolation[] = {
     input(kInterpPositionsPort, siICENodeDataLong, siICENodeStructureSingle, L"interpTypePositions",
-          L"interpTypePositions", defaultInt(20)),
+          L"interpTypePositions", DefaultInt(20)),
     input(kInterpTangentsPort, siICENodeDataLong, siICENodeStructureSingle, L"interpTypeTangents",
-          L"interpTypeTangents", defaultInt(20)),
+          L"interpTypeTangents", DefaultInt(20)),
     input(kInterpUpVectorsPort, siICENodeDataLong, siICENodeStructureSingle, L"interpTypeUpVectors",
-          L"interpTypeUpVectors", defaultInt(20)),
+          L"interpTypeUpVectors", DefaultInt(20)),
 };
 
 // The port table of one variant: the shared inputs, its interpolation ports, the shared tail.
@@ -152,10 +152,10 @@ void evaluateSpheres(ICENodeContext& context, InterpolationAt&& interpolationAt)
       params.cornerThreshold = cornerThreshold[it];
       params.maxSpheres = maxNumSpheres[it];
       quillix::DistributeSpheresOverIntervals(
-          quillix::curve::pointsAt(positions, it), quillix::curve::pointsAt(upVectors, it),
+          quillix::plugin::PointsAt(positions, it), quillix::plugin::PointsAt(upVectors, it),
           {indexList.GetData(), indexList.GetCount()}, closed[it] != 0, params, records, nullptr);
     }
-    quillix::curve::writeArray(result, it, std::as_const(records).span());
+    quillix::plugin::WriteArray(result, it, std::as_const(records).span());
   }
 }
 
@@ -163,7 +163,7 @@ void evaluateSpheres(ICENodeContext& context, InterpolationAt&& interpolationAt)
 
 XSIPLUGINCALLBACK CStatus Quillix_dsals_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
+  return quillix::plugin::EvaluateGuarded([&] {
     const CDataArrayLong interpolate(context, kInterpolatePort);
     if (interpolate.GetCount() == 0) return;
     evaluateSpheres(context, [&](ULONG element) {
@@ -173,12 +173,12 @@ XSIPLUGINCALLBACK CStatus Quillix_dsals_Evaluate(ICENodeContext& context) {
 }
 
 CStatus Quillix_dsals_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_dsals", siICENodeMultiThreading, 1, 1, kDsalsPorts});
+  return RegisterNode(registrar, {L"Quillix_dsals", siICENodeMultiThreading, 1, 1, kDsalsPorts});
 }
 
 XSIPLUGINCALLBACK CStatus Quillix_dsals2_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
+  return quillix::plugin::EvaluateGuarded([&] {
     const CDataArrayLong positions(context, kInterpPositionsPort);
     const CDataArrayLong tangents(context, kInterpTangentsPort);
     const CDataArrayLong upVectors(context, kInterpUpVectorsPort);
@@ -191,5 +191,5 @@ XSIPLUGINCALLBACK CStatus Quillix_dsals2_Evaluate(ICENodeContext& context) {
 }
 
 CStatus Quillix_dsals2_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_dsals2", siICENodeMultiThreading, 1, 1, kDsals2Ports});
+  return RegisterNode(registrar, {L"Quillix_dsals2", siICENodeMultiThreading, 1, 1, kDsals2Ports});
 }

@@ -19,9 +19,9 @@
 #include <xsi_transformation.h>
 #include <xsi_x3dobject.h>
 
-#include "nodes/curve/host_arrays.h"
-#include "nodes/curve/point_on_curve.h"
-#include "plugin/evaluation_guard.h"
+#include "plugin/host_arrays.h"
+#include "core/curve/point_on_curve.h"
+#include "plugin/callback_guard.h"
 #include "plugin/evaluation.h"
 #include "plugin/registration.h"
 
@@ -47,7 +47,7 @@ constexpr PortDef output(ULONG id, const wchar_t* name) {
           siICENodeContextAny,
           name,
           name,
-          noDefault(),
+          NoDefault(),
           kNoLink,
           kLinkStructure,
           kLinkContext};
@@ -55,13 +55,13 @@ constexpr PortDef output(ULONG id, const wchar_t* name) {
 
 constexpr PortDef kPorts[] = {
     {kNamePort, PortDirection::In, siICENodeDataString, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"Name", L"Name", defaultString(L""), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"Name", L"Name", DefaultString(L""), kNoLink, kNoLink, kNoLink},
     {kModePort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"Mode", L"Mode", defaultInt(2), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"Mode", L"Mode", DefaultInt(2), kNoLink, kNoLink, kNoLink},
     {kParameterPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureAny,
-     siICENodeContextAny, L"U", L"U", defaultFloat(0.0f), kNoLink, kLinkStructure, kLinkContext},
+     siICENodeContextAny, L"U", L"U", DefaultFloat(0.0f), kNoLink, kLinkStructure, kLinkContext},
     {kSubCurvePort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"SubC", L"SubC", defaultInt(0), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"SubC", L"SubC", DefaultInt(0), kNoLink, kNoLink, kNoLink},
     output(kPositionPort, L"Position"),
     output(kTangentPort, L"Tangent"),
     output(kNormalPort, L"Normal"),
@@ -159,8 +159,8 @@ std::optional<quillix::CurveOutput> outputOf(ULONG port) {
 XSIPLUGINCALLBACK CStatus Quillix_gpoc_Evaluate(ICENodeContext& context) {
   const std::optional<quillix::CurveOutput> output = outputOf(context.GetEvaluatedOutputPortID());
   if (!output) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
-    const auto parameterInfo = queryPortInfo(context, kParameterPort);
+  return quillix::plugin::EvaluateGuarded([&] {
+    const auto parameterInfo = QueryPortInfo(context, kParameterPort);
     if (!parameterInfo) return;
     const double frame = context.GetTime().GetTime();
     const CDataArrayString name(context, kNamePort);
@@ -176,7 +176,7 @@ XSIPLUGINCALLBACK CStatus Quillix_gpoc_Evaluate(ICENodeContext& context) {
     const quillix::CurveSampler* sampler = curve ? &*curve : nullptr;
     CIndexSet indexSet(context);
 
-    if (!parameterInfo->isArray()) {
+    if (!parameterInfo->IsArray()) {
       const CDataArrayFloat parameters(context, kParameterPort);
       CDataArrayVector3f result(context);
       if (parameters.GetCount() == 0) return;
@@ -195,11 +195,11 @@ XSIPLUGINCALLBACK CStatus Quillix_gpoc_Evaluate(ICENodeContext& context) {
       auto out = result.Resize(it, values.GetCount());
       if (out.GetCount() != values.GetCount()) continue;
       quillix::SampleCurve({values.GetData(), values.GetCount()}, curveMode, sampler, placement,
-                           *output, quillix::curve::mutablePoints(out));
+                           *output, quillix::plugin::MutablePoints(out));
     }
   });
 }
 
 CStatus Quillix_gpoc_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_gpoc", siICENodeSingleThreading, 1, 1, kPorts});
+  return RegisterNode(registrar, {L"Quillix_gpoc", siICENodeSingleThreading, 1, 1, kPorts});
 }

@@ -8,9 +8,9 @@
 #include <xsi_indexset.h>
 #include <xsi_pluginregistrar.h>
 
-#include "nodes/curve/host_arrays.h"
-#include "nodes/curve/line_resample.h"
-#include "plugin/evaluation_guard.h"
+#include "plugin/host_arrays.h"
+#include "core/curve/line_resample.h"
+#include "plugin/callback_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -26,20 +26,20 @@ constexpr ULONG kResultPort = 2010;
 
 constexpr PortDef kPorts[] = {
     {kControlPointsPort, PortDirection::In, siICENodeDataVector3, siICENodeStructureArray,
-     siICENodeContextAny, L"pntControlPoints", L"In Array of Control Points", defaultVector3Zero(),
+     siICENodeContextAny, L"pntControlPoints", L"In Array of Control Points", DefaultVector3Zero(),
      kNoLink, kLinkStructure, kLinkContext},
     // A float on purpose: its sign selects count or density mode.
     {kNumOutputPointsPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
      siICENodeContextAny, L"pntBasicNumOutputPoints", L"(Basic) Number of Output Points",
-     defaultDouble(20.0), kNoLink, kLinkStructure, kLinkContext},
+     DefaultDouble(20.0), kNoLink, kLinkStructure, kLinkContext},
     {kSmoothStrengthPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
      siICENodeContextAny, L"pntBasicLaplacianSmoothStrength", L"(Basic) Laplacian Smooth Strength",
-     defaultFloat(0.7f), kNoLink, kLinkStructure, kLinkContext},
+     DefaultFloat(0.7f), kNoLink, kLinkStructure, kLinkContext},
     {kSmoothIterationsPort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
      siICENodeContextAny, L"pntBasicLaplacianSmoothIterations",
-     L"(Basic) Laplacian Smooth Iterations", defaultInt(3), kNoLink, kLinkStructure, kLinkContext},
+     L"(Basic) Laplacian Smooth Iterations", DefaultInt(3), kNoLink, kLinkStructure, kLinkContext},
     {kResultPort, PortDirection::Out, siICENodeDataVector3, siICENodeStructureArray,
-     siICENodeContextAny, L"basicResult", L"(Basic) Result", noDefault(), kNoLink, kNoLink,
+     siICENodeContextAny, L"basicResult", L"(Basic) Result", NoDefault(), kNoLink, kNoLink,
      kLinkContext},
 };
 
@@ -47,7 +47,7 @@ constexpr PortDef kPorts[] = {
 
 XSIPLUGINCALLBACK CStatus Quillix_rlins_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
+  return quillix::plugin::EvaluateGuarded([&] {
     const CDataArray2DVector3f points(context, kControlPointsPort);
     const CDataArrayFloat numOutputPoints(context, kNumOutputPointsPort);
     const CDataArrayFloat strength(context, kSmoothStrengthPort);
@@ -58,18 +58,18 @@ XSIPLUGINCALLBACK CStatus Quillix_rlins_Evaluate(ICENodeContext& context) {
       return;
     std::vector<float> segmentLengths;
     for (CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {
-      const auto input = quillix::curve::pointsAt(points, it);
+      const auto input = quillix::plugin::PointsAt(points, it);
       const quillix::ResamplePlan plan =
           quillix::PlanResample(input, numOutputPoints[it], segmentLengths);
       // Resampled and smoothed directly in the host's output array.
       auto out = result.Resize(it, static_cast<ULONG>(plan.count));
       if (out.GetCount() != plan.count) continue;
       quillix::ResampleLine(input, plan, segmentLengths, strength[it], iterations[it],
-                            quillix::curve::mutablePoints(out));
+                            quillix::plugin::MutablePoints(out));
     }
   });
 }
 
 CStatus Quillix_rlins_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_rlins", siICENodeMultiThreading, 1, 1, kPorts});
+  return RegisterNode(registrar, {L"Quillix_rlins", siICENodeMultiThreading, 1, 1, kPorts});
 }

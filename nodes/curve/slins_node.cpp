@@ -10,9 +10,9 @@
 #include <xsi_indexset.h>
 #include <xsi_pluginregistrar.h>
 
-#include "nodes/curve/host_arrays.h"
-#include "nodes/curve/line_simplify.h"
-#include "plugin/evaluation_guard.h"
+#include "plugin/host_arrays.h"
+#include "core/curve/line_simplify.h"
+#include "plugin/callback_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -28,26 +28,26 @@ constexpr ULONG kResultPort = 2010;
 
 constexpr PortDef kPorts[] = {
     {kControlPointsPort, PortDirection::In, siICENodeDataVector3, siICENodeStructureArray,
-     siICENodeContextAny, L"controlPoints", L"In Array of Control Points", defaultVector3Zero(),
+     siICENodeContextAny, L"controlPoints", L"In Array of Control Points", DefaultVector3Zero(),
      kNoLink, kLinkStructure, kLinkContext},
     {kEpsilonPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
-     siICENodeContextAny, L"epsilon", L"Epsilon", defaultDouble(1.0), kNoLink, kLinkStructure,
+     siICENodeContextAny, L"epsilon", L"Epsilon", DefaultDouble(1.0), kNoLink, kLinkStructure,
      kLinkContext},
     {kClosedPort, PortDirection::In, siICENodeDataBool, siICENodeStructureSingle,
-     siICENodeContextAny, L"closed", L"Treat Spline as closed", defaultBool(false), kNoLink,
+     siICENodeContextAny, L"closed", L"Treat Spline as closed", DefaultBool(false), kNoLink,
      kLinkStructure, kLinkContext},
     {kMinThreePort, PortDirection::In, siICENodeDataBool, siICENodeStructureSingle,
      siICENodeContextAny, L"minThree", L"Result must have at least three Points",
-     defaultBool(false), kNoLink, kLinkStructure, kLinkContext},
+     DefaultBool(false), kNoLink, kLinkStructure, kLinkContext},
     {kResultPort, PortDirection::Out, siICENodeDataVector3, siICENodeStructureArray,
-     siICENodeContextAny, L"result", L"Result", noDefault(), kNoLink, kNoLink, kLinkContext},
+     siICENodeContextAny, L"result", L"Result", NoDefault(), kNoLink, kNoLink, kLinkContext},
 };
 
 }  // namespace
 
 XSIPLUGINCALLBACK CStatus Quillix_slins_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
+  return quillix::plugin::EvaluateGuarded([&] {
     const CDataArray2DVector3f points(context, kControlPointsPort);
     const CDataArrayFloat epsilon(context, kEpsilonPort);
     const CDataArrayBool closed(context, kClosedPort);
@@ -69,12 +69,12 @@ XSIPLUGINCALLBACK CStatus Quillix_slins_Evaluate(ICENodeContext& context) {
     }
     for (CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {
       const auto simplified = quillix::SimplifyPolyline(
-          quillix::curve::pointsAt(points, it), epsilon[it], closed[it], minThree[it], work);
-      quillix::curve::writeArray(result, it, simplified);
+          quillix::plugin::PointsAt(points, it), epsilon[it], closed[it], minThree[it], work);
+      quillix::plugin::WriteArray(result, it, simplified);
     }
   });
 }
 
 CStatus Quillix_slins_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_slins", siICENodeMultiThreading, 1, 1, kPorts});
+  return RegisterNode(registrar, {L"Quillix_slins", siICENodeMultiThreading, 1, 1, kPorts});
 }

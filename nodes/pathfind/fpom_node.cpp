@@ -15,7 +15,7 @@
 #include <new>
 #include <vector>
 
-#include "nodes/pathfind/path_node.h"
+#include "core/mesh/path_node.h"
 #include "plugin/registration.h"
 
 namespace {
@@ -35,31 +35,31 @@ constexpr ULONG kPathVertexIndices = 2020;
 
 constexpr PortDef kPorts[] = {
     {kEnable, PortDirection::In, XSI::siICENodeDataBool, XSI::siICENodeStructureSingle,
-     XSI::siICENodeContextAny, L"enable", L"Enable", defaultBool(true), kNoLink, kLinkStructure,
+     XSI::siICENodeContextAny, L"enable", L"Enable", DefaultBool(true), kNoLink, kLinkStructure,
      kLinkContext},
     {kVerbose, PortDirection::In, XSI::siICENodeDataLong, XSI::siICENodeStructureSingle,
-     XSI::siICENodeContextSingleton, L"verbose", L"Verbose", defaultInt(0), kNoLink, kNoLink,
+     XSI::siICENodeContextSingleton, L"verbose", L"Verbose", DefaultInt(0), kNoLink, kNoLink,
      kNoLink},
     {kVertexPositions, PortDirection::In, XSI::siICENodeDataVector3, XSI::siICENodeStructureArray,
-     XSI::siICENodeContextSingleton, L"vertexPositions", L"Vertex Positions", defaultVector3Zero(),
+     XSI::siICENodeContextSingleton, L"vertexPositions", L"Vertex Positions", DefaultVector3Zero(),
      kNoLink, kNoLink, kNoLink},
     {kVertexFlags, PortDirection::In, XSI::siICENodeDataBool, XSI::siICENodeStructureArray,
-     XSI::siICENodeContextSingleton, L"vertexFlags", L"Vertex Flags", defaultBool(true), kNoLink,
+     XSI::siICENodeContextSingleton, L"vertexFlags", L"Vertex Flags", DefaultBool(true), kNoLink,
      kNoLink, kNoLink},
     {kPolygonalDescription, PortDirection::In, XSI::siICENodeDataLong, XSI::siICENodeStructureArray,
      XSI::siICENodeContextSingleton, L"polygonalDescription", L"Polygonal Description",
-     defaultInt(0), kNoLink, kNoLink, kNoLink},
+     DefaultInt(0), kNoLink, kNoLink, kNoLink},
     {kPathFindingAlgorithm, PortDirection::In, XSI::siICENodeDataLong,
      XSI::siICENodeStructureSingle, XSI::siICENodeContextSingleton, L"pathFindingAlgorithm",
-     L"Path Finding Algorithm", defaultInt(0), kNoLink, kNoLink, kNoLink},
+     L"Path Finding Algorithm", DefaultInt(0), kNoLink, kNoLink, kNoLink},
     {kPathInitVertexIndices, PortDirection::In, XSI::siICENodeDataLong,
      XSI::siICENodeStructureArray, XSI::siICENodeContextAny, L"pathInitVertexIndices",
-     L"Path Init Vertex Indices", defaultInt(0), kNoLink, kLinkStructure, kLinkContext},
+     L"Path Init Vertex Indices", DefaultInt(0), kNoLink, kLinkStructure, kLinkContext},
     {kReturnValue, PortDirection::Out, XSI::siICENodeDataLong, XSI::siICENodeStructureSingle,
-     XSI::siICENodeContextSingleton, L"returnValue", L"Return Value", noDefault(), kNoLink, kNoLink,
+     XSI::siICENodeContextSingleton, L"returnValue", L"Return Value", NoDefault(), kNoLink, kNoLink,
      kNoLink},
     {kPathVertexIndices, PortDirection::Out, XSI::siICENodeDataLong, XSI::siICENodeStructureArray,
-     XSI::siICENodeContextAny, L"pathVertexIndices", L"Path Vertex Indices", noDefault(), kNoLink,
+     XSI::siICENodeContextAny, L"pathVertexIndices", L"Path Vertex Indices", NoDefault(), kNoLink,
      kNoLink, kLinkContext},
 };
 
@@ -228,5 +228,5 @@ XSIPLUGINCALLBACK XSI::CStatus Quillix_fpom_EndEvaluate(XSI::ICENodeContext& con
 }
 
 XSI::CStatus Quillix_fpom_Register(XSI::PluginRegistrar& registrar) {
-  return registerNode(registrar, kNode);
+  return RegisterNode(registrar, kNode);
 }

@@ -6,9 +6,9 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "nodes/spatial/ellipsoid.h"
+#include "core/spatial/ellipsoid.h"
 #include "nodes/spatial/matrix_pair_evaluation.h"
-#include "plugin/evaluation_guard.h"
+#include "plugin/callback_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -35,7 +35,7 @@ struct EllipsoidGap {
 
 XSIPLUGINCALLBACK CStatus Quillix_cdbte_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
+  return quillix::plugin::EvaluateGuarded([&] {
     // Only one method exists; any other value is worth a warning but computes the same.
     if (readMode(context, 0) != 0) {
       Application().LogMessage(L"Quillix_cdbte: illegal method!", siWarningMsg);
@@ -45,5 +45,5 @@ XSIPLUGINCALLBACK CStatus Quillix_cdbte_Evaluate(ICENodeContext& context) {
 }
 
 CStatus Quillix_cdbte_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_cdbte", siICENodeMultiThreading, 1, 1, kPorts});
+  return RegisterNode(registrar, {L"Quillix_cdbte", siICENodeMultiThreading, 1, 1, kPorts});
 }

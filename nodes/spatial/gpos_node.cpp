@@ -22,7 +22,7 @@
 #include "kernel/geometry.h"
 #include "kernel/status.h"
 #include "kernel/status_codes.h"
-#include "plugin/evaluation_guard.h"
+#include "plugin/callback_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -38,17 +38,17 @@ constexpr ULONG kPositionsPort = 2010;
 
 constexpr PortDef kPorts[] = {
     {kNamesPort, PortDirection::In, siICENodeDataString, siICENodeStructureArray,
-     siICENodeContextSingleton, L"Names", L"In Names", defaultString(L""), kNoLink, kNoLink,
+     siICENodeContextSingleton, L"Names", L"In Names", DefaultString(L""), kNoLink, kNoLink,
      kNoLink},
     {kTransformsPort, PortDirection::In, siICENodeDataMatrix44, siICENodeStructureArray,
-     siICENodeContextSingleton, L"GlobalTransform", L"In Global Transform", defaultMatrix44Zero(),
+     siICENodeContextSingleton, L"GlobalTransform", L"In Global Transform", DefaultMatrix44Zero(),
      kNoLink, kNoLink, kNoLink},
     {kLodPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"LOD", L"LOD", defaultFloat(1.0f), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"LOD", L"LOD", DefaultFloat(1.0f), kNoLink, kNoLink, kNoLink},
     {kModePort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"Mode", L"Mode", defaultInt(0), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"Mode", L"Mode", DefaultInt(0), kNoLink, kNoLink, kNoLink},
     {kPositionsPort, PortDirection::Out, siICENodeDataVector3, siICENodeStructureArray,
-     siICENodeContextSingleton, L"Positions", L"Array of Positions", noDefault(), kNoLink, kNoLink,
+     siICENodeContextSingleton, L"Positions", L"Array of Positions", NoDefault(), kNoLink, kNoLink,
      kNoLink},
 };
 
@@ -123,7 +123,7 @@ MATH::CVector3f place(const quillix::Vec3f& p, const MATH::CMatrix4f& m) {
 
 XSIPLUGINCALLBACK CStatus Quillix_gpos_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kPositionsPort) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
+  return quillix::plugin::EvaluateGuarded([&] {
     const Model root = Application().GetActiveSceneRoot();
     const CDataArray2D<CString> names(context, kNamesPort);
     const CDataArray2D<MATH::CMatrix4f> transforms(context, kTransformsPort);
@@ -157,5 +157,5 @@ XSIPLUGINCALLBACK CStatus Quillix_gpos_Evaluate(ICENodeContext& context) {
 }
 
 CStatus Quillix_gpos_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_gpos", siICENodeSingleThreading, 1, 1, kPorts});
+  return RegisterNode(registrar, {L"Quillix_gpos", siICENodeSingleThreading, 1, 1, kPorts});
 }

@@ -5,9 +5,9 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "nodes/spatial/box_intersect.h"
+#include "core/spatial/box_intersect.h"
 #include "nodes/spatial/matrix_pair_evaluation.h"
-#include "plugin/evaluation_guard.h"
+#include "plugin/callback_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -35,12 +35,12 @@ struct BoxPair {
 
 XSIPLUGINCALLBACK CStatus Quillix_iotb_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
+  return quillix::plugin::EvaluateGuarded([&] {
     // Every integer is a mode: negative, zero and positive select the three test strengths.
     evaluateMatrixPairs<LONG>(context, kMatrixAPort, kMatrixBPort, BoxPair{readMode(context, 0)});
   });
 }
 
 CStatus Quillix_iotb_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_iotb", siICENodeMultiThreading, 1, 1, kPorts});
+  return RegisterNode(registrar, {L"Quillix_iotb", siICENodeMultiThreading, 1, 1, kPorts});
 }

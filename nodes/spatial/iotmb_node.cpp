@@ -7,8 +7,8 @@
 #include <xsi_status.h>
 
 #include "nodes/spatial/matrix_pair_evaluation.h"
-#include "nodes/spatial/moving_box.h"
-#include "plugin/evaluation_guard.h"
+#include "core/spatial/moving_box.h"
+#include "plugin/callback_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -39,12 +39,12 @@ struct MovingBoxPair {
 
 XSIPLUGINCALLBACK CStatus Quillix_iotmb_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
+  return quillix::plugin::EvaluateGuarded([&] {
     const MovingBoxPair kernel{readMode(context, kDefaultMode)};
     evaluateMatrixPairs<float>(context, kMatrixAPort, kMatrixBPort, kernel);
   });
 }
 
 CStatus Quillix_iotmb_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_iotmb", siICENodeMultiThreading, 1, 1, kPorts});
+  return RegisterNode(registrar, {L"Quillix_iotmb", siICENodeMultiThreading, 1, 1, kPorts});
 }

@@ -21,8 +21,9 @@
 #include <xsi_indexset.h>
 #include <xsi_matrix4f.h>
 
-#include "kernel/math_types.h"
+#include "core/math/math_types.h"
 #include "plugin/evaluation.h"
+#include "plugin/host_arrays.h"
 #include "plugin/registration.h"
 
 namespace quillix::spatial {
@@ -42,16 +43,16 @@ constexpr std::array<plugin::PortDef, 4> matrixPairPorts(int defaultMode, const 
   using namespace plugin;
   return {{
       {kModePort, PortDirection::In, XSI::siICENodeDataLong, XSI::siICENodeStructureSingle,
-       XSI::siICENodeContextSingleton, L"mode", L"Mode", defaultInt(defaultMode), kNoLink, kNoLink,
+       XSI::siICENodeContextSingleton, L"mode", L"Mode", DefaultInt(defaultMode), kNoLink, kNoLink,
        kNoLink},
       {kMatrixAPort, PortDirection::In, XSI::siICENodeDataMatrix44, XSI::siICENodeStructureAny,
-       XSI::siICENodeContextAny, L"tmA", displayA, defaultMatrix44Zero(), kNoLink, kLinkStructure,
+       XSI::siICENodeContextAny, L"tmA", displayA, DefaultMatrix44Zero(), kNoLink, kLinkStructure,
        kLinkContext},
       {kMatrixBPort, PortDirection::In, XSI::siICENodeDataMatrix44, XSI::siICENodeStructureAny,
-       XSI::siICENodeContextAny, L"tmB", displayB, defaultMatrix44Zero(), kNoLink, kLinkStructure,
+       XSI::siICENodeContextAny, L"tmB", displayB, DefaultMatrix44Zero(), kNoLink, kLinkStructure,
        kLinkContext},
       {kResultPort, PortDirection::Out, resultType, XSI::siICENodeStructureAny,
-       XSI::siICENodeContextAny, L"result", resultDisplay, noDefault(), kNoLink, kLinkStructure,
+       XSI::siICENodeContextAny, L"result", resultDisplay, NoDefault(), kNoLink, kLinkStructure,
        kLinkContext},
   }};
 }
@@ -62,12 +63,7 @@ inline XSI::LONG readMode(XSI::ICENodeContext& context, XSI::LONG fallback) {
   return mode.GetCount() > 0 ? mode[0] : fallback;
 }
 
-inline Mat4f toMat4f(const XSI::MATH::CMatrix4f& matrix) {
-  static_assert(sizeof(Mat4f) == 16 * sizeof(float));
-  Mat4f m;
-  std::memcpy(m.m, matrix.Get(), sizeof(m.m));
-  return m;
-}
+using plugin::ToMat4f;
 
 // A pair kernel offers:
 //   Prepared prepare(const Mat4f& matrix, bool reused) const;  // reused: met in many pairs
@@ -80,13 +76,13 @@ template <class Kernel>
 class PairOperand {
  public:
   void share(const Kernel& kernel, const XSI::MATH::CMatrix4f& matrix) {
-    m_shared.emplace(kernel.prepare(toMat4f(matrix), true));
+    m_shared.emplace(kernel.prepare(ToMat4f(matrix), true));
   }
 
   template <class Use>
   auto with(const Kernel& kernel, const XSI::MATH::CMatrix4f& matrix, Use&& use) const {
     if (m_shared) return use(*m_shared);
-    return use(kernel.prepare(toMat4f(matrix), false));
+    return use(kernel.prepare(ToMat4f(matrix), false));
   }
 
  private:
@@ -107,14 +103,14 @@ template <class R, class Kernel>
 void evaluateMatrixPairs(XSI::ICENodeContext& context, ULONG portA, ULONG portB,
                          const Kernel& kernel) {
   using XSI::MATH::CMatrix4f;
-  const auto infoA = plugin::queryPortInfo(context, portA);
-  const auto infoB = plugin::queryPortInfo(context, portB);
+  const auto infoA = plugin::QueryPortInfo(context, portA);
+  const auto infoB = plugin::QueryPortInfo(context, portB);
   if (!infoA || !infoB) return;
   XSI::CIndexSet indexSet(context);
   PairOperand<Kernel> a;
   PairOperand<Kernel> b;
 
-  if (!infoA->isArray() && !infoB->isArray()) {
+  if (!infoA->IsArray() && !infoB->IsArray()) {
     const XSI::CDataArray<CMatrix4f> matricesA(context, portA);
     const XSI::CDataArray<CMatrix4f> matricesB(context, portB);
     XSI::CDataArray<R> result(context);
@@ -126,25 +122,25 @@ void evaluateMatrixPairs(XSI::ICENodeContext& context, ULONG portA, ULONG portB,
     return;
   }
 
-  const plugin::ElementView<CMatrix4f> viewA(context, portA, infoA->isArray());
-  const plugin::ElementView<CMatrix4f> viewB(context, portB, infoB->isArray());
+  const plugin::ElementView<CMatrix4f> viewA(context, portA, infoA->IsArray());
+  const plugin::ElementView<CMatrix4f> viewB(context, portB, infoB->IsArray());
   XSI::CDataArray2D<R> result(context);
   for (XSI::CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {
-    const std::span<const CMatrix4f> as = viewA.at(it);
-    const std::span<const CMatrix4f> bs = viewB.at(it);
+    const std::span<const CMatrix4f> as = viewA.At(it);
+    const std::span<const CMatrix4f> bs = viewB.At(it);
     std::size_t count = std::min(as.size(), bs.size());
-    if (viewA.repeats() && !as.empty()) {
+    if (viewA.Repeats() && !as.empty()) {
       count = bs.size();
       a.share(kernel, as[0]);
     }
-    if (viewB.repeats() && !bs.empty()) {
+    if (viewB.Repeats() && !bs.empty()) {
       count = as.size();
       b.share(kernel, bs[0]);
     }
     auto out = result.Resize(it, static_cast<ULONG>(count));
     for (std::size_t j = 0; j < out.GetCount(); ++j) {
       out[static_cast<ULONG>(j)] =
-          pairOf(kernel, a, as[viewA.repeats() ? 0 : j], b, bs[viewB.repeats() ? 0 : j]);
+          pairOf(kernel, a, as[viewA.Repeats() ? 0 : j], b, bs[viewB.Repeats() ? 0 : j]);
     }
   }
 }

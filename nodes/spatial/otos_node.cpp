@@ -17,8 +17,8 @@
 #include <xsi_transformation.h>
 #include <xsi_x3dobject.h>
 
-#include "nodes/spatial/object_spheres.h"
-#include "plugin/evaluation_guard.h"
+#include "core/spatial/object_spheres.h"
+#include "plugin/callback_guard.h"
 #include "plugin/evaluation.h"
 #include "plugin/registration.h"
 
@@ -35,18 +35,18 @@ constexpr ULONG kSpheresPort = 2010;
 
 constexpr PortDef kPorts[] = {
     {kNamesPort, PortDirection::In, siICENodeDataString, siICENodeStructureArray,
-     siICENodeContextSingleton, L"Names", L"In Names", defaultString(L""), kNoLink, kNoLink,
+     siICENodeContextSingleton, L"Names", L"In Names", DefaultString(L""), kNoLink, kNoLink,
      kNoLink},
     {kTransformsPort, PortDirection::In, siICENodeDataMatrix44, siICENodeStructureArray,
-     siICENodeContextSingleton, L"GlobalTransform", L"In Global Transform", defaultMatrix44Zero(),
+     siICENodeContextSingleton, L"GlobalTransform", L"In Global Transform", DefaultMatrix44Zero(),
      kNoLink, kNoLink, kNoLink},
     {kScalePort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"Scale", L"Scale", defaultFloat(1.0f), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"Scale", L"Scale", DefaultFloat(1.0f), kNoLink, kNoLink, kNoLink},
     {kBoneScalePort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"ScaleBone", L"Scale Bone", defaultFloat(1.0f), kNoLink, kNoLink,
+     siICENodeContextSingleton, L"ScaleBone", L"Scale Bone", DefaultFloat(1.0f), kNoLink, kNoLink,
      kNoLink},
     {kSpheresPort, PortDirection::Out, siICENodeDataVector4, siICENodeStructureArray,
-     siICENodeContextSingleton, L"Spheres", L"Array of Spheres", noDefault(), kNoLink, kNoLink,
+     siICENodeContextSingleton, L"Spheres", L"Array of Spheres", NoDefault(), kNoLink, kNoLink,
      kNoLink},
 };
 
@@ -95,9 +95,9 @@ quillix::SceneObjectInfo describeObject(const X3DObject& root, const CString& na
 
 XSIPLUGINCALLBACK CStatus Quillix_otos_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kSpheresPort) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
+  return quillix::plugin::EvaluateGuarded([&] {
     const double frame = context.GetTime().GetTime();
-    if (!queryPortInfo(context, kNamesPort) || !queryPortInfo(context, kTransformsPort)) return;
+    if (!QueryPortInfo(context, kNamesPort) || !QueryPortInfo(context, kTransformsPort)) return;
     const Model root = Application().GetActiveSceneRoot();
     const CDataArray2D<CString> names(context, kNamesPort);
     const CDataArray2D<MATH::CMatrix4f> transforms(context, kTransformsPort);
@@ -134,5 +134,5 @@ XSIPLUGINCALLBACK CStatus Quillix_otos_Evaluate(ICENodeContext& context) {
 }
 
 CStatus Quillix_otos_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_otos", siICENodeSingleThreading, 1, 1, kPorts});
+  return RegisterNode(registrar, {L"Quillix_otos", siICENodeSingleThreading, 1, 1, kPorts});
 }

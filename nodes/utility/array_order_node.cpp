@@ -14,14 +14,14 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "nodes/utility/array_order.h"
-#include "plugin/evaluation_guard.h"
+#include "core/array/array_order.h"
+#include "plugin/callback_guard.h"
 #include "plugin/evaluation.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
-using quillix::plugin::evaluateGuarded;
+using quillix::plugin::EvaluateGuarded;
 
 namespace {
 
@@ -31,19 +31,19 @@ constexpr ULONG kResultPort = 2010;
 
 constexpr PortDef kReversePorts[] = {
     {kArrayPort, PortDirection::In, siICENodeDataValue, siICENodeStructureAny, siICENodeContextAny,
-     L"Array", L"Array", noDefault(), kLinkType, kLinkStructure, kLinkContext},
+     L"Array", L"Array", NoDefault(), kLinkType, kLinkStructure, kLinkContext},
     {kResultPort, PortDirection::Out, siICENodeDataValue, siICENodeStructureAny,
-     siICENodeContextAny, L"Result", L"Result", noDefault(), kLinkType, kLinkStructure,
+     siICENodeContextAny, L"Result", L"Result", NoDefault(), kLinkType, kLinkStructure,
      kLinkContext},
 };
 
 constexpr PortDef kShiftPorts[] = {
     {kArrayPort, PortDirection::In, siICENodeDataValue, siICENodeStructureAny, siICENodeContextAny,
-     L"Array", L"Array", noDefault(), kLinkType, kLinkStructure, kLinkContext},
+     L"Array", L"Array", NoDefault(), kLinkType, kLinkStructure, kLinkContext},
     {kShiftPort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextAny, L"Shift", L"Shift", defaultInt(0), kNoLink, kNoLink, kLinkContext},
+     siICENodeContextAny, L"Shift", L"Shift", DefaultInt(0), kNoLink, kNoLink, kLinkContext},
     {kResultPort, PortDirection::Out, siICENodeDataValue, siICENodeStructureAny,
-     siICENodeContextAny, L"Result", L"Result", noDefault(), kLinkType, kLinkStructure,
+     siICENodeContextAny, L"Result", L"Result", NoDefault(), kLinkType, kLinkStructure,
      kLinkContext},
 };
 
@@ -161,7 +161,7 @@ void reorderForType(ICENodeContext& context, siICENodeDataType type,
 // input's resolved type and structure.
 void evaluateReordering(ICENodeContext& context, bool withShift) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return;
-  const std::optional<PortInfo> array = queryPortInfo(context, kArrayPort);
+  const std::optional<PortInfo> array = QueryPortInfo(context, kArrayPort);
   if (!array) return;
   if (!withShift) {
     reorderForType(context, array->type, array->structure, Reordering{});
@@ -175,17 +175,17 @@ void evaluateReordering(ICENodeContext& context, bool withShift) {
 }  // namespace
 
 XSIPLUGINCALLBACK CStatus Quillix_arrrev_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { evaluateReordering(context, false); });
+  return EvaluateGuarded([&] { evaluateReordering(context, false); });
 }
 
 XSIPLUGINCALLBACK CStatus Quillix_arrshft_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { evaluateReordering(context, true); });
+  return EvaluateGuarded([&] { evaluateReordering(context, true); });
 }
 
 CStatus Quillix_arrrev_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_arrrev", siICENodeMultiThreading, 1, 1, kReversePorts});
+  return RegisterNode(registrar, {L"Quillix_arrrev", siICENodeMultiThreading, 1, 1, kReversePorts});
 }
 
 CStatus Quillix_arrshft_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_arrshft", siICENodeMultiThreading, 1, 1, kShiftPorts});
+  return RegisterNode(registrar, {L"Quillix_arrshft", siICENodeMultiThreading, 1, 1, kShiftPorts});
 }

@@ -6,8 +6,8 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "nodes/utility/int_bits.h"
-#include "plugin/evaluation.h"
+#include "core/math/int_bits.h"
+#include "plugin/broadcast.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -24,24 +24,24 @@ constexpr ULONG kResultPort = 2010;
 
 constexpr PortDef kBytePorts[] = {
     {kInputPort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextAny, L"Input", L"Input", defaultInt(0), kNoLink, kLinkStructure, kLinkContext},
+     siICENodeContextAny, L"Input", L"Input", DefaultInt(0), kNoLink, kLinkStructure, kLinkContext},
     {2010, PortDirection::Out, siICENodeDataLong, siICENodeStructureSingle, siICENodeContextAny,
-     L"Byte0", L"Byte 0", noDefault(), kNoLink, kNoLink, kLinkContext},
+     L"Byte0", L"Byte 0", NoDefault(), kNoLink, kNoLink, kLinkContext},
     {2020, PortDirection::Out, siICENodeDataLong, siICENodeStructureSingle, siICENodeContextAny,
-     L"Byte1", L"Byte 1", noDefault(), kNoLink, kNoLink, kLinkContext},
+     L"Byte1", L"Byte 1", NoDefault(), kNoLink, kNoLink, kLinkContext},
     {2030, PortDirection::Out, siICENodeDataLong, siICENodeStructureSingle, siICENodeContextAny,
-     L"Byte2", L"Byte 2", noDefault(), kNoLink, kNoLink, kLinkContext},
+     L"Byte2", L"Byte 2", NoDefault(), kNoLink, kNoLink, kLinkContext},
     {kByte3Port, PortDirection::Out, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextAny, L"Byte3", L"Byte 3", noDefault(), kNoLink, kNoLink, kLinkContext},
+     siICENodeContextAny, L"Byte3", L"Byte 3", NoDefault(), kNoLink, kNoLink, kLinkContext},
 };
 
 constexpr PortDef kBitPorts[] = {
     {kValuePort, PortDirection::In, siICENodeDataLong, siICENodeStructureAny, siICENodeContextAny,
-     L"Value", L"Value", defaultInt(0), kNoLink, kLinkStructure, kLinkContext},
+     L"Value", L"Value", DefaultInt(0), kNoLink, kLinkStructure, kLinkContext},
     {kBitPort, PortDirection::In, siICENodeDataLong, siICENodeStructureAny, siICENodeContextAny,
-     L"Bit", L"Bit", defaultInt(0), kNoLink, kLinkStructure, kLinkContext},
+     L"Bit", L"Bit", DefaultInt(0), kNoLink, kLinkStructure, kLinkContext},
     {kResultPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureAny, siICENodeContextAny,
-     L"Result", L"Result", noDefault(), kNoLink, kLinkStructure, kLinkContext},
+     L"Result", L"Result", NoDefault(), kNoLink, kLinkStructure, kLinkContext},
 };
 
 }  // namespace
@@ -51,7 +51,7 @@ XSIPLUGINCALLBACK CStatus Quillix_ntob_Evaluate(ICENodeContext& context) {
   if (port < kByte0Port || port > kByte3Port || port % 10 != 0) return CStatus::OK;
   // Byte 0 (port 2010) is the least significant byte, Byte 3 (port 2040) the most.
   const int byteIndex = static_cast<int>((port - kByte0Port) / 10);
-  if (!queryPortInfo(context, kInputPort)) return CStatus::OK;
+  if (!QueryPortInfo(context, kInputPort)) return CStatus::OK;
   const CDataArrayLong input(context, kInputPort);
   CDataArrayLong result(context);
   if (input.GetCount() == 0 || result.GetCount() == 0) return CStatus::OK;
@@ -65,14 +65,14 @@ XSIPLUGINCALLBACK CStatus Quillix_ntob_Evaluate(ICENodeContext& context) {
 // A single value against an array tests every entry; two arrays give the shorter length.
 XSIPLUGINCALLBACK CStatus Quillix_tbit_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  evaluateElementwise<LONG, LONG, LONG>(context, kValuePort, kBitPort, quillix::testBit);
+  EvaluateElementwise<LONG, LONG, LONG>(context, kValuePort, kBitPort, quillix::testBit);
   return CStatus::OK;
 }
 
 CStatus Quillix_ntob_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_ntob", siICENodeMultiThreading, 1, 1, kBytePorts});
+  return RegisterNode(registrar, {L"Quillix_ntob", siICENodeMultiThreading, 1, 1, kBytePorts});
 }
 
 CStatus Quillix_tbit_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_tbit", siICENodeMultiThreading, 1, 1, kBitPorts});
+  return RegisterNode(registrar, {L"Quillix_tbit", siICENodeMultiThreading, 1, 1, kBitPorts});
 }

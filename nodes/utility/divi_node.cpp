@@ -3,8 +3,8 @@
 #include <xsi_icenodecontext.h>
 #include <xsi_pluginregistrar.h>
 
-#include "nodes/utility/int_divide.h"
-#include "plugin/evaluation.h"
+#include "core/math/int_divide.h"
+#include "plugin/broadcast.h"
 #include "plugin/registration.h"
 
 namespace {
@@ -18,13 +18,13 @@ constexpr ULONG kRemainder = 2020;
 
 constexpr PortDef kPorts[] = {
     {kValue, PortDirection::In, XSI::siICENodeDataLong, XSI::siICENodeStructureAny,
-     XSI::siICENodeContextAny, L"Value", L"Value", defaultInt(0), kNoLink, kLinkStructure, kLinkContext},
+     XSI::siICENodeContextAny, L"Value", L"Value", DefaultInt(0), kNoLink, kLinkStructure, kLinkContext},
     {kDivideBy, PortDirection::In, XSI::siICENodeDataLong, XSI::siICENodeStructureAny,
-     XSI::siICENodeContextAny, L"DivideBy", L"Divide By", defaultInt(1), kNoLink, kLinkStructure, kLinkContext},
+     XSI::siICENodeContextAny, L"DivideBy", L"Divide By", DefaultInt(1), kNoLink, kLinkStructure, kLinkContext},
     {kResult, PortDirection::Out, XSI::siICENodeDataLong, XSI::siICENodeStructureAny,
-     XSI::siICENodeContextAny, L"Result", L"Result", noDefault(), kNoLink, kLinkStructure, kLinkContext},
+     XSI::siICENodeContextAny, L"Result", L"Result", NoDefault(), kNoLink, kLinkStructure, kLinkContext},
     {kRemainder, PortDirection::Out, XSI::siICENodeDataLong, XSI::siICENodeStructureAny,
-     XSI::siICENodeContextAny, L"Remainder", L"Remainder", noDefault(), kNoLink, kLinkStructure, kLinkContext},
+     XSI::siICENodeContextAny, L"Remainder", L"Remainder", NoDefault(), kNoLink, kLinkStructure, kLinkContext},
 };
 
 constexpr NodeDef kNode{L"Quillix_divi", XSI::siICENodeMultiThreading, 1, 1, kPorts};
@@ -35,7 +35,7 @@ XSIPLUGINCALLBACK XSI::CStatus Quillix_divi_Evaluate(XSI::ICENodeContext& contex
   const ULONG port = context.GetEvaluatedOutputPortID();
   if (port != kResult && port != kRemainder) return XSI::CStatus::OK;
   const bool quotient = port == kResult;
-  evaluateElementwise<XSI::LONG, XSI::LONG, XSI::LONG>(
+  EvaluateElementwise<XSI::LONG, XSI::LONG, XSI::LONG>(
       context, kValue, kDivideBy, [quotient](XSI::LONG value, XSI::LONG divisor) {
         const quillix::QuotientRemainder r = quillix::divideInt(value, divisor);
         return quotient ? r.quotient : r.remainder;
@@ -44,5 +44,5 @@ XSIPLUGINCALLBACK XSI::CStatus Quillix_divi_Evaluate(XSI::ICENodeContext& contex
 }
 
 XSI::CStatus Quillix_divi_Register(XSI::PluginRegistrar& registrar) {
-  return registerNode(registrar, kNode);
+  return RegisterNode(registrar, kNode);
 }

@@ -5,8 +5,8 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "plugin/evaluation_guard.h"
-#include "nodes/utility/file_probe.h"
+#include "plugin/callback_guard.h"
+#include "core/file/file_probe.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -19,10 +19,10 @@ constexpr ULONG kFileExistsPort = 2010;
 
 constexpr PortDef kPorts[] = {
     {kFilepathPort, PortDirection::In, siICENodeDataString, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"Filepath", L"Filepath", defaultString(L""), kNoLink, kNoLink,
+     siICENodeContextSingleton, L"Filepath", L"Filepath", DefaultString(L""), kNoLink, kNoLink,
      kNoLink},
     {kFileExistsPort, PortDirection::Out, siICENodeDataBool, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"FileExists", L"File exists", noDefault(), kNoLink, kNoLink,
+     siICENodeContextSingleton, L"FileExists", L"File exists", NoDefault(), kNoLink, kNoLink,
      kNoLink},
 };
 
@@ -30,7 +30,7 @@ constexpr PortDef kPorts[] = {
 
 XSIPLUGINCALLBACK CStatus Quillix_fchk_Evaluate(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kFileExistsPort) return CStatus::OK;
-  return quillix::plugin::evaluateGuarded([&] {
+  return quillix::plugin::EvaluateGuarded([&] {
     const CDataArrayString filepath(context, kFilepathPort);
     CDataArrayBool result(context);
     if (result.GetCount() == 0) return;
@@ -41,5 +41,5 @@ XSIPLUGINCALLBACK CStatus Quillix_fchk_Evaluate(ICENodeContext& context) {
 }
 
 CStatus Quillix_fchk_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_fchk", siICENodeSingleThreading, 1, 1, kPorts});
+  return RegisterNode(registrar, {L"Quillix_fchk", siICENodeSingleThreading, 1, 1, kPorts});
 }

@@ -9,7 +9,7 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "nodes/utility/float_class.h"
+#include "core/math/float_class.h"
 #include "plugin/evaluation.h"
 #include "plugin/registration.h"
 
@@ -26,29 +26,29 @@ constexpr ULONG kNegativeInfPort = 2030;
 
 constexpr PortDef kBooleanPorts[] = {
     {kInputPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureSingle,
-     siICENodeContextSingletonOrComponent0D, L"Input", L"Input", defaultFloat(0.0f), kNoLink,
+     siICENodeContextSingletonOrComponent0D, L"Input", L"Input", DefaultFloat(0.0f), kNoLink,
      kLinkStructure, kLinkContext},
     {kIsNaNPort, PortDirection::Out, siICENodeDataBool, siICENodeStructureSingle,
-     siICENodeContextSingletonOrComponent0D, L"IsNaN", L"IsNaN", noDefault(), kNoLink,
+     siICENodeContextSingletonOrComponent0D, L"IsNaN", L"IsNaN", NoDefault(), kNoLink,
      kLinkStructure, kLinkContext},
     {kPositiveInfPort, PortDirection::Out, siICENodeDataBool, siICENodeStructureSingle,
-     siICENodeContextSingletonOrComponent0D, L"IsINFpos", L"Positive INF", noDefault(), kNoLink,
+     siICENodeContextSingletonOrComponent0D, L"IsINFpos", L"Positive INF", NoDefault(), kNoLink,
      kLinkStructure, kLinkContext},
     {kNegativeInfPort, PortDirection::Out, siICENodeDataBool, siICENodeStructureSingle,
-     siICENodeContextSingletonOrComponent0D, L"IsINFneg", L"Negative INF", noDefault(), kNoLink,
+     siICENodeContextSingletonOrComponent0D, L"IsINFneg", L"Negative INF", NoDefault(), kNoLink,
      kLinkStructure, kLinkContext},
 };
 
 constexpr PortDef kIntegerPorts[] = {
     {kInputPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureAny, siICENodeContextAny,
-     L"Input", L"Input", defaultFloat(0.0f), kNoLink, kLinkStructure, kLinkContext},
+     L"Input", L"Input", DefaultFloat(0.0f), kNoLink, kLinkStructure, kLinkContext},
     {kIsNaNPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureAny, siICENodeContextAny,
-     L"IsNaN", L"IsNaN", noDefault(), kNoLink, kLinkStructure, kLinkContext},
+     L"IsNaN", L"IsNaN", NoDefault(), kNoLink, kLinkStructure, kLinkContext},
     {kPositiveInfPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureAny,
-     siICENodeContextAny, L"IsINFpos", L"Positive INF", noDefault(), kNoLink, kLinkStructure,
+     siICENodeContextAny, L"IsINFpos", L"Positive INF", NoDefault(), kNoLink, kLinkStructure,
      kLinkContext},
     {kNegativeInfPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureAny,
-     siICENodeContextAny, L"IsINFneg", L"Negative INF", noDefault(), kNoLink, kLinkStructure,
+     siICENodeContextAny, L"IsINFneg", L"Negative INF", NoDefault(), kNoLink, kLinkStructure,
      kLinkContext},
 };
 
@@ -87,10 +87,10 @@ XSIPLUGINCALLBACK CStatus Quillix_nan2_Evaluate(ICENodeContext& context) {
   const std::optional<FloatTest> test =
       testForPort(context.GetEvaluatedOutputPortID(), FloatTest::PositiveInfinity);
   if (!test) return CStatus::OK;
-  const std::optional<PortInfo> info = queryPortInfo(context, kInputPort);
+  const std::optional<PortInfo> info = QueryPortInfo(context, kInputPort);
   if (!info) return CStatus::OK;
   CIndexSet indexSet(context);
-  if (info->isArray()) {
+  if (info->IsArray()) {
     const CDataArray2DFloat input(context, kInputPort);
     CDataArray2DLong result(context);
     for (CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {
@@ -111,9 +111,9 @@ XSIPLUGINCALLBACK CStatus Quillix_nan2_Evaluate(ICENodeContext& context) {
 }
 
 CStatus Quillix_nan_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_nan", siICENodeMultiThreading, 1, 1, kBooleanPorts});
+  return RegisterNode(registrar, {L"Quillix_nan", siICENodeMultiThreading, 1, 1, kBooleanPorts});
 }
 
 CStatus Quillix_nan2_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_nan2", siICENodeMultiThreading, 1, 1, kIntegerPorts});
+  return RegisterNode(registrar, {L"Quillix_nan2", siICENodeMultiThreading, 1, 1, kIntegerPorts});
 }

@@ -8,7 +8,7 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "nodes/utility/running_ids.h"
+#include "core/array/running_ids.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -21,10 +21,10 @@ constexpr ULONG kIdsPort = 2010;
 
 constexpr PortDef kPorts[] = {
     {kArraySizePort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextComponent0D, L"ArraySizePerPoint", L"Array Size per Point", noDefault(),
+     siICENodeContextComponent0D, L"ArraySizePerPoint", L"Array Size per Point", NoDefault(),
      kNoLink, kNoLink, kLinkContext},
     {kIdsPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureArray,
-     siICENodeContextComponent0D, L"UIDs", L"UIDs", noDefault(), kNoLink, kNoLink, kLinkContext},
+     siICENodeContextComponent0D, L"UIDs", L"UIDs", NoDefault(), kNoLink, kNoLink, kLinkContext},
 };
 
 }  // namespace
@@ -45,5 +45,5 @@ XSIPLUGINCALLBACK CStatus Quillix_cuappid_Evaluate(ICENodeContext& context) {
 }
 
 CStatus Quillix_cuappid_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_cuappid", siICENodeSingleThreading, 1, 1, kPorts});
+  return RegisterNode(registrar, {L"Quillix_cuappid", siICENodeSingleThreading, 1, 1, kPorts});
 }

@@ -11,15 +11,15 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "plugin/evaluation_guard.h"
-#include "nodes/utility/string_join.h"
-#include "nodes/utility/string_pack.h"
+#include "plugin/callback_guard.h"
+#include "core/text/string_join.h"
+#include "core/text/string_pack.h"
 #include "plugin/evaluation.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
-using quillix::plugin::evaluateGuarded;
+using quillix::plugin::EvaluateGuarded;
 
 namespace {
 
@@ -31,23 +31,23 @@ constexpr ULONG kResultPort = 2010;
 
 constexpr PortDef kJoinPorts[] = {
     {kJoinInputPort, PortDirection::In, siICENodeDataString, siICENodeStructureAny,
-     siICENodeContextSingleton, L"input", L"Input", defaultString(L""), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"input", L"Input", DefaultString(L""), kNoLink, kNoLink, kNoLink},
     // Registered with the integer 0 as default, which the host shows as an empty delimiter.
     {kDelimiterPort, PortDirection::In, siICENodeDataString, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"delimiter", L"Delimiter", defaultInt(0), kNoLink, kNoLink,
+     siICENodeContextSingleton, L"delimiter", L"Delimiter", DefaultInt(0), kNoLink, kNoLink,
      kNoLink},
     {kResultPort, PortDirection::Out, siICENodeDataString, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"string", L"String", noDefault(), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"string", L"String", NoDefault(), kNoLink, kNoLink, kNoLink},
 };
 
 constexpr PortDef kPackPorts[] = {
     {kActivePort, PortDirection::In, siICENodeDataBool, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"Active", L"Active", defaultBool(true), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"Active", L"Active", DefaultBool(true), kNoLink, kNoLink, kNoLink},
     {kStringPort, PortDirection::In, siICENodeDataString, siICENodeStructureSingle,
-     siICENodeContextSingleton, L"String", L"String", defaultString(L""), kNoLink, kNoLink,
+     siICENodeContextSingleton, L"String", L"String", DefaultString(L""), kNoLink, kNoLink,
      kNoLink},
     {kResultPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureArray,
-     siICENodeContextSingleton, L"Array", L"Array", noDefault(), kNoLink, kNoLink, kNoLink},
+     siICENodeContextSingleton, L"Array", L"Array", NoDefault(), kNoLink, kNoLink, kNoLink},
 };
 
 std::wstring_view stringAt(const CDataArrayString& array, ULONG element) {
@@ -60,12 +60,12 @@ std::wstring_view stringAt(const CDataArrayString& array, ULONG element) {
 void joinInput(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return;
   CDataArrayString result(context);
-  const std::optional<PortInfo> info = queryPortInfo(context, kJoinInputPort);
+  const std::optional<PortInfo> info = QueryPortInfo(context, kJoinInputPort);
   if (!info) {
     result.SetData(0, CString(L"GetPortInfo() failed"));
     return;
   }
-  if (!info->isArray()) {
+  if (!info->IsArray()) {
     const CDataArrayString input(context, kJoinInputPort);
     const std::wstring_view text = stringAt(input, 0);
     result.SetData(0, text.data(), static_cast<ULONG>(text.size()));
@@ -103,17 +103,17 @@ void packInput(ICENodeContext& context) {
 }  // namespace
 
 XSIPLUGINCALLBACK CStatus Quillix_jstr_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { joinInput(context); });
+  return EvaluateGuarded([&] { joinInput(context); });
 }
 
 XSIPLUGINCALLBACK CStatus Quillix_stoi_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { packInput(context); });
+  return EvaluateGuarded([&] { packInput(context); });
 }
 
 CStatus Quillix_jstr_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_jstr", siICENodeSingleThreading, 1, 1, kJoinPorts});
+  return RegisterNode(registrar, {L"Quillix_jstr", siICENodeSingleThreading, 1, 1, kJoinPorts});
 }
 
 CStatus Quillix_stoi_Register(PluginRegistrar& registrar) {
-  return registerNode(registrar, {L"Quillix_stoi", siICENodeSingleThreading, 1, 1, kPackPorts});
+  return RegisterNode(registrar, {L"Quillix_stoi", siICENodeSingleThreading, 1, 1, kPackPorts});
 }

@@ -13,14 +13,14 @@
 #include <xsi_pluginregistrar.h>
 #include <xsi_status.h>
 
-#include "plugin/evaluation_guard.h"
-#include "nodes/utility/number_text.h"
+#include "plugin/callback_guard.h"
+#include "core/text/number_text.h"
 #include "plugin/evaluation.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
-using quillix::plugin::evaluateGuarded;
+using quillix::plugin::EvaluateGuarded;
 
 namespace {
 
@@ -37,40 +37,40 @@ constexpr PortDef kResultPortDef{kResultPort,
                                  siICENodeContextAny,
                                  L"Result",
                                  L"Result",
-                                 noDefault(),
+                                 NoDefault(),
                                  kNoLink,
                                  kNoLink,
                                  kLinkContext};
 
 constexpr PortDef kBoolPorts[] = {
     {kInputPort, PortDirection::In, siICENodeDataBool, siICENodeStructureAny, siICENodeContextAny,
-     L"Input", L"Input", defaultBool(false), kNoLink, kLinkStructure, kLinkContext},
+     L"Input", L"Input", DefaultBool(false), kNoLink, kLinkStructure, kLinkContext},
     kResultPortDef,
 };
 
 constexpr PortDef kIntPorts[] = {
     {kInputPort, PortDirection::In, siICENodeDataLong, siICENodeStructureAny, siICENodeContextAny,
-     L"Input", L"Input", defaultInt(0), kNoLink, kLinkStructure, kLinkContext},
+     L"Input", L"Input", DefaultInt(0), kNoLink, kLinkStructure, kLinkContext},
     kResultPortDef,
 };
 
 constexpr PortDef kFloatPorts[] = {
     {kInputPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureAny, siICENodeContextAny,
-     L"Input", L"Input", defaultFloat(0.0f), kNoLink, kLinkStructure, kLinkContext},
+     L"Input", L"Input", DefaultFloat(0.0f), kNoLink, kLinkStructure, kLinkContext},
     kResultPortDef,
 };
 
 constexpr PortDef kNumberPorts[] = {
     {kInputPort, PortDirection::In, siICENodeDataFloat, siICENodeStructureAny, siICENodeContextAny,
-     L"Input", L"Input", defaultFloat(0.0f), kNoLink, kLinkStructure, kLinkContext},
+     L"Input", L"Input", DefaultFloat(0.0f), kNoLink, kLinkStructure, kLinkContext},
     {kPrecisionPort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextAny, L"Precision", L"Precision", defaultInt(0), kNoLink, kLinkStructure,
+     siICENodeContextAny, L"Precision", L"Precision", DefaultInt(0), kNoLink, kLinkStructure,
      kLinkContext},
     {kTreatAsIntPort, PortDirection::In, siICENodeDataBool, siICENodeStructureSingle,
-     siICENodeContextAny, L"TreatAsInt", L"Treat as Integer", defaultBool(false), kNoLink,
+     siICENodeContextAny, L"TreatAsInt", L"Treat as Integer", DefaultBool(false), kNoLink,
      kLinkStructure, kLinkContext},
     {kLeadingZerosPort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextAny, L"IntLead0", L"Leading Zeros (Integer)", defaultInt(0), kNoLink,
+     siICENodeContextAny, L"IntLead0", L"Leading Zeros (Integer)", DefaultInt(0), kNoLink,
      kLinkStructure, kLinkContext},
     kResultPortDef,
 };
@@ -114,11 +114,11 @@ void evaluateListText(ICENodeContext& context, bool variadic, BatchEnd end) {
   std::vector<std::wstring> texts(indices.size());
   std::size_t written = indices.size();
   for (ULONG instance = 0; instance < instanceCount; ++instance) {
-    const std::optional<PortInfo> info = queryPortInfo(context, kInputPort, instance);
+    const std::optional<PortInfo> info = QueryPortInfo(context, kInputPort, instance);
     if (!info) return;
-    const ElementView<T> input(context, kInputPort, info->isArray(), instance);
+    const ElementView<T> input(context, kInputPort, info->IsArray(), instance);
     for (std::size_t i = 0; i < written; ++i) {
-      const std::span<const T> entries = input.at(indices[i]);
+      const std::span<const T> entries = input.At(indices[i]);
       if (instance > 0) texts[i] += L",";
       appendListText(entries, texts[i]);
       if (end == BatchEnd::AfterShortInput && entries.size() <= 1) written = i + 1;
@@ -135,12 +135,12 @@ void evaluateListText(ICENodeContext& context, bool variadic, BatchEnd end) {
 void evaluateNumberText(ICENodeContext& context) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return;
   CDataArrayString result(context);
-  const std::optional<PortInfo> info = queryPortInfo(context, kInputPort);
+  const std::optional<PortInfo> info = QueryPortInfo(context, kInputPort);
   if (!info) {
     result.SetData(0, CString(L"GetPortInfo() failed"));
     return;
   }
-  const ElementView<float> input(context, kInputPort, info->isArray());
+  const ElementView<float> input(context, kInputPort, info->IsArray());
   const CDataArrayLong precision(context, kPrecisionPort);
   const CDataArrayBool treatAsInt(context, kTreatAsIntPort);
   const CDataArrayLong leadingZeros(context, kLeadingZerosPort);
@@ -148,48 +148,48 @@ void evaluateNumberText(ICENodeContext& context) {
   for (CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {
     const quillix::NumberTextOptions options{valueAt(precision, it), valueAt(treatAsInt, it),
                                              valueAt(leadingZeros, it)};
-    const std::span<const float> entries = input.at(it);
+    const std::span<const float> entries = input.At(it);
     std::wstring text;
-    if (info->isArray()) {
+    if (info->IsArray()) {
       quillix::appendNumberArrayText(entries, options, text);
     } else {
       quillix::appendNumberText(entries.empty() ? 0.0f : entries[0], options, text);
     }
     result.SetData(it, text.c_str(), static_cast<ULONG>(text.size()));
-    if (info->isArray() && entries.empty()) return;
+    if (info->IsArray() && entries.empty()) return;
   }
 }
 
 }  // namespace
 
 XSIPLUGINCALLBACK CStatus Quillix_btoa_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded(
+  return EvaluateGuarded(
       [&] { evaluateListText<bool>(context, false, BatchEnd::AfterShortInput); });
 }
 XSIPLUGINCALLBACK CStatus Quillix_btoa2_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { evaluateListText<bool>(context, true, BatchEnd::AllElements); });
+  return EvaluateGuarded([&] { evaluateListText<bool>(context, true, BatchEnd::AllElements); });
 }
 XSIPLUGINCALLBACK CStatus Quillix_itoa_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { evaluateListText<LONG>(context, false, BatchEnd::AllElements); });
+  return EvaluateGuarded([&] { evaluateListText<LONG>(context, false, BatchEnd::AllElements); });
 }
 XSIPLUGINCALLBACK CStatus Quillix_itoa2_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { evaluateListText<LONG>(context, true, BatchEnd::AllElements); });
+  return EvaluateGuarded([&] { evaluateListText<LONG>(context, true, BatchEnd::AllElements); });
 }
 XSIPLUGINCALLBACK CStatus Quillix_ftoa_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { evaluateListText<float>(context, false, BatchEnd::AllElements); });
+  return EvaluateGuarded([&] { evaluateListText<float>(context, false, BatchEnd::AllElements); });
 }
 XSIPLUGINCALLBACK CStatus Quillix_ftoa2_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { evaluateListText<float>(context, true, BatchEnd::AllElements); });
+  return EvaluateGuarded([&] { evaluateListText<float>(context, true, BatchEnd::AllElements); });
 }
 XSIPLUGINCALLBACK CStatus Quillix_ntoa_Evaluate(ICENodeContext& context) {
-  return evaluateGuarded([&] { evaluateNumberText(context); });
+  return EvaluateGuarded([&] { evaluateNumberText(context); });
 }
 
 namespace {
 
 CStatus registerToString(PluginRegistrar& registrar, const wchar_t* name, bool variadic,
                          std::span<const PortDef> ports) {
-  return registerNode(registrar,
+  return RegisterNode(registrar,
                       {name, siICENodeMultiThreading, 1, variadic ? kUnbounded : 1, ports});
 }
 

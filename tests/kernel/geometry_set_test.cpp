@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "kernel/geometry.h"
-#include "kernel/half_float.h"
+#include "core/math/half_float.h"
 #include "kernel/status_codes.h"
 #include "tests/kernel/test_meshes.h"
 

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "kernel/math_types.h"
+#include "core/math/math_types.h"
 
 namespace quillix::testing {
 

@@ -9,7 +9,7 @@
 #include <xsihost/scene_file.h>
 
 #include "kernel/geometry.h"
-#include "nodes/pathfind/path_node.h"
+#include "core/mesh/path_node.h"
 
 namespace quillix::test {
 namespace {

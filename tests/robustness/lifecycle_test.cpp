@@ -8,7 +8,7 @@
 #include <span>
 #include <string>
 
-#include "nodes/pathfind/path_node.h"
+#include "core/mesh/path_node.h"
 #include "robustness/heap_bytes.h"
 #include "robustness/node_inputs.h"
 #include "support/plugin_fixture.h"

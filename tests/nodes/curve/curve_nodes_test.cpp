@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "kernel/math_types.h"
+#include "core/math/math_types.h"
 #include "support/plugin_fixture.h"
 #include "tests/nodes/utility/node_values.h"
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "support/plugin_fixture.h"
-#include "tests/nodes/spatial/box_fixtures.h"
+#include "tests/core/spatial/box_fixtures.h"
 
 namespace quillix::test {
 namespace {
