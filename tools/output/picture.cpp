@@ -134,7 +134,10 @@ void DrawEllipsoid(cairo_t* cr, const OrthoView& view, const EllipsoidItem& item
     const double c = std::cos(t), s = std::sin(t);
     const PixelPoint p =
         view.ProjectPlane({e.centre.u + e.m11 * c + e.m12 * s, e.centre.v + e.m12 * c + e.m22 * s});
-    if (!Finite(p)) return;
+    if (!Finite(p)) {
+      cairo_new_path(cr);
+      return;
+    }
     k == 0 ? cairo_move_to(cr, p.x, p.y) : cairo_line_to(cr, p.x, p.y);
   }
   cairo_close_path(cr);
