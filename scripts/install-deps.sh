@@ -6,7 +6,7 @@ packages=(
   cmake ninja-build g++ pkg-config clang-format-14
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   nlohmann-json3-dev libcli11-dev libboost-dev libtinyobjloader-dev libtinygltf-dev
-  libopenmesh-dev
+  libopenmesh-dev libcairo2-dev
 )
 if [[ "${QUILLIX_WITH_FUZZ:-0}" == "1" ]]; then
   packages+=(clang-14 libclang-rt-14-dev)
