@@ -5,8 +5,8 @@
 #include <limits>
 #include <vector>
 
-#include "fuzz/fuzz_common.h"
 #include "core/curve/line_resample.h"
+#include "fuzz/fuzz_common.h"
 
 using namespace quillix;
 using quillix::fuzz::Check;
@@ -27,18 +27,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 
   std::vector<float> lengths;
   const ResamplePlan plan = PlanResample(points, numOutputPoints, lengths);
-  Check(plan.count <= std::size_t(std::numeric_limits<std::int32_t>::max()), "count beyond a host array");
-  Check(points.size() < 2 ? plan.count == 0 && lengths.empty() : lengths.size() == points.size() - 1,
-        "segment table of the wrong size");
+  Check(plan.count <= std::size_t(std::numeric_limits<std::int32_t>::max()),
+        "count beyond a host array");
+  Check(
+      points.size() < 2 ? plan.count == 0 && lengths.empty() : lengths.size() == points.size() - 1,
+      "segment table of the wrong size");
   // Outputs of millions of points are valid plans; writing them only costs time here.
   if (plan.count > (1u << 16)) return 0;
   std::vector<Vec3f> out(plan.count + 1);
   const Vec3f guard{1.5f, 2.5f, 3.5f};
   out.back() = guard;
-  ResampleLine(points, plan, lengths, strength, iterations, std::span<Vec3f>(out.data(), plan.count));
-  Check(out.back().x == guard.x && out.back().y == guard.y && out.back().z == guard.z, "wrote past the plan's count");
+  ResampleLine(points, plan, lengths, strength, iterations,
+               std::span<Vec3f>(out.data(), plan.count));
+  Check(out.back().x == guard.x && out.back().y == guard.y && out.back().z == guard.z,
+        "wrote past the plan's count");
 
   std::vector<Vec3f> smooth = points;
-  SmoothLine(smooth, strength, iterations);
+  SmoothLine(strength, iterations, smooth);
   return 0;
 }

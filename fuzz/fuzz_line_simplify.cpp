@@ -5,8 +5,8 @@
 #include <cstring>
 #include <vector>
 
-#include "fuzz/fuzz_common.h"
 #include "core/curve/line_simplify.h"
+#include "fuzz/fuzz_common.h"
 
 using namespace quillix;
 using quillix::fuzz::Check;
@@ -29,9 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   if (inPlace) {
     // The in-place form: marking and compaction over the caller's buffer.
     std::vector<Vec3f> line = points;
-    std::int32_t count = std::int32_t(line.size());
-    SimplifyLine(line.empty() ? nullptr : line.data(), count, epsilon);
-    Check(count >= 0 && std::size_t(count) <= points.size(), "in-place count outside 0..input");
+    const std::size_t count = SimplifyLine(epsilon, line);
+    Check(count <= points.size(), "in-place count beyond the input");
     return 0;
   }
 
@@ -39,11 +38,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const std::span<const Vec3f> out = SimplifyPolyline(points, epsilon, closed, minThree, work);
   const bool ofInput = out.data() == points.data();
   const bool ofWork = out.data() == work.data();
-  Check(ofInput || ofWork || out.empty(), "result is a view of neither the input nor the work buffer");
+  Check(ofInput || ofWork || out.empty(),
+        "result is a view of neither the input nor the work buffer");
   Check(out.size() <= std::max<std::size_t>(points.size(), minThree ? 3 : 0), "the line grew");
   if (ofWork) Check(out.size() <= work.size(), "result runs past the work buffer");
   if (minThree) Check(out.size() >= 3, "fewer than three points with the at-least-three option");
   if (!points.empty() && out.size() >= 3 && points.size() >= 3 && !closed)
-    Check(SameBits(out.front(), points.front()) || IsRemovalMark(points.front().x), "the first point moved");
+    Check(SameBits(out.front(), points.front()) || IsRemovalMark(points.front().x),
+          "the first point moved");
   return 0;
 }

@@ -42,11 +42,10 @@ BoostLine ToBoost(const std::vector<quillix::Vec3f>& points) {
 void RunSimplifyLine(benchmark::State& state, const std::vector<quillix::Vec3f>& input,
                      float epsilon) {
   std::vector<quillix::Vec3f> work(input.size());
-  std::int32_t kept = 0;
+  std::size_t kept = 0;
   for (auto _ : state) {
     std::memcpy(work.data(), input.data(), input.size() * sizeof(quillix::Vec3f));
-    kept = std::int32_t(input.size());
-    quillix::SimplifyLine(work.data(), kept, epsilon);
+    kept = quillix::SimplifyLine(epsilon, work);
     benchmark::DoNotOptimize(work.data());
   }
   state.SetItemsProcessed(state.iterations() * std::int64_t(input.size()));

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "bench/curve/polylines.h"
-#include "kernel/memory_context.h"
 #include "core/curve/sphere_distribution.h"
+#include "kernel/memory_context.h"
 
 namespace {
 
@@ -32,10 +32,10 @@ void RunDistribution(benchmark::State& state, float cornerThreshold) {
     spline.Build(positions, {});
     quillix::CountedArray<quillix::SphereRecord> records(&memory);
     quillix::DistributeSpheres(spline, params, records);
-    spheres = records.size();
+    spheres = records.Size();
     corners = 0;
-    for (std::size_t i = 0; i < records.size(); ++i) corners += records[i].m[3][3] == 1.0f;
-    benchmark::DoNotOptimize(records.data());
+    for (std::size_t i = 0; i < records.Size(); ++i) corners += records[i].m[3][3] == 1.0f;
+    benchmark::DoNotOptimize(records.Data());
   }
   state.SetItemsProcessed(state.iterations() * std::int64_t(spheres));
   state.counters["spheres"] = double(spheres);

@@ -33,15 +33,15 @@ class CountedArray {
   }
   ~CountedArray() { Free(); }
 
-  T* data() { return data_; }
-  const T* data() const { return data_; }
-  std::size_t size() const { return size_; }
-  bool empty() const { return size_ == 0; }
+  T* Data() { return data_; }
+  const T* Data() const { return data_; }
+  std::size_t Size() const { return size_; }
+  bool Empty() const { return size_ == 0; }
   T& operator[](std::size_t i) { return data_[i]; }
   const T& operator[](std::size_t i) const { return data_[i]; }
-  std::span<T> span() { return {data_, size_}; }
-  std::span<const T> span() const { return {data_, size_}; }
-  QRVMemoryContext* context() const { return context_; }
+  std::span<T> Span() { return {data_, size_}; }
+  std::span<const T> Span() const { return {data_, size_}; }
+  QRVMemoryContext* Context() const { return context_; }
 
   // Room for `capacity` values without another allocation; exact, not rounded up.
   bool Reserve(std::size_t capacity) {

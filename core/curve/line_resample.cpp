@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "core/math/vec3_ops.h"
+
 namespace quillix {
 namespace {
 
@@ -32,11 +34,8 @@ class ArcLengthWalk {
     if (segment_ == 0) return points_.front();
     if (target > reached_) return points_.back();
     const float length = lengths_[segment_ - 1];
-    const Vec3f q0 = points_[segment_ - 1];
-    const Vec3f q1 = points_[segment_];
     const float start = reached_ - length;
-    const float f = (target - start) / length;
-    return Vec3f{q0.x + (q1.x - q0.x) * f, q0.y + (q1.y - q0.y) * f, q0.z + (q1.z - q0.z) * f};
+    return Lerp(points_[segment_ - 1], points_[segment_], (target - start) / length);
   }
 
  private:
@@ -56,10 +55,7 @@ ResamplePlan PlanResample(std::span<const Vec3f> input, float numOutputPoints,
   segmentLengths.resize(input.size() - 1);
   float total = 0.0f;
   for (std::size_t i = 0; i + 1 < input.size(); ++i) {
-    const float dx = input[i + 1].x - input[i].x;
-    const float dy = input[i + 1].y - input[i].y;
-    const float dz = input[i + 1].z - input[i].z;
-    segmentLengths[i] = std::sqrt(dx * dx + dy * dy + dz * dz);
+    segmentLengths[i] = Length(Subtract(input[i + 1], input[i]));
     total += segmentLengths[i];
   }
   plan.totalLength = total;
@@ -94,7 +90,7 @@ void ResampleLine(std::span<const Vec3f> input, const ResamplePlan& plan,
     const float spacing = 1.0f / plan.density;
     for (std::size_t i = 1; i < plan.count; ++i) out[i] = walk.PointAt(float(i) * spacing);
   }
-  SmoothLine(out, strength, iterations);
+  SmoothLine(strength, iterations, out);
 }
 
 std::vector<Vec3f> ResampleLine(std::span<const Vec3f> input, float numOutputPoints, float strength,
@@ -106,7 +102,7 @@ std::vector<Vec3f> ResampleLine(std::span<const Vec3f> input, float numOutputPoi
   return out;
 }
 
-void SmoothLine(std::span<Vec3f> points, float strength, std::int32_t iterations) {
+void SmoothLine(float strength, std::int32_t iterations, std::span<Vec3f> points) {
   float s = strength;
   if (s > 1.0f) s = 1.0f;
   if (!(s >= 0.0f)) s = 0.0f;
@@ -118,10 +114,7 @@ void SmoothLine(std::span<Vec3f> points, float strength, std::int32_t iterations
     Vec3f previous = points[0];  // the neighbour's value before this pass
     for (std::size_t i = 1; i < last; ++i) {
       const Vec3f current = points[i];
-      const Vec3f& next = points[i + 1];
-      points[i] = Vec3f{keep * current.x + half * (previous.x + next.x),
-                        keep * current.y + half * (previous.y + next.y),
-                        keep * current.z + half * (previous.z + next.z)};
+      points[i] = Add(Scale(current, keep), Scale(Add(previous, points[i + 1]), half));
       previous = current;
     }
   }

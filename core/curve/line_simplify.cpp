@@ -5,21 +5,20 @@
 #include <bit>
 #include <cassert>
 #include <cmath>
-#include <cstddef>
+
+#include "core/math/vec3_ops.h"
 
 namespace quillix {
 namespace {
 
 struct Part {
-  std::int32_t first;  // index of the part's first point
-  std::int32_t last;   // index of the part's last point (inclusive)
+  std::size_t first;  // index of the part's first point
+  std::size_t last;   // index of the part's last point (inclusive)
 };
 
 float SquaredDistance(const Vec3f& a, const Vec3f& b) {
-  const float dx = a.x - b.x;
-  const float dy = a.y - b.y;
-  const float dz = a.z - b.z;
-  return dx * dx + dy * dy + dz * dz;
+  const Vec3f d = Subtract(a, b);
+  return Dot(d, d);
 }
 
 void MarkForRemoval(Vec3f& point) { point.x = std::bit_cast<float>(kRemovalMarkBits); }
@@ -28,20 +27,18 @@ void MarkForRemoval(Vec3f& point) { point.x = std::bit_cast<float>(kRemovalMarkB
 // segment, and its index (lowest index among equal distances; first when there is none).
 struct Farthest {
   float squaredDistance;
-  std::int32_t index;
+  std::size_t index;
 };
 
-Farthest FindFarthest(const Vec3f* points, std::int32_t first, std::int32_t last) {
+Farthest FindFarthest(std::span<const Vec3f> points, std::size_t first, std::size_t last) {
   const Vec3f a = points[first];
   const Vec3f b = points[last];
-  const float dx = b.x - a.x;
-  const float dy = b.y - a.y;
-  const float dz = b.z - a.z;
-  const float length = std::sqrt(dx * dx + dy * dy + dz * dz);
+  const Vec3f chord = Subtract(b, a);
+  const float length = Length(chord);
   float best = -1.0f;
-  std::int32_t bestIndex = first;
+  std::size_t bestIndex = first;
   if (length < 1e-15f) {
-    for (std::int32_t i = first + 1; i < last; ++i) {
+    for (std::size_t i = first + 1; i < last; ++i) {
       const float s = SquaredDistance(points[i], a);
       if (s > best) {
         best = s;
@@ -50,21 +47,17 @@ Farthest FindFarthest(const Vec3f* points, std::int32_t first, std::int32_t last
     }
     return {best, bestIndex};
   }
-  const float inverse = 1.0f / length;
-  const float ux = dx * inverse;
-  const float uy = dy * inverse;
-  const float uz = dz * inverse;
-  for (std::int32_t i = first + 1; i < last; ++i) {
+  const Vec3f unit = Scale(chord, 1.0f / length);
+  for (std::size_t i = first + 1; i < last; ++i) {
     const Vec3f p = points[i];
-    const float t = (p.x - a.x) * ux + (p.y - a.y) * uy + (p.z - a.z) * uz;
+    const float t = Dot(Subtract(p, a), unit);
     float s;
     if (t < 0.0f) {
       s = SquaredDistance(p, a);
     } else if (t > length) {
       s = SquaredDistance(p, b);
     } else {
-      const Vec3f foot{a.x + t * ux, a.y + t * uy, a.z + t * uz};
-      s = SquaredDistance(foot, p);
+      s = SquaredDistance(Advance(a, t, unit), p);
     }
     if (s > best) {
       best = s;
@@ -74,24 +67,42 @@ Farthest FindFarthest(const Vec3f* points, std::int32_t first, std::int32_t last
   return {best, bestIndex};
 }
 
+// Writes three points built from the first `count` (0, 1 or 2) of `points` into out[0..2];
+// `points` and `out` may be the same buffer.
+void FillToThreePoints(const Vec3f* points, std::size_t count, Vec3f* out) {
+  assert(count <= 2);
+  if (count == 0) {
+    out[0] = out[1] = out[2] = Vec3f{};
+  } else if (count == 1) {
+    const Vec3f p = points[0];
+    out[0] = out[1] = out[2] = p;
+  } else {
+    const Vec3f p0 = points[0];
+    const Vec3f p1 = points[1];
+    out[0] = p0;
+    out[1] = Scale(Add(p0, p1), 0.5f);
+    out[2] = p1;
+  }
+}
+
 }  // namespace
 
 bool IsRemovalMark(float x) { return std::bit_cast<std::uint32_t>(x) == kRemovalMarkBits; }
 
-void SimplifyLineRecursive(Vec3f* points, std::int32_t count, float epsilon) {
-  if (points == nullptr || count < 3) return;
+void MarkPointsForRemoval(float epsilon, std::span<Vec3f> points) {
+  if (points.size() < 3) return;
   const float tolerance = epsilon * epsilon;
   // The parts left and right of a split share only the split point, which is never marked, so
   // the order in which parts are processed cannot change the marks. Continuing with the smaller
   // part and deferring the larger keeps at most log2(count) parts pending.
   std::array<Part, 64> pending;
   std::size_t pendingCount = 0;
-  Part part{0, count - 1};
+  Part part{0, points.size() - 1};
   for (;;) {
     if (part.last - part.first >= 2) {
       const Farthest farthest = FindFarthest(points, part.first, part.last);
       if (farthest.squaredDistance < tolerance) {
-        for (std::int32_t i = part.first + 1; i < part.last; ++i) MarkForRemoval(points[i]);
+        for (std::size_t i = part.first + 1; i < part.last; ++i) MarkForRemoval(points[i]);
       } else {
         const Part left{part.first, farthest.index};
         const Part right{farthest.index, part.last};
@@ -121,27 +132,10 @@ std::size_t CompactMarkedPoints(std::span<Vec3f> points) {
   return kept;
 }
 
-void SimplifyLine(Vec3f* points, std::int32_t& count, float epsilon) {
-  if (points == nullptr || count < 3 || !(epsilon > 0.0f)) return;
-  SimplifyLineRecursive(points, count, epsilon);
-  count = static_cast<std::int32_t>(
-      CompactMarkedPoints(std::span<Vec3f>(points, static_cast<std::size_t>(count))));
-}
-
-void FillToThreePoints(const Vec3f* points, std::size_t count, Vec3f* out) {
-  assert(count <= 2);
-  if (count == 0) {
-    out[0] = out[1] = out[2] = Vec3f{};
-  } else if (count == 1) {
-    const Vec3f p = points[0];
-    out[0] = out[1] = out[2] = p;
-  } else {
-    const Vec3f p0 = points[0];
-    const Vec3f p1 = points[1];
-    out[0] = p0;
-    out[1] = Vec3f{(p0.x + p1.x) * 0.5f, (p0.y + p1.y) * 0.5f, (p0.z + p1.z) * 0.5f};
-    out[2] = p1;
-  }
+std::size_t SimplifyLine(float epsilon, std::span<Vec3f> points) {
+  if (points.size() < 3 || !(epsilon > 0.0f)) return points.size();
+  MarkPointsForRemoval(epsilon, points);
+  return CompactMarkedPoints(points);
 }
 
 std::span<const Vec3f> SimplifyPolyline(std::span<const Vec3f> input, float epsilon, bool closed,
@@ -157,23 +151,27 @@ std::span<const Vec3f> SimplifyPolyline(std::span<const Vec3f> input, float epsi
   if (n == 3 && minThree) return input;
 
   std::copy(input.begin(), input.end(), work.begin());
-  std::int32_t kept = static_cast<std::int32_t>(n);
-  SimplifyLine(work.data(), kept, epsilon);
+  std::size_t kept = SimplifyLine(epsilon, work.first(n));
   if (closed && kept >= 3) {
     const Vec3f first = work[0];
-    const Vec3f last = work[static_cast<std::size_t>(kept) - 1];
-    const float distance = std::sqrt(SquaredDistance(last, first));
-    if (distance * 0.5f < epsilon) {
-      work[0] = Vec3f{first.x + (last.x - first.x) * 0.5f, first.y + (last.y - first.y) * 0.5f,
-                      first.z + (last.z - first.z) * 0.5f};
+    const Vec3f last = work[kept - 1];
+    if (Length(Subtract(last, first)) * 0.5f < epsilon) {
+      work[0] = Lerp(first, last, 0.5f);
       --kept;
     }
   }
   if (kept < 3 && minThree) {
-    FillToThreePoints(work.data(), static_cast<std::size_t>(kept), work.data());
+    FillToThreePoints(work.data(), kept, work.data());
     return work.first(3);
   }
-  return work.first(static_cast<std::size_t>(kept));
+  return work.first(kept);
+}
+
+std::vector<Vec3f> SimplifyPolyline(std::span<const Vec3f> input, float epsilon, bool closed,
+                                    bool minThree) {
+  std::vector<Vec3f> work(SimplifyWorkSize(input.size()));
+  const std::span<const Vec3f> result = SimplifyPolyline(input, epsilon, closed, minThree, work);
+  return {result.begin(), result.end()};
 }
 
 }  // namespace quillix

@@ -3,16 +3,21 @@
 #include <cassert>
 #include <cmath>
 
+#include "core/math/vec3_ops.h"
+
 namespace quillix {
 namespace {
 
-CurvePoint Normalised(const CurvePoint& v) {
-  const double length = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
+// Unlike Normalise of the vector operations, a direction of any positive finite length is
+// scaled to unit length and any other is kept as it is, as the host's own in-place
+// normalisation does.
+Vec3d Normalised(const Vec3d& v) {
+  const double length = Length(v);
   if (!(length > 0.0) || !std::isfinite(length)) return v;
-  return {v.x / length, v.y / length, v.z / length};
+  return Divide(v, length);
 }
 
-Vec3f Narrow(const CurvePoint& v) {
+Vec3f Narrow(const Vec3d& v) {
   return {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)};
 }
 

@@ -25,13 +25,9 @@ CurveParameterMode CurveModeFromValue(std::int32_t mode);
 // NaN passes through unchanged.
 double CurveQueryValue(float u, CurveParameterMode mode);
 
-struct CurvePoint {
-  double x = 0.0, y = 0.0, z = 0.0;
-};
-
 // Position and directions at one place of the curve, in the curve object's own space.
 struct CurveFrame {
-  CurvePoint position, tangent, normal, binormal;
+  Vec3d position, tangent, normal, binormal;
 };
 
 // A curve that can be evaluated: implemented over the host's curve by the binding and over
@@ -48,18 +44,18 @@ class CurvePlacement {
  public:
   virtual ~CurvePlacement() = default;
   // A point in world space (scaling, rotation and translation).
-  virtual CurvePoint PositionToWorld(const CurvePoint& local) const = 0;
+  virtual Vec3d PositionToWorld(const Vec3d& local) const = 0;
   // A direction in world space (scaling and rotation only, no translation).
-  virtual CurvePoint DirectionToWorld(const CurvePoint& local) const = 0;
+  virtual Vec3d DirectionToWorld(const Vec3d& local) const = 0;
 };
 
 // Which of the four outputs to fill.
 enum class CurveOutput { Position, Tangent, Normal, Binormal };
 
-// out[i] = `output` at parameters[i]: the position mapped to world space as it is, or the
-// direction mapped to world space and then normalised (a zero or non-finite direction is left
-// as it is), stored in single precision. `out` is caller-allocated with parameters.size()
-// vectors. A null `curve` (no usable curve) writes the zero vector everywhere.
+// out[i] = `output` at parameters[i] (#U parameters in, #U vectors out, `out` allocated by the
+// caller): the position mapped to world space as it is, or the direction mapped to world space
+// and then normalised (a zero or non-finite direction is left as it is), stored in single
+// precision. A null `curve` (no usable curve) writes the zero vector everywhere.
 void SampleCurve(std::span<const float> parameters, CurveParameterMode mode,
                  const CurveSampler* curve, const CurvePlacement& placement, CurveOutput output,
                  std::span<Vec3f> out);

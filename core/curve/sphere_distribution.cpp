@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <new>
 
 #include "core/curve/line_simplify.h"
+#include "core/math/vec3_ops.h"
 
 namespace quillix {
 namespace {
@@ -12,53 +14,56 @@ namespace {
 constexpr float kTiny = 1e-15f;
 constexpr float kPi = 3.14159265358979f;
 
-Vec3f Sub(const Vec3f& a, const Vec3f& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-Vec3f Scale(const Vec3f& a, float f) { return {a.x * f, a.y * f, a.z * f}; }
-float Dot(const Vec3f& a, const Vec3f& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-float Norm(const Vec3f& a) { return std::sqrt(Dot(a, a)); }
-Vec3f Cross(const Vec3f& a, const Vec3f& b) {
-  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
 float ClampedAcos(float cosine) { return std::acos(std::clamp(cosine, -1.0f, 1.0f)); }
 
-Rows3f Multiply(const Rows3f& a, const Rows3f& b) {
-  Rows3f product;
+Vec3f Row(const Mat3f& m, int i) { return {m.m[i][0], m.m[i][1], m.m[i][2]}; }
+
+Mat3f Multiply(const Mat3f& a, const Mat3f& b) {
+  Mat3f product;
   for (int i = 0; i < 3; ++i) {
-    const Vec3f& r = a.row[i];
-    product.row[i] = Vec3f{r.x * b.row[0].x + r.y * b.row[1].x + r.z * b.row[2].x,
-                           r.x * b.row[0].y + r.y * b.row[1].y + r.z * b.row[2].y,
-                           r.x * b.row[0].z + r.y * b.row[1].z + r.z * b.row[2].z};
+    for (int j = 0; j < 3; ++j)
+      product.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j];
   }
   return product;
+}
+
+// Rotation by `angle` radians about the unit `axis`, in the axis-angle (Rodrigues) form stored
+// row by row.
+Mat3f AxisAngleRotation(const Vec3f& axis, float angle) {
+  const float c = std::cos(angle);
+  const float s = std::sin(angle);
+  const float t = 1.0f - c;
+  const float x = axis.x, y = axis.y, z = axis.z;
+  return {{{x * x * t + c, x * y * t - s * z, x * z * t + s * y},
+           {x * y * t + s * z, y * y * t + c, y * z * t - s * x},
+           {x * z * t - s * y, y * z * t + s * x, z * z * t + c}}};
 }
 
 // The frame whose row `secondRow` is along the part of `second` perpendicular to `main`.
 // `axis` and `angle` give the first rotation, which turns a coordinate axis onto `main`; the
 // twist about `main` then keeps that row where it is.
-Rows3f TwistedFrame(const Vec3f& main, const Vec3f& second, int secondRow, const Vec3f& axis,
-                    float angle) {
-  const Rows3f first = AxisAngleRows(axis, angle);
-  const float mainLength = Norm(main);
+Mat3f TwistedFrame(const Vec3f& main, const Vec3f& second, int secondRow, const Vec3f& axis,
+                   float angle) {
+  const Mat3f first = AxisAngleRotation(axis, angle);
+  const float mainLength = Length(main);
   if (!(mainLength >= kTiny)) return first;
   const Vec3f direction = Scale(main, 1.0f / mainLength);
-  const Vec3f perpendicular = Sub(second, Scale(direction, Dot(second, direction)));
-  const Vec3f& current = first.row[secondRow];
-  const float lengths = Norm(perpendicular) * Norm(current);
+  const Vec3f perpendicular = Subtract(second, Scale(direction, Dot(second, direction)));
+  const Vec3f current = Row(first, secondRow);
+  const float lengths = Length(perpendicular) * Length(current);
   if (!(lengths >= kTiny)) return first;
   float twist = ClampedAcos(Dot(current, perpendicular) / lengths);
   if (Dot(Cross(current, perpendicular), direction) < 0.0f) twist = -twist;
   // Rows are turned as row vectors (v * M), which turns them the opposite way to the column
   // form of the axis-angle matrix; hence the negated angle.
-  return Multiply(first, AxisAngleRows(direction, -twist));
+  return Multiply(first, AxisAngleRotation(direction, -twist));
 }
 
-SphereRecord MakeRecord(const Rows3f& frame, float radius, float scale, std::size_t radiusIndex,
+SphereRecord MakeRecord(const Mat3f& frame, float radius, float scale, std::size_t radiusIndex,
                         const Vec3f& centre, float cornerFlag) {
   SphereRecord record;
   for (int i = 0; i < 3; ++i) {
-    record.m[i][0] = frame.row[i].x;
-    record.m[i][1] = frame.row[i].y;
-    record.m[i][2] = frame.row[i].z;
+    for (int j = 0; j < 3; ++j) record.m[i][j] = frame.m[i][j];
   }
   record.m[0][3] = radius;
   record.m[1][3] = scale;
@@ -108,17 +113,17 @@ QRVStatus FillStretch(QRVSpline& spline, const SphereDistributionParams& params,
 QRVStatus FillCorners(QRVSpline& spline, const SphereDistributionParams& params,
                       CountedArray<SphereRecord>& out, std::size_t maxCount) {
   const std::size_t n = spline.Count();
-  CountedArray<Vec3f> positions(out.context());
-  CountedArray<std::uint32_t> corners(out.context());
+  CountedArray<Vec3f> positions(out.Context());
+  CountedArray<std::uint32_t> corners(out.Context());
   if (!positions.Resize(n) || !corners.Reserve(n)) return kStatusNoMemory;
   for (std::size_t i = 0; i < n; ++i) positions[i] = spline.Point(i).position;
-  SimplifyLineRecursive(positions.data(), std::int32_t(n), params.cornerThreshold);
+  MarkPointsForRemoval(params.cornerThreshold, positions.Span());
   for (std::size_t i = 0; i < n; ++i) {
     if (!IsRemovalMark(positions[i].x)) corners.PushBack(std::uint32_t(i));
   }
   positions.Free();
 
-  const std::size_t cornerCount = corners.size();
+  const std::size_t cornerCount = corners.Size();
   const bool open = !spline.Closed();
   const float length = spline.Length();
   // Corners sit on their control points, except the two ends of an open spline, which move in
@@ -134,7 +139,7 @@ QRVStatus FillCorners(QRVSpline& spline, const SphereDistributionParams& params,
     return SplineSample{point.position, point.tangent, point.up};
   };
 
-  const std::size_t start = out.size();
+  const std::size_t start = out.Size();
   RadiusSequence sequence(params.distribution, params.seed, params.radii.size());
   std::size_t index = sequence.Next();
   float radius = params.cornerScale * params.radii[index];
@@ -146,7 +151,7 @@ QRVStatus FillCorners(QRVSpline& spline, const SphereDistributionParams& params,
                                  radius, 1.0f, index, sample.position, 1.0f))) {
       return kStatusNoMemory;
     }
-    if (out.size() - start >= maxCount) break;
+    if (out.Size() - start >= maxCount) break;
     const bool hasNext = c + 1 < cornerCount;
     // A closed spline also has the stretch from its last corner back to the first.
     if (!hasNext && (open || cornerCount < 2)) break;
@@ -160,9 +165,9 @@ QRVStatus FillCorners(QRVSpline& spline, const SphereDistributionParams& params,
       nextArc = centreArc(c + 1, nextRadius);
     }
     const QRVStatus status = FillStretch(spline, params, arc + radius, nextArc - nextRadius,
-                                         stretchSeed, maxCount - (out.size() - start), out);
+                                         stretchSeed, maxCount - (out.Size() - start), out);
     if (status != kStatusOk) return status;
-    if (out.size() - start >= maxCount) break;
+    if (out.Size() - start >= maxCount) break;
     index = nextIndex;
     radius = nextRadius;
     arc = nextArc;
@@ -172,40 +177,28 @@ QRVStatus FillCorners(QRVSpline& spline, const SphereDistributionParams& params,
 
 }  // namespace
 
-Rows3f AxisAngleRows(const Vec3f& axis, float angle) {
-  const float c = std::cos(angle);
-  const float s = std::sin(angle);
-  const float t = 1.0f - c;
-  const float x = axis.x, y = axis.y, z = axis.z;
-  Rows3f rows;
-  rows.row[0] = {x * x * t + c, x * y * t - s * z, x * z * t + s * y};
-  rows.row[1] = {x * y * t + s * z, y * y * t + c, y * z * t - s * x};
-  rows.row[2] = {x * z * t - s * y, y * z * t + s * x, z * z * t + c};
-  return rows;
-}
-
-Rows3f OrientationFrame(std::int32_t alignment, const Vec3f& tangent, const Vec3f& up) {
+Mat3f OrientationFrame(std::int32_t alignment, const Vec3f& tangent, const Vec3f& up) {
   if (alignment == 1) {
     // Turn X onto the tangent about (0, T.z, -T.y).
     const Vec3f axis{0.0f, tangent.z, -tangent.y};
-    const float axisLength = Norm(axis);
+    const float axisLength = Length(axis);
     if (axisLength < kTiny) {
       return TwistedFrame(tangent, up, 1, {0.0f, 1.0f, 0.0f}, tangent.x > 0.0f ? 0.0f : kPi);
     }
     return TwistedFrame(tangent, up, 1, Scale(axis, 1.0f / axisLength),
-                        ClampedAcos(tangent.x / Norm(tangent)));
+                        ClampedAcos(tangent.x / Length(tangent)));
   }
   if (alignment == 2) {
     // Turn Y onto the up vector about (-U.z, 0, U.x).
     const Vec3f axis{-up.z, 0.0f, up.x};
-    const float axisLength = Norm(axis);
+    const float axisLength = Length(axis);
     if (axisLength < kTiny) {
       return TwistedFrame(up, tangent, 0, {0.0f, 0.0f, 1.0f}, up.y > 0.0f ? 0.0f : kPi);
     }
     return TwistedFrame(up, tangent, 0, Scale(axis, 1.0f / axisLength),
-                        ClampedAcos(up.y / Norm(up)));
+                        ClampedAcos(up.y / Length(up)));
   }
-  return Rows3f{};
+  return Mat3f::Identity();
 }
 
 RadiusSequence::RadiusSequence(std::int32_t distribution, std::int32_t seed, std::size_t count)
@@ -246,7 +239,7 @@ QRVStatus DistributeSpheres(QRVSpline& spline, const SphereDistributionParams& p
   }
   if (params.maxSpheres == 0) return kStatusOk;
 
-  const std::size_t entrySize = out.size();
+  const std::size_t entrySize = out.Size();
   QRVStatus status;
   if (cornerMode) {
     status = FillCorners(spline, params, out, std::size_t(params.maxSpheres));
@@ -298,20 +291,28 @@ QRVStatus DistributeSpheresOverIntervals(std::span<const Vec3f> positions,
                                          std::span<const Vec3f> ups,
                                          std::span<const std::int32_t> intervalIndices, bool closed,
                                          const SphereDistributionParams& params,
-                                         CountedArray<SphereRecord>& out,
-                                         QRVMemoryContext* memory) {
+                                         std::vector<SphereRecord>& out) {
+  CountedArray<SphereRecord> records;
   for (const ControlInterval& interval :
        CutIntervals(positions.size(), ups.size(), intervalIndices)) {
     if (interval.count < 2) continue;
-    QRVSpline spline(memory);
+    QRVSpline spline;
     QRVStatus status = spline.Build(positions.subspan(interval.first, interval.count),
                                     ups.subspan(interval.firstUp, interval.upCount));
     if (status == kStatusOk) {
       spline.SetClosed(closed);
-      status = DistributeSpheres(spline, params, out);
+      records.Clear();
+      status = DistributeSpheres(spline, params, records);
+    }
+    if (status == kStatusOk) {
+      try {
+        out.insert(out.end(), records.Span().begin(), records.Span().end());
+      } catch (const std::bad_alloc&) {
+        status = kStatusNoMemory;
+      }
     }
     if (status == kStatusNoMemory) {
-      out.Clear();
+      out.clear();
       return status;
     }
   }

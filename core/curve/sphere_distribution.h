@@ -8,31 +8,23 @@
 #include <span>
 #include <vector>
 
-#include "core/math/math_types.h"
-#include "kernel/memory_context.h"
-#include "kernel/status.h"
 #include "core/curve/counted_array.h"
 #include "core/curve/spline.h"
+#include "core/math/math_types.h"
+#include "kernel/status.h"
 
 namespace quillix {
 
-// 3×3 rotation stored row by row (rows are the frame's axes in the row-vector convention).
-struct Rows3f {
-  Vec3f row[3]{{1.0f, 0.0f, 0.0f}, {0.0f, 1.0f, 0.0f}, {0.0f, 0.0f, 1.0f}};
-};
-
-// Rotation by `angle` radians about the unit `axis`, in the axis-angle (Rodrigues) form stored
-// row by row: row 0 = (x²(1-c)+c, xy(1-c)-sz, xz(1-c)+sy), and so on.
-Rows3f AxisAngleRows(const Vec3f& axis, float angle);
-
-// Orientation of a sphere from the spline's tangent and up vector:
+// Orientation of a sphere from the spline's tangent and up vector, as a rotation whose rows are
+// the sphere's axes (row-vector convention):
 //  - alignment 1: row 0 along the tangent, row 1 along the part of `up` perpendicular to it;
 //  - alignment 2: row 1 along the up vector, row 0 along the part of `tangent` perpendicular to it;
 //  - any other value: identity.
 // Each is built as a first rotation that turns the X (or Y) axis onto the main direction,
 // followed by a twist about that direction. When the second vector is parallel to the first
-// (no perpendicular part) the twist is 0.
-Rows3f OrientationFrame(std::int32_t alignment, const Vec3f& tangent, const Vec3f& up);
+// (no perpendicular part) the twist is 0. The rotations about an axis are the axis-angle
+// (Rodrigues) matrices stored row by row: row 0 = (x²(1-c)+c, xy(1-c)-sz, xz(1-c)+sy), ...
+Mat3f OrientationFrame(std::int32_t alignment, const Vec3f& tangent, const Vec3f& up);
 
 // How radii are picked from a list of `count` radii.
 inline constexpr std::int32_t kDistributionCyclic = 0;
@@ -44,6 +36,7 @@ inline constexpr std::int32_t kDistributionRandom = 1;
 class RadiusSequence {
  public:
   RadiusSequence(std::int32_t distribution, std::int32_t seed, std::size_t count);
+  // The next index, below `count`.
   std::size_t Next();
   // The seed handed to the next stretch in corner mode: the next cyclic index (as a plain
   // index), a fresh draw made non-negative, or 0; it takes its place in the sequence.
@@ -62,6 +55,7 @@ class RadiusSequence {
 // corner sphere and 0 otherwise.
 using SphereRecord = Mat4f;
 
+// The settings of one distribution; the radii are the caller's and must outlive the call.
 struct SphereDistributionParams {
   std::span<const float> radii;  // every radius > 0, at least one
   std::int32_t alignment = 1;
@@ -75,8 +69,8 @@ struct SphereDistributionParams {
   std::int32_t maxSpheres = 16777216;  // >= 0
 };
 
-// Fills `spline` with spheres and appends their records to `out` (whose memory context counts
-// the block). Returns
+// Fills `spline` with spheres and appends their records to `out`, whose memory context counts
+// the records and the corner search (a null context uses the C heap). Returns
 //  0 success (possibly no spheres: too short a stretch, maxSpheres 0),
 //  5 the spline has no control points,
 //  6 no radii, a radius not > 0 (NaN included), cornerScale < 0 or NaN, maxSpheres < 0 or
@@ -116,15 +110,17 @@ std::vector<ControlInterval> CutIntervals(std::size_t pointCount, std::size_t up
 // interpolation).
 SplineInterpolation InterpolationFromFlags(std::int32_t flags);
 
-// One element of the nodes: cuts the control points into intervals, builds a spline over each
-// interval with two points or more (closed when `closed`), distributes spheres along it and
-// appends the records interval by interval to `out`. An interval whose distribution fails on
-// its arguments (5, 6, 7) adds nothing. Returns 9 (with `out` emptied) when memory is refused,
-// 0 otherwise. `memory` counts the splines (may be null).
+// One element of the nodes: cuts the #P control points `positions` and the #U up vectors
+// `ups` into intervals (CutIntervals with `intervalIndices`), builds a spline over each
+// interval of two points or more (closed when `closed`), distributes spheres along it with
+// `params` and appends the records interval by interval to `out` (resized here; it may hold
+// records of earlier calls, which are kept). An interval whose distribution fails on its
+// arguments (5, 6, 7) adds nothing, so the result may be empty. Returns 9, with `out` emptied,
+// when memory is refused, 0 otherwise.
 QRVStatus DistributeSpheresOverIntervals(std::span<const Vec3f> positions,
                                          std::span<const Vec3f> ups,
                                          std::span<const std::int32_t> intervalIndices, bool closed,
                                          const SphereDistributionParams& params,
-                                         CountedArray<SphereRecord>& out, QRVMemoryContext* memory);
+                                         std::vector<SphereRecord>& out);
 
 }  // namespace quillix

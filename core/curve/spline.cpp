@@ -4,30 +4,17 @@
 #include <cassert>
 #include <cmath>
 
+#include "core/math/vec3_ops.h"
+
 namespace quillix {
 namespace {
 
 constexpr float kTiny = 1e-15f;
 
-Vec3f Add(const Vec3f& a, const Vec3f& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
-Vec3f Sub(const Vec3f& a, const Vec3f& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-Vec3f Scale(const Vec3f& a, float f) { return {a.x * f, a.y * f, a.z * f}; }
-float Norm(const Vec3f& a) { return std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z); }
-
-// Normalises `v` into `out`; false (out untouched) when it is shorter than 1e-15.
-bool Normalise(const Vec3f& v, Vec3f& out) {
-  const float length = Norm(v);
-  if (!(length >= kTiny)) return false;
-  out = Vec3f{v.x / length, v.y / length, v.z / length};
-  return true;
-}
-
-Vec3f Lerp(const Vec3f& a, const Vec3f& b, float t) { return Add(a, Scale(Sub(b, a), t)); }
-
 Vec3f Cubic(const Vec3f& p0, const Vec3f& p1, const Vec3f& p2, const Vec3f& p3, float t) {
-  const Vec3f a3 = Add(Sub(Sub(p3, p2), p0), p1);
-  const Vec3f a2 = Sub(Sub(p0, p1), a3);
-  const Vec3f a1 = Sub(p2, p0);
+  const Vec3f a3 = Add(Subtract(Subtract(p3, p2), p0), p1);
+  const Vec3f a2 = Subtract(Subtract(p0, p1), a3);
+  const Vec3f a1 = Subtract(p2, p0);
   const float t2 = t * t;
   const float t3 = t2 * t;
   return Add(Add(Add(Scale(a3, t3), Scale(a2, t2)), Scale(a1, t)), p1);
@@ -35,9 +22,9 @@ Vec3f Cubic(const Vec3f& p0, const Vec3f& p1, const Vec3f& p2, const Vec3f& p3, 
 
 Vec3f CatmullRom(const Vec3f& p0, const Vec3f& p1, const Vec3f& p2, const Vec3f& p3, float t) {
   // p1 + 0.5 t ((p2 - p0) + t ((2 p0 - 5 p1 + 4 p2 - p3) + t (3 (p1 - p2) + p3 - p0)))
-  const Vec3f c1 = Sub(p2, p0);
-  const Vec3f c2 = Sub(Add(Sub(Scale(p0, 2.0f), Scale(p1, 5.0f)), Scale(p2, 4.0f)), p3);
-  const Vec3f c3 = Sub(Add(Scale(Sub(p1, p2), 3.0f), p3), p0);
+  const Vec3f c1 = Subtract(p2, p0);
+  const Vec3f c2 = Subtract(Add(Subtract(Scale(p0, 2.0f), Scale(p1, 5.0f)), Scale(p2, 4.0f)), p3);
+  const Vec3f c3 = Subtract(Add(Scale(Subtract(p1, p2), 3.0f), p3), p0);
   const Vec3f inner = Add(c1, Scale(Add(c2, Scale(c3, t)), t));
   return Add(p1, Scale(inner, 0.5f * t));
 }
@@ -90,40 +77,21 @@ QRVStatus QRVSpline::Build(std::span<const Vec3f> positions, std::span<const Vec
   return kStatusOk;
 }
 
-QRVStatus QRVSpline::CopyFrom(const QRVSpline& other) {
-  if (this == &other) return kStatusOk;
-  points_.Free();
-  cumulative_.Free();
-  if (!points_.Resize(other.points_.size()) || !cumulative_.Resize(other.cumulative_.size())) {
-    points_.Free();
-    cumulative_.Free();
-    closed_ = false;
-    length_ = -1.0f;
-    return kStatusNoMemory;
-  }
-  std::copy(other.points_.span().begin(), other.points_.span().end(), points_.data());
-  std::copy(other.cumulative_.span().begin(), other.cumulative_.span().end(), cumulative_.data());
-  closed_ = other.closed_;
-  length_ = other.length_;
-  anyDirty_ = other.anyDirty_;
-  return kStatusOk;
-}
-
 void QRVSpline::SetClosed(bool closed) {
   closed_ = closed;
   length_ = -1.0f;
-  if (points_.empty()) return;
+  if (points_.Empty()) return;
   anyDirty_ = true;
-  for (QRVSplinePoint* point : {&points_[0], &points_[points_.size() - 1]}) {
+  for (QRVSplinePoint* point : {&points_[0], &points_[points_.Size() - 1]}) {
     point->tangentDirty = point->upDirty = point->chordDirty = 1;
   }
 }
 
 void QRVSpline::Update() {
-  const std::size_t n = points_.size();
+  const std::size_t n = points_.Size();
   if (n == 0 || !anyDirty_) return;
   anyDirty_ = false;
-  QRVSplinePoint* p = points_.data();
+  QRVSplinePoint* p = points_.Data();
   bool chordsChanged = length_ < 0.0f;
 
   // Tangents: the sum of the incoming and outgoing chord vectors; an end of an open spline
@@ -132,9 +100,10 @@ void QRVSpline::Update() {
   for (std::size_t i = 0; i < n; ++i) {
     if (!p[i].tangentDirty) continue;
     Vec3f sum{};
-    if (i > 0 || closed_) sum = Sub(p[i].position, p[i > 0 ? i - 1 : n - 1].position);
-    if (i + 1 < n || closed_) sum = Add(sum, Sub(p[i + 1 < n ? i + 1 : 0].position, p[i].position));
-    if (Normalise(sum, p[i].tangent)) {
+    if (i > 0 || closed_) sum = Subtract(p[i].position, p[i > 0 ? i - 1 : n - 1].position);
+    if (i + 1 < n || closed_)
+      sum = Add(sum, Subtract(p[i + 1 < n ? i + 1 : 0].position, p[i].position));
+    if (Normalise(sum, kTiny, p[i].tangent)) {
       p[i].tangentDirty = 0;
     } else {
       anyDirtyTangent = true;
@@ -156,7 +125,7 @@ void QRVSpline::Update() {
       Vec3f sum{};
       if (before < n) sum = p[before].tangent;
       if (after < n) sum = Add(sum, p[after].tangent);
-      if (!Normalise(sum, p[i].tangent)) p[i].tangent = Vec3f{1.0f, 0.0f, 0.0f};
+      if (!Normalise(sum, kTiny, p[i].tangent)) p[i].tangent = Vec3f{1.0f, 0.0f, 0.0f};
       p[i].tangentDirty = 2;  // fixed, but not a source for the points after it
     }
     for (std::size_t i = 0; i < n; ++i) p[i].tangentDirty = 0;
@@ -164,14 +133,14 @@ void QRVSpline::Update() {
 
   for (std::size_t i = 0; i < n; ++i) {
     if (p[i].upDirty) {
-      if (!Normalise(p[i].up, p[i].up)) p[i].up = Vec3f{0.0f, 1.0f, 0.0f};
+      if (!Normalise(p[i].up, kTiny, p[i].up)) p[i].up = Vec3f{0.0f, 1.0f, 0.0f};
       p[i].upDirty = 0;
     }
     if (p[i].chordDirty) {
       if (i + 1 < n)
-        p[i].chord = Norm(Sub(p[i + 1].position, p[i].position));
+        p[i].chord = quillix::Length(Subtract(p[i + 1].position, p[i].position));
       else
-        p[i].chord = closed_ ? Norm(Sub(p[0].position, p[i].position)) : 0.0f;
+        p[i].chord = closed_ ? quillix::Length(Subtract(p[0].position, p[i].position)) : 0.0f;
       p[i].chordDirty = 0;
       chordsChanged = true;
     }
@@ -187,34 +156,34 @@ void QRVSpline::Update() {
 }
 
 float QRVSpline::Length() {
-  if (points_.empty()) return 0.0f;
+  if (points_.Empty()) return 0.0f;
   Update();
   return length_;
 }
 
 const QRVSplinePoint& QRVSpline::Point(std::size_t i) {
-  assert(i < points_.size());
+  assert(i < points_.Size());
   Update();
   return points_[i];
 }
 
 float QRVSpline::ArcLengthAt(std::size_t i) {
-  assert(i < points_.size());
+  assert(i < points_.Size());
   Update();
   return i == 0 ? 0.0f : cumulative_[i - 1];
 }
 
 SplineSample QRVSpline::Evaluate(float s, const SplineInterpolation& interpolation) {
-  const std::size_t n = points_.size();
+  const std::size_t n = points_.Size();
   if (n == 0) return {};
   Update();
-  const QRVSplinePoint* p = points_.data();
+  const QRVSplinePoint* p = points_.Data();
   if (!(s > 0.0f)) return SampleOf(p[0]);
   if (s >= length_) return SampleOf(closed_ ? p[0] : p[n - 1]);
 
   // The first segment whose cumulative length reaches s; the running sums never decrease, so
   // a binary search finds the same segment as a scan from the start.
-  const float* cumulative = cumulative_.data();
+  const float* cumulative = cumulative_.Data();
   std::size_t i = std::size_t(std::lower_bound(cumulative, cumulative + (n - 1), s) - cumulative);
   if (i == n - 1 && !closed_) return SampleOf(p[n - 1]);  // only with NaN chords
   if (!(p[i].chord > 0.0f)) return SampleOf(p[i]);
@@ -228,17 +197,17 @@ SplineSample QRVSpline::Evaluate(float s, const SplineInterpolation& interpolati
                                 p[to].position, p[next2].position, t);
 
   const Vec3f tangent = IsStep(interpolation.tangents)
-                            ? Sub(p[to].position, p[i].position)
+                            ? Subtract(p[to].position, p[i].position)
                             : Interpolate(interpolation.tangents, p[prev].tangent, p[i].tangent,
                                           p[to].tangent, p[next2].tangent, t);
-  if (!Normalise(tangent, sample.tangent)) sample.tangent = p[i].tangent;
+  if (!Normalise(tangent, kTiny, sample.tangent)) sample.tangent = p[i].tangent;
 
   if (IsStep(interpolation.upVectors)) {
     sample.up = p[i].up;
   } else {
     const Vec3f up =
         Interpolate(interpolation.upVectors, p[prev].up, p[i].up, p[to].up, p[next2].up, t);
-    if (!Normalise(up, sample.up)) sample.up = p[i].up;
+    if (!Normalise(up, kTiny, sample.up)) sample.up = p[i].up;
   }
   return sample;
 }

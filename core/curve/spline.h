@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <span>
 
+#include "core/curve/counted_array.h"
 #include "core/math/math_types.h"
 #include "kernel/memory_context.h"
 #include "kernel/status.h"
-#include "core/curve/counted_array.h"
 
 namespace quillix {
 
@@ -57,23 +57,23 @@ class QRVSpline {
   QRVSpline(QRVSpline&&) noexcept = default;
   QRVSpline& operator=(QRVSpline&&) noexcept = default;
 
-  // Replaces the control points: one per position, open. `ups` gives the up vectors: when it
-  // is shorter than `positions` its last vector repeats, and when it is empty every up vector
-  // is (0, 1, 0). Returns 9 when the memory context refuses (the spline is then empty).
+  // Replaces the control points by one per entry of `positions` (#P), open. `ups` (#U up
+  // vectors) gives the up vectors: with #U < #P its last vector repeats, and with #U = 0 every
+  // up vector is (0, 1, 0). Returns 9 when the memory context refuses the #P point records
+  // (the spline is then empty), 0 otherwise; #P = 0 gives an empty spline.
   QRVStatus Build(std::span<const Vec3f> positions, std::span<const Vec3f> ups);
-  // Makes this spline an exact copy of `other` (points, derived data, closed flag).
-  QRVStatus CopyFrom(const QRVSpline& other);
 
   // Closing or opening marks the first and last points dirty and the length unknown.
   void SetClosed(bool closed);
   bool Closed() const { return closed_; }
-  std::size_t Count() const { return points_.size(); }
+  std::size_t Count() const { return points_.Size(); }
 
-  // Sum of all chords (straight segments, the closing one included for a closed spline).
+  // Sum of all chords (straight segments, the closing one included for a closed spline); 0 for
+  // an empty spline.
   float Length();
-  // Control point `i` with its derived data up to date.
+  // Control point `i` (< Count()) with its derived data up to date.
   const QRVSplinePoint& Point(std::size_t i);
-  // Arc length from the first point to control point `i` along the chords.
+  // Arc length from the first point to control point `i` (< Count()) along the chords.
   float ArcLengthAt(std::size_t i);
 
   // The spline at arc length `s` along the chords. s <= 0 (or NaN) gives the first point;

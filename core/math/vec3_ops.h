@@ -52,4 +52,15 @@ Vec3<T> Advance(const Vec3<T>& a, std::type_identity_t<T> t, const Vec3<T>& v) {
   return Add(a, Scale(v, t));
 }
 
+// Writes v / |v| into `out` and returns true when |v| is at least `minLength`; otherwise (NaN
+// included) returns false and leaves `out` alone, so that the caller picks its own fallback.
+// `v` and `out` may be the same vector.
+template <class T>
+bool Normalise(const Vec3<T>& v, std::type_identity_t<T> minLength, Vec3<T>& out) {
+  const T length = Length(v);
+  if (!(length >= minLength)) return false;
+  out = Divide(v, length);
+  return true;
+}
+
 }  // namespace quillix

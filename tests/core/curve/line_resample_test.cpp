@@ -99,13 +99,13 @@ TEST(ResampleLine, PointsLieAtTheirArcLengthsUpToTheVeryEnd) {
 
 TEST(SmoothLine, FullStrengthAveragesThePreviousPassesNeighbours) {
   Line zigzag{{0, 0, 0}, {1, 4, 0}, {2, 0, 0}, {3, 4, 0}, {4, 0, 0}};
-  SmoothLine(zigzag, 1.0f, 1);
+  SmoothLine(1.0f, 1, zigzag);
   // Point 2 uses point 1's value from before the pass (4), not the freshly smoothed 0.
   ExpectPoints(zigzag, {{0, 0, 0}, {1, 0, 0}, {2, 4, 0}, {3, 0, 0}, {4, 0, 0}});
   Line clamped{{0, 0, 0}, {1, 4, 0}, {2, 0, 0}, {3, 4, 0}, {4, 0, 0}};
-  SmoothLine(clamped, 7.5f, 1);
+  SmoothLine(7.5f, 1, clamped);
   ExpectPoints(clamped, zigzag);
-  SmoothLine(zigzag, 0.5f, 1);
+  SmoothLine(0.5f, 1, zigzag);
   ExpectPoints(zigzag, {{0, 0, 0}, {1, 1, 0}, {2, 2, 0}, {3, 1, 0}, {4, 0, 0}});
 }
 
@@ -113,12 +113,12 @@ TEST(SmoothLine, ZeroNegativeOrNanStrengthAndNoIterationsLeaveThePointsAlone) {
   const Line original{{0, 0, 0}, {1, 4, 0}, {2, 0, 0}, {3, 4, 0}};
   for (float strength : {0.0f, -0.5f, std::nanf("")}) {
     Line points = original;
-    SmoothLine(points, strength, 3);
+    SmoothLine(strength, 3, points);
     ExpectPoints(points, original);
   }
   for (std::int32_t iterations : {0, -4}) {
     Line points = original;
-    SmoothLine(points, 1.0f, iterations);
+    SmoothLine(1.0f, iterations, points);
     ExpectPoints(points, original);
   }
 }

@@ -46,6 +46,9 @@ TEST(SimplifyPolyline, CollinearPointsReduceToTheEndsOrToEndsAndMidpoint) {
   ExpectLine(Simplify(line, 0.1f, false, false, work), {line.front(), line.back()});
   ExpectLine(Simplify(line, 0.1f, false, true, work),
              {line.front(), {5.0f, 10.0f, -1.0f}, line.back()});
+  // The form that allocates its own buffer gives the same points.
+  ExpectLine(SimplifyPolyline(line, 0.1f, false, true),
+             {line.front(), {5.0f, 10.0f, -1.0f}, line.back()});
 }
 
 TEST(SimplifyPolyline, NonPositiveOrNanEpsilonLeavesTheInputUnchanged) {
@@ -91,27 +94,23 @@ TEST(SimplifyPolyline, PointsBeyondTheChordEndsAreMeasuredToTheNearestEnd) {
   ExpectLine(Simplify(line, 0.8f, false, false, work), {line[0], line[1], line[3]});
 }
 
-TEST(SimplifyLineRecursive, EqualLargestDistancesSplitAtTheLowerIndex) {
+TEST(MarkPointsForRemoval, EqualLargestDistancesSplitAtTheLowerIndex) {
   // Points 1 and 3 are both 1 away from the chord; splitting at 1 leaves 2 and 3 within
   // tolerance of the chord (1,1)-(4,0), splitting at 3 would have kept 3 and dropped 1.
   Line line{{0, 0, 0}, {1, 1, 0}, {2, 0, 0}, {3, 1, 0}, {4, 0, 0}};
-  std::int32_t count = 5;
-  SimplifyLine(line.data(), count, 1.0f);
-  line.resize(std::size_t(count));
+  line.resize(SimplifyLine(1.0f, line));
   ExpectLine(line, {{0, 0, 0}, {1, 1, 0}, {4, 0, 0}});
 }
 
-TEST(SimplifyLineRecursive, DegenerateChordMeasuresFromTheFirstPoint) {
+TEST(MarkPointsForRemoval, DegenerateChordMeasuresFromTheFirstPoint) {
   Line line{{0, 0, 0}, {1, 0, 0}, {0, 3, 0}, {0.5f, 0, 0}, {0, 0, 0}};
-  std::int32_t count = 5;
-  SimplifyLine(line.data(), count, 2.0f);
-  line.resize(std::size_t(count));
+  line.resize(SimplifyLine(2.0f, line));
   ExpectLine(line, {{0, 0, 0}, {0, 3, 0}, {0, 0, 0}});
 }
 
-TEST(SimplifyLineRecursive, MarksOnlyInteriorPointsWithTheQuietNanPattern) {
+TEST(MarkPointsForRemoval, MarksOnlyInteriorPointsWithTheQuietNanPattern) {
   Line line{{0, 0, 0}, {1, 0.1f, 0}, {2, 0, 0}, {3, 5, 0}, {4, 0, 0}};
-  SimplifyLineRecursive(line.data(), 5, 1.0f);
+  MarkPointsForRemoval(1.0f, line);
   EXPECT_FALSE(IsRemovalMark(line[0].x));
   EXPECT_EQ(std::bit_cast<std::uint32_t>(line[1].x), kRemovalMarkBits);
   EXPECT_FALSE(IsRemovalMark(line[3].x));
@@ -205,14 +204,12 @@ void RunOnSmallStack(Job& job) {
   pthread_attr_destroy(&attributes);
 }
 
-TEST(SimplifyLineRecursive, MillionPointsSplittingNearTheEndMatchTheRecursiveMarksOnASmallStack) {
+TEST(MarkPointsForRemoval, MillionPointsSplittingNearTheEndMatchTheRecursiveMarksOnASmallStack) {
   Line points = testlines::SpikedSpiral(1'000'000, 100'000);
   Line expected = points;
   const std::size_t recursiveDepth = ReferenceMarks(expected, 0.05f);
   EXPECT_GT(recursiveDepth, 3'000u);
-  auto job = [&points] {
-    SimplifyLineRecursive(points.data(), std::int32_t(points.size()), 0.05f);
-  };
+  auto job = [&points] { MarkPointsForRemoval(0.05f, points); };
   RunOnSmallStack(job);
   std::size_t kept = 0;
   for (std::size_t i = 0; i < points.size(); ++i) {
@@ -222,11 +219,11 @@ TEST(SimplifyLineRecursive, MillionPointsSplittingNearTheEndMatchTheRecursiveMar
   EXPECT_LT(kept, 200'000u);  // the straight run went in one pass
 }
 
-TEST(SimplifyLineRecursive, NoisyWalkMatchesTheRecursiveMarks) {
+TEST(MarkPointsForRemoval, NoisyWalkMatchesTheRecursiveMarks) {
   Line points = testlines::NoisyWalk(200'000, 7);
   Line expected = points;
   ReferenceMarks(expected, 0.5f);
-  SimplifyLineRecursive(points.data(), std::int32_t(points.size()), 0.5f);
+  MarkPointsForRemoval(0.5f, points);
   std::size_t marked = 0;
   for (std::size_t i = 0; i < points.size(); ++i) {
     ASSERT_TRUE(SameBits(points[i], expected[i])) << "point " << i;

@@ -26,7 +26,7 @@ class Ray final : public CurveSampler {
     CurveFrame frame;
     frame.position = {value, 0.0, 0.0};
     frame.tangent = {value, 0.0, 0.0};
-    frame.normal = value > 1.0 ? CurvePoint{} : CurvePoint{0.0, 3.0, 0.0};
+    frame.normal = value > 1.0 ? Vec3d{} : Vec3d{0.0, 3.0, 0.0};
     frame.binormal = {0.0, 0.0, 0.5};
     return frame;
   }
@@ -36,10 +36,8 @@ class Ray final : public CurveSampler {
 // Scales by (2, 1, 1) and moves by (0, 0, 10).
 class Stretched final : public CurvePlacement {
  public:
-  CurvePoint PositionToWorld(const CurvePoint& p) const override {
-    return {2 * p.x, p.y, p.z + 10};
-  }
-  CurvePoint DirectionToWorld(const CurvePoint& v) const override { return {2 * v.x, v.y, v.z}; }
+  Vec3d PositionToWorld(const Vec3d& p) const override { return {2 * p.x, p.y, p.z + 10}; }
+  Vec3d DirectionToWorld(const Vec3d& v) const override { return {2 * v.x, v.y, v.z}; }
 };
 
 TEST(SampleCurve, PositionsAreMappedAndDirectionsMappedThenNormalised) {

@@ -19,7 +19,10 @@ float Scale(const SphereRecord& r) { return r.m[1][3]; }
 float RadiusIndex(const SphereRecord& r) { return r.m[2][3]; }
 float Corner(const SphereRecord& r) { return r.m[3][3]; }
 Vec3f Centre(const SphereRecord& r) { return {r.m[3][0], r.m[3][1], r.m[3][2]}; }
-Vec3f Row(const SphereRecord& r, int i) { return {r.m[i][0], r.m[i][1], r.m[i][2]}; }
+template <class Matrix>
+Vec3f Row(const Matrix& r, int i) {
+  return {r.m[i][0], r.m[i][1], r.m[i][2]};
+}
 
 void ExpectVec(const Vec3f& actual, const Vec3f& expected, float tolerance = 1e-5f) {
   EXPECT_NEAR(actual.x, expected.x, tolerance);
@@ -46,7 +49,7 @@ TEST(DistributeSpheres, StretchKeepsRadiiAndSpreadsTheGapsEvenly) {
   QRVSpline ten = Spline({{0, 0, 0}, {10, 0, 0}});
   Records out;
   ASSERT_EQ(DistributeSpheres(ten, Stretch(radii), out), kStatusOk);
-  ASSERT_EQ(out.size(), 5u);
+  ASSERT_EQ(out.Size(), 5u);
   const float centres[] = {1, 3, 5, 7, 9};
   for (std::size_t i = 0; i < 5; ++i) {
     ExpectVec(Centre(out[i]), {centres[i], 0, 0});
@@ -59,7 +62,7 @@ TEST(DistributeSpheres, StretchKeepsRadiiAndSpreadsTheGapsEvenly) {
   QRVSpline nine = Spline({{0, 0, 0}, {9, 0, 0}});
   Records spread;
   ASSERT_EQ(DistributeSpheres(nine, Stretch(radii), spread), kStatusOk);
-  ASSERT_EQ(spread.size(), 4u);
+  ASSERT_EQ(spread.Size(), 4u);
   EXPECT_FLOAT_EQ(Scale(spread[0]), 9.0f / 8.0f);
   for (std::size_t i = 0; i < 4; ++i)
     EXPECT_FLOAT_EQ(Centre(spread[i]).x, (2 * i + 1) * 9.0f / 8.0f);
@@ -71,18 +74,18 @@ TEST(DistributeSpheres, NothingFitsOrNothingIsAllowed) {
   QRVSpline five = Spline({{0, 0, 0}, {5, 0, 0}});
   Records out;
   EXPECT_EQ(DistributeSpheres(five, Stretch(big), out), kStatusOk);
-  EXPECT_EQ(out.size(), 0u);
+  EXPECT_EQ(out.Size(), 0u);
 
   const std::vector<float> small{0.5f};
   SphereDistributionParams none = Stretch(small);
   none.maxSpheres = 0;
   EXPECT_EQ(DistributeSpheres(five, none, out), kStatusOk);
-  EXPECT_EQ(out.size(), 0u);
+  EXPECT_EQ(out.Size(), 0u);
 
   SphereDistributionParams two = Stretch(small);
   two.maxSpheres = 2;
   ASSERT_EQ(DistributeSpheres(five, two, out), kStatusOk);
-  ASSERT_EQ(out.size(), 2u);
+  ASSERT_EQ(out.Size(), 2u);
   EXPECT_FLOAT_EQ(Scale(out[0]), 2.5f);
 
   // Fractions cut the stretch; a start below 0 counts as 0, an end above 1 as 1.
@@ -91,7 +94,7 @@ TEST(DistributeSpheres, NothingFitsOrNothingIsAllowed) {
   half.endFraction = 3.0f;
   Records part;
   ASSERT_EQ(DistributeSpheres(five, half, part), kStatusOk);
-  ASSERT_EQ(part.size(), 2u);
+  ASSERT_EQ(part.Size(), 2u);
   EXPECT_FLOAT_EQ(Centre(part[0]).x, 2.5f + 0.625f);
 }
 
@@ -100,13 +103,13 @@ TEST(DistributeSpheres, RejectsBadArgumentsWithStatusCodesAndLeavesTheOutputAlon
   QRVSpline spline = Spline({{0, 0, 0}, {10, 0, 0}});
   Records out;
   ASSERT_EQ(DistributeSpheres(spline, Stretch(radii), out), kStatusOk);
-  const std::size_t before = out.size();
+  const std::size_t before = out.Size();
 
   QRVSpline empty;
   EXPECT_EQ(DistributeSpheres(empty, Stretch(radii), out), kStatusInvalidState);
   auto rejects = [&](SphereDistributionParams params, QRVStatus expected) {
     EXPECT_EQ(DistributeSpheres(spline, params, out), expected);
-    EXPECT_EQ(out.size(), before);
+    EXPECT_EQ(out.Size(), before);
   };
   SphereDistributionParams p = Stretch(radii);
   p.seed = -1;
@@ -158,7 +161,7 @@ TEST(DistributeSpheres, RadiusIndicesFollowTheDistribution) {
   params.seed = 5;
   Records out;
   ASSERT_EQ(DistributeSpheres(spline, params, out), kStatusOk);
-  ASSERT_GE(out.size(), 4u);
+  ASSERT_GE(out.Size(), 4u);
   const float expected[] = {2, 0, 1, 2};
   for (int i = 0; i < 4; ++i) {
     EXPECT_EQ(RadiusIndex(out[i]), expected[i]);
@@ -178,31 +181,31 @@ TEST(OrientationFrame, AlignsTheMainRowAndTwistsTheSecondTowardsTheOtherVector) 
   // Up without its part along the tangent: (0,1,1) - 0.8 * (0.6,0,0.8).
   const float norm = std::sqrt(0.48f * 0.48f + 1.0f + 0.36f * 0.36f);
   const Vec3f upPerpendicular{-0.48f / norm, 1.0f / norm, 0.36f / norm};
-  Rows3f frame = OrientationFrame(1, tangent, up);
-  ExpectVec(frame.row[0], tangent);
-  ExpectVec(frame.row[1], upPerpendicular);
+  Mat3f frame = OrientationFrame(1, tangent, up);
+  ExpectVec(Row(frame, 0), tangent);
+  ExpectVec(Row(frame, 1), upPerpendicular);
 
   const Vec3f unitUp{0.0f, 0.70710677f, 0.70710677f};
   frame = OrientationFrame(2, tangent, up);
-  ExpectVec(frame.row[1], unitUp);
+  ExpectVec(Row(frame, 1), unitUp);
   const float along = 0.8f * 0.70710677f;  // tangent · unit up
   const Vec3f rest{0.6f, -along * 0.70710677f, 0.8f - along * 0.70710677f};
   const float restNorm = std::sqrt(rest.x * rest.x + rest.y * rest.y + rest.z * rest.z);
-  ExpectVec(frame.row[0], {rest.x / restNorm, rest.y / restNorm, rest.z / restNorm});
+  ExpectVec(Row(frame, 0), {rest.x / restNorm, rest.y / restNorm, rest.z / restNorm});
 
   for (int alignment : {0, 3, -1}) {
     frame = OrientationFrame(alignment, tangent, up);
-    ExpectVec(frame.row[0], {1, 0, 0}, 0);
-    ExpectVec(frame.row[1], {0, 1, 0}, 0);
-    ExpectVec(frame.row[2], {0, 0, 1}, 0);
+    ExpectVec(Row(frame, 0), {1, 0, 0}, 0);
+    ExpectVec(Row(frame, 1), {0, 1, 0}, 0);
+    ExpectVec(Row(frame, 2), {0, 0, 1}, 0);
   }
   // Along the coordinate axes the first rotation falls back to a half turn or none.
   frame = OrientationFrame(1, {-1, 0, 0}, {0, 1, 0});
-  ExpectVec(frame.row[0], {-1, 0, 0});
-  ExpectVec(frame.row[1], {0, 1, 0});
+  ExpectVec(Row(frame, 0), {-1, 0, 0});
+  ExpectVec(Row(frame, 1), {0, 1, 0});
   frame = OrientationFrame(2, {1, 0, 0}, {0, -1, 0});
-  ExpectVec(frame.row[1], {0, -1, 0});
-  ExpectVec(frame.row[0], {1, 0, 0});
+  ExpectVec(Row(frame, 1), {0, -1, 0});
+  ExpectVec(Row(frame, 0), {1, 0, 0});
 }
 
 TEST(OrientationFrame, FramesAreRotationsForAnyDirections) {
@@ -212,17 +215,17 @@ TEST(OrientationFrame, FramesAreRotationsForAnyDirections) {
     const Vec3f t{c(engine), c(engine), c(engine)};
     const Vec3f u{c(engine), c(engine), c(engine)};
     for (int alignment : {1, 2}) {
-      const Rows3f frame = OrientationFrame(alignment, t, u);
+      const Mat3f frame = OrientationFrame(alignment, t, u);
       SphereRecord record;
       for (int r = 0; r < 3; ++r) {
-        record.m[r][0] = frame.row[r].x;
-        record.m[r][1] = frame.row[r].y;
-        record.m[r][2] = frame.row[r].z;
+        record.m[r][0] = Row(frame, r).x;
+        record.m[r][1] = Row(frame, r).y;
+        record.m[r][2] = Row(frame, r).z;
       }
       EXPECT_NEAR(Determinant(record), 1.0f, 1e-4f);
       // The second row lies in the plane of the two vectors.
       const Vec3f n{t.y * u.z - t.z * u.y, t.z * u.x - t.x * u.z, t.x * u.y - t.y * u.x};
-      const Vec3f s = frame.row[alignment == 1 ? 1 : 0];
+      const Vec3f s = Row(frame, alignment == 1 ? 1 : 0);
       const float nn = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
       EXPECT_NEAR((s.x * n.x + s.y * n.y + s.z * n.z) / nn, 0.0f, 1e-3f);
     }
@@ -240,7 +243,7 @@ TEST(DistributeSpheres, CornersOfAnOpenSplineGetSpheresThatStayWithinItsEnds) {
   ASSERT_EQ(DistributeSpheres(spline, params, out), kStatusOk);
   // Corners 0, 2 and 3 (point 1 is on the line); each stretch between corner spheres is 5.5
   // long and takes two unit spheres.
-  ASSERT_EQ(out.size(), 7u);
+  ASSERT_EQ(out.Size(), 7u);
   const float corner[] = {1, 0, 0, 1, 0, 0, 1};
   for (std::size_t i = 0; i < 7; ++i) EXPECT_EQ(Corner(out[i]), corner[i]) << i;
   ExpectVec(Centre(out[0]), {1.5f, 0, 0});
@@ -252,7 +255,7 @@ TEST(DistributeSpheres, CornersOfAnOpenSplineGetSpheresThatStayWithinItsEnds) {
   EXPECT_FLOAT_EQ(Scale(out[1]), 5.5f / 4.0f);
   ExpectVec(Centre(out[1]), {3.0f + 5.5f / 4.0f, 0, 0});
   // Nothing reaches past either end of the spline (arc lengths 0 and 20).
-  for (std::size_t i = 0; i < out.size(); ++i) {
+  for (std::size_t i = 0; i < out.Size(); ++i) {
     const Vec3f p = Centre(out[i]);
     const float arc = p.y > 0.0f ? 10.0f + p.y : p.x;
     EXPECT_GE(arc - Radius(out[i]), -1e-5f) << i;
@@ -269,13 +272,13 @@ TEST(DistributeSpheres, ClosedSplineFillsTheStretchBackToTheFirstCorner) {
   Records out;
   ASSERT_EQ(DistributeSpheres(square, params, out), kStatusOk);
   std::size_t corners = 0;
-  for (std::size_t i = 0; i < out.size(); ++i) corners += Corner(out[i]) == 1.0f;
+  for (std::size_t i = 0; i < out.Size(); ++i) corners += Corner(out[i]) == 1.0f;
   EXPECT_EQ(corners, 4u);
   // Cyclic from seed 0: corner 0 takes index 0, stretch seeds and corners alternate after it.
   EXPECT_EQ(RadiusIndex(out[0]), 0.0f);
   EXPECT_EQ(RadiusIndex(out[1]), 1.0f);  // the first stretch starts at index 1
   // The last spheres lie on the closing side x = 0, between the last corner and the first.
-  const Vec3f last = Centre(out[out.size() - 1]);
+  const Vec3f last = Centre(out[out.Size() - 1]);
   EXPECT_NEAR(last.x, 0.0f, 1e-5f);
   EXPECT_GT(last.y, 0.0f);
   EXPECT_LT(last.y, 10.0f);
@@ -283,7 +286,7 @@ TEST(DistributeSpheres, ClosedSplineFillsTheStretchBackToTheFirstCorner) {
   params.maxSpheres = 3;
   Records capped;
   ASSERT_EQ(DistributeSpheres(square, params, capped), kStatusOk);
-  EXPECT_EQ(capped.size(), 3u);
+  EXPECT_EQ(capped.Size(), 3u);
 }
 
 TEST(DistributeSpheres, RefusedMemoryReportsStatusNineAndKeepsTheOutput) {
@@ -293,7 +296,7 @@ TEST(DistributeSpheres, RefusedMemoryReportsStatusNineAndKeepsTheOutput) {
   memory.SetLimit(true, 4096);
   Records out(&memory);
   EXPECT_EQ(DistributeSpheres(spline, Stretch(radii), out), kStatusNoMemory);
-  EXPECT_EQ(out.size(), 0u);
+  EXPECT_EQ(out.Size(), 0u);
 }
 
 TEST(CutIntervals, EachIndexEndsItsIntervalInclusively) {
@@ -333,9 +336,8 @@ TEST(DistributeSpheresOverIntervals, IntervalsAreIndependentSplinesInOrder) {
   const std::int32_t indices[] = {2, 5};
   const std::vector<float> radii{0.5f};
   SphereDistributionParams params = Stretch(radii);
-  Records out;
-  ASSERT_EQ(DistributeSpheresOverIntervals(points, {}, indices, false, params, out, nullptr),
-            kStatusOk);
+  std::vector<SphereRecord> out;
+  ASSERT_EQ(DistributeSpheresOverIntervals(points, {}, indices, false, params, out), kStatusOk);
   ASSERT_EQ(out.size(), 8u);
   for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(Centre(out[i]).y, 0.0f);
   for (std::size_t i = 4; i < 8; ++i) EXPECT_EQ(Centre(out[i]).y, 100.0f);
@@ -343,13 +345,11 @@ TEST(DistributeSpheresOverIntervals, IntervalsAreIndependentSplinesInOrder) {
 
   // A one-point interval and an element without radii give nothing.
   const std::int32_t single[] = {0};
-  Records none;
-  EXPECT_EQ(DistributeSpheresOverIntervals(points, {}, single, false, params, none, nullptr),
-            kStatusOk);
+  std::vector<SphereRecord> none;
+  EXPECT_EQ(DistributeSpheresOverIntervals(points, {}, single, false, params, none), kStatusOk);
   EXPECT_EQ(none.size(), 0u);
   SphereDistributionParams noRadii = Stretch({});
-  EXPECT_EQ(DistributeSpheresOverIntervals(points, {}, indices, false, noRadii, none, nullptr),
-            kStatusOk);
+  EXPECT_EQ(DistributeSpheresOverIntervals(points, {}, indices, false, noRadii, none), kStatusOk);
   EXPECT_EQ(none.size(), 0u);
 }
 
@@ -369,18 +369,17 @@ TEST(DistributeSpheresOverIntervals, ConcurrentCallsGiveTheSameBitsAsOneThread) 
   params.distribution = kDistributionRandom;
   params.seed = 42;
   params.interpolation = {kInterpolationCatmullRom, kInterpolationCubic, kInterpolationLinear};
-  Records reference;
-  ASSERT_EQ(DistributeSpheresOverIntervals(points, {}, whole, false, params, reference, nullptr),
-            kStatusOk);
+  std::vector<SphereRecord> reference;
+  ASSERT_EQ(DistributeSpheresOverIntervals(points, {}, whole, false, params, reference), kStatusOk);
   ASSERT_GT(reference.size(), 100u);
-  std::vector<Records> results(4);
+  std::vector<std::vector<SphereRecord>> results(4);
   std::vector<std::thread> threads;
-  for (Records& result : results) {
+  for (std::vector<SphereRecord>& result : results) {
     threads.emplace_back(
-        [&] { DistributeSpheresOverIntervals(points, {}, whole, false, params, result, nullptr); });
+        [&] { DistributeSpheresOverIntervals(points, {}, whole, false, params, result); });
   }
   for (std::thread& thread : threads) thread.join();
-  for (const Records& result : results) {
+  for (const std::vector<SphereRecord>& result : results) {
     ASSERT_EQ(result.size(), reference.size());
     EXPECT_EQ(std::memcmp(result.data(), reference.data(), reference.size() * sizeof(SphereRecord)),
               0);

@@ -124,15 +124,6 @@ TEST(QRVSpline, CubicTypesTakeWrappedNeighboursAlsoWhenOpen) {
   ExpectVec(spline.Evaluate(2.0f, kCatmullRom).position, points[2]);
 }
 
-TEST(QRVSpline, CopyTakesPointsDerivedDataAndClosedFlag) {
-  QRVSpline spline = Build({{0, 0, 0}, {3, 0, 0}, {3, 4, 0}}, {}, true);
-  QRVSpline copy;
-  ASSERT_EQ(copy.CopyFrom(spline), kStatusOk);
-  spline.SetClosed(false);
-  EXPECT_TRUE(copy.Closed());
-  EXPECT_FLOAT_EQ(copy.Length(), 12.0f);
-}
-
 TEST(QRVSpline, RefusedMemoryLeavesAnEmptySpline) {
   QRVMemoryContext memory;
   memory.SetLimit(true, 64);
