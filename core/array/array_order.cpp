@@ -2,7 +2,7 @@
 
 namespace quillix {
 
-std::uint32_t rotationOffset(std::int32_t shift, std::uint32_t length) {
+std::uint32_t RotationOffset(std::int32_t shift, std::uint32_t length) {
   assert(length > 0);
   // k = -shift, negated in unsigned arithmetic so that -2147483648 maps onto itself instead of
   // overflowing.

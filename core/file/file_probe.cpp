@@ -6,7 +6,7 @@
 
 namespace quillix {
 
-bool canOpenForReading(const std::string& path) {
+bool CanOpenForReading(const std::string& path) {
   if (path.empty()) return false;
   std::FILE* file = std::fopen(path.c_str(), "rb");
   if (file == nullptr) return false;

@@ -11,6 +11,6 @@ namespace quillix {
 // path is used as it stands: relative paths resolve against the working directory and nothing
 // is expanded. The text is passed to the C library unchanged (8-bit, as the host's narrow
 // conversion produced it).
-bool canOpenForReading(const std::string& path);
+bool CanOpenForReading(const std::string& path);
 
 }  // namespace quillix

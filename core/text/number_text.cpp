@@ -15,7 +15,7 @@ constexpr std::size_t kBufferSize = 64;
 
 // Appends narrow printf output to the wide result, padding the exponent to three digits.
 // The C library prints at least two exponent digits; the node's text has always carried three.
-void appendPrinted(const char* text, std::wstring& out) {
+void AppendPrinted(const char* text, std::wstring& out) {
   const char* exponent = std::strpbrk(text, "eE");
   const char* end = text + std::strlen(text);
   if (exponent == nullptr) {
@@ -31,7 +31,7 @@ void appendPrinted(const char* text, std::wstring& out) {
 
 // Non-finite values are spelled out here rather than by the C library, whose spellings
 // differ between platforms (and carry a NaN's sign on some).
-bool appendNonFinite(double value, std::wstring& out) {
+bool AppendNonFinite(double value, std::wstring& out) {
   if (std::isnan(value)) {
     out += L"nan";
   } else if (std::isinf(value)) {
@@ -44,17 +44,17 @@ bool appendNonFinite(double value, std::wstring& out) {
 
 // "%.*g" of the value. std::to_chars prints exactly what printf prints in the C locale, and
 // unlike printf it cannot pick up a decimal comma from a locale the host process has set.
-void appendGeneral(double value, int precision, std::wstring& out) {
-  if (appendNonFinite(value, out)) return;
+void AppendGeneral(double value, int precision, std::wstring& out) {
+  if (AppendNonFinite(value, out)) return;
   char buffer[kBufferSize];
   const std::to_chars_result printed = std::to_chars(buffer, buffer + sizeof buffer - 1, value,
                                                      std::chars_format::general, precision);
   *printed.ptr = '\0';
-  appendPrinted(buffer, out);
+  AppendPrinted(buffer, out);
 }
 
 template <typename T, typename Format>
-void appendList(std::span<const T> values, bool bracketSingle, Format format, std::wstring& out) {
+void AppendList(std::span<const T> values, bool bracketSingle, Format format, std::wstring& out) {
   if (values.empty()) {
     out += L"0";
     return;
@@ -73,17 +73,17 @@ void appendList(std::span<const T> values, bool bracketSingle, Format format, st
 
 }  // namespace
 
-void appendBoolText(bool value, std::wstring& out) { out += value ? L"1" : L"0"; }
+void AppendBoolText(bool value, std::wstring& out) { out += value ? L"1" : L"0"; }
 
-void appendIntText(std::int32_t value, std::wstring& out) {
+void AppendIntText(std::int32_t value, std::wstring& out) {
   char buffer[kBufferSize];
   const int length = std::snprintf(buffer, sizeof buffer, "%d", static_cast<int>(value));
   out.append(buffer, buffer + length);
 }
 
-void appendFloatText(float value, std::wstring& out) { appendGeneral(value, 6, out); }
+void AppendFloatText(float value, std::wstring& out) { AppendGeneral(value, 6, out); }
 
-std::int32_t roundHalfAwayToInt32(float value) {
+std::int32_t RoundHalfAwayToInt32(float value) {
   double widened = value;
   widened += widened > 0 ? 0.5 : -0.5;
   // Truncation toward zero keeps exactly the open interval (-2^31 - 1, 2^31) in range.
@@ -91,39 +91,39 @@ std::int32_t roundHalfAwayToInt32(float value) {
   return static_cast<std::int32_t>(widened);
 }
 
-void appendNumberText(float value, const NumberTextOptions& options, std::wstring& out) {
+void AppendNumberText(float value, const NumberTextOptions& options, std::wstring& out) {
   if (options.treatAsInteger) {
     int width = options.leadingZeros;
     if (width < 0) width = 0;
     if (width > kMaxIntegerWidth) width = kMaxIntegerWidth;
     char buffer[kBufferSize];
     std::snprintf(buffer, sizeof buffer, "%0*d", width,
-                  static_cast<int>(roundHalfAwayToInt32(value)));
-    appendPrinted(buffer, out);
+                  static_cast<int>(RoundHalfAwayToInt32(value)));
+    AppendPrinted(buffer, out);
     return;
   }
   int precision = options.precision > 0 ? options.precision : 6;
   if (precision > kMaxPrecision) precision = kMaxPrecision;
-  appendGeneral(value, precision, out);
+  AppendGeneral(value, precision, out);
 }
 
-void appendBoolListText(std::span<const bool> values, std::wstring& out) {
-  appendList(values, false, appendBoolText, out);
+void AppendBoolListText(std::span<const bool> values, std::wstring& out) {
+  AppendList(values, false, AppendBoolText, out);
 }
 
-void appendIntListText(std::span<const std::int32_t> values, std::wstring& out) {
-  appendList(values, false, appendIntText, out);
+void AppendIntListText(std::span<const std::int32_t> values, std::wstring& out) {
+  AppendList(values, false, AppendIntText, out);
 }
 
-void appendFloatListText(std::span<const float> values, std::wstring& out) {
-  appendList(values, false, appendFloatText, out);
+void AppendFloatListText(std::span<const float> values, std::wstring& out) {
+  AppendList(values, false, AppendFloatText, out);
 }
 
-void appendNumberArrayText(std::span<const float> values, const NumberTextOptions& options,
+void AppendNumberArrayText(std::span<const float> values, const NumberTextOptions& options,
                            std::wstring& out) {
-  appendList(
+  AppendList(
       values, true,
-      [&options](float value, std::wstring& text) { appendNumberText(value, options, text); }, out);
+      [&options](float value, std::wstring& text) { AppendNumberText(value, options, text); }, out);
 }
 
 }  // namespace quillix

@@ -2,7 +2,7 @@
 
 namespace quillix {
 
-std::wstring joinStrings(std::span<const std::wstring_view> entries, std::wstring_view delimiter) {
+std::wstring JoinStrings(std::span<const std::wstring_view> entries, std::wstring_view delimiter) {
   std::wstring joined;
   for (std::size_t i = 0; i < entries.size(); ++i) {
     if (entries[i].empty()) continue;

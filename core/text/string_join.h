@@ -14,6 +14,6 @@ namespace quillix {
 // delimiter after an entry is decided by the entry's index alone (no delimiter after the last
 // index), not by whether a non-empty entry follows. So a, b and an empty last entry give "a-b-"
 // with a trailing delimiter; graphs built on that text expect it, so it is kept.
-std::wstring joinStrings(std::span<const std::wstring_view> entries, std::wstring_view delimiter);
+std::wstring JoinStrings(std::span<const std::wstring_view> entries, std::wstring_view delimiter);
 
 }  // namespace quillix

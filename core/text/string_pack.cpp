@@ -5,19 +5,19 @@
 namespace quillix {
 namespace {
 
-std::size_t dataWordCount(bool active, std::size_t characterCount) {
+std::size_t DataWordCount(bool active, std::size_t characterCount) {
   return active ? characterCount / 4 + 1 : 0;
 }
 
 }  // namespace
 
-std::size_t packedStringLength(bool active, std::size_t characterCount) {
-  return dataWordCount(active, characterCount) + 6;
+std::size_t PackedStringLength(bool active, std::size_t characterCount) {
+  return DataWordCount(active, characterCount) + 6;
 }
 
-void packString(bool active, std::size_t characterCount, std::string_view narrowText,
+void PackString(bool active, std::size_t characterCount, std::string_view narrowText,
                 std::span<std::int32_t> out) {
-  const std::size_t words = dataWordCount(active, characterCount);
+  const std::size_t words = DataWordCount(active, characterCount);
   assert(out.size() == words + 6);
   for (std::size_t i = 0; i < kPackedStringSignature.size(); ++i)
     out[i] = kPackedStringSignature[i];

@@ -25,17 +25,17 @@ inline constexpr std::int32_t kPackedStringEndMark = -1;
 
 // Number of words of the frame (W + 6) for a string of `characterCount` characters; W is 0
 // when `active` is false.
-std::size_t packedStringLength(bool active, std::size_t characterCount);
+std::size_t PackedStringLength(bool active, std::size_t characterCount);
 
 // Writes the frame into `out`, which the caller allocates with exactly
-// packedStringLength(active, characterCount) words.
+// PackedStringLength(active, characterCount) words.
 //
 // `characterCount` is the string's length L in characters and `narrowText` its 8-bit
 // conversion (the host's narrow conversion decides what becomes of characters beyond 8 bits).
 // Exactly L bytes are packed: bytes of `narrowText` beyond L are dropped and missing ones read
 // as zero, so a conversion that changes the length cannot move the frame. With `active` false
 // nothing of the text is read and the frame holds W = 0 and no data word.
-void packString(bool active, std::size_t characterCount, std::string_view narrowText,
+void PackString(bool active, std::size_t characterCount, std::string_view narrowText,
                 std::span<std::int32_t> out);
 
 }  // namespace quillix

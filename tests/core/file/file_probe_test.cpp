@@ -23,7 +23,7 @@ class FileProbe : public ::testing::Test {
   }
   void TearDown() override { fs::remove_all(folder_); }
 
-  std::string writeFile(const char* name) {
+  std::string WriteFile(const char* name) {
     const fs::path path = folder_ / name;
     std::ofstream(path) << "content";
     return path.string();
@@ -33,25 +33,25 @@ class FileProbe : public ::testing::Test {
 };
 
 TEST_F(FileProbe, ReadableFileIsFoundAndMissingOneIsNot) {
-  EXPECT_TRUE(canOpenForReading(writeFile("present.txt")));
-  EXPECT_TRUE(canOpenForReading(writeFile("with blank and \xC3\xA9.txt")));
-  EXPECT_FALSE(canOpenForReading((folder_ / "absent.txt").string()));
-  EXPECT_FALSE(canOpenForReading(""));
+  EXPECT_TRUE(CanOpenForReading(WriteFile("present.txt")));
+  EXPECT_TRUE(CanOpenForReading(WriteFile("with blank and \xC3\xA9.txt")));
+  EXPECT_FALSE(CanOpenForReading((folder_ / "absent.txt").string()));
+  EXPECT_FALSE(CanOpenForReading(""));
 }
 
 TEST_F(FileProbe, RelativePathResolvesAgainstTheWorkingDirectory) {
-  writeFile("relative.txt");
+  WriteFile("relative.txt");
   const fs::path previous = fs::current_path();
   fs::current_path(folder_);
-  EXPECT_TRUE(canOpenForReading("relative.txt"));
-  EXPECT_TRUE(canOpenForReading("./relative.txt"));
+  EXPECT_TRUE(CanOpenForReading("relative.txt"));
+  EXPECT_TRUE(CanOpenForReading("./relative.txt"));
   fs::current_path(previous);
-  EXPECT_FALSE(canOpenForReading("relative.txt"));
+  EXPECT_FALSE(CanOpenForReading("relative.txt"));
 }
 
 TEST_F(FileProbe, DirectoryIsNotAFile) {
-  EXPECT_FALSE(canOpenForReading(folder_.string()));
-  EXPECT_FALSE(canOpenForReading(folder_.string() + "/"));
+  EXPECT_FALSE(CanOpenForReading(folder_.string()));
+  EXPECT_FALSE(CanOpenForReading(folder_.string() + "/"));
 }
 
 TEST_F(FileProbe, SomethingThatRefusesToOpenIsNotFound) {
@@ -63,15 +63,15 @@ TEST_F(FileProbe, SomethingThatRefusesToOpenIsNotFound) {
   std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
   ASSERT_EQ(::bind(server, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
   EXPECT_TRUE(fs::exists(path));
-  EXPECT_FALSE(canOpenForReading(path));
+  EXPECT_FALSE(CanOpenForReading(path));
   ::close(server);
 }
 
 TEST_F(FileProbe, UnreadableFileIsNotFound) {
   if (::geteuid() == 0) GTEST_SKIP() << "the super-user may read any file";
-  const std::string path = writeFile("locked.txt");
+  const std::string path = WriteFile("locked.txt");
   fs::permissions(path, fs::perms::none);
-  EXPECT_FALSE(canOpenForReading(path));
+  EXPECT_FALSE(CanOpenForReading(path));
 }
 
 }  // namespace

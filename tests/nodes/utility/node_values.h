@@ -1,8 +1,11 @@
 // Building inputs and reading outputs of utility-node evaluations in the offline host.
 #pragma once
 
+#include <bit>
+#include <cstddef>
 #include <cstring>
 #include <initializer_list>
+#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -24,6 +27,15 @@ inline EvaluationRequest requestOf(ULONG elements,
   EvaluationRequest r;
   r.elements = elements;
   for (const auto& [port, values] : inputs) r.setInput(port, values);
+  return r;
+}
+
+// A request over `elements` elements whose group instances of `port` are `instances`, in order.
+inline EvaluationRequest instancesOf(ULONG elements, ULONG port,
+                                     std::vector<PortValues> instances) {
+  EvaluationRequest r;
+  r.elements = elements;
+  for (ULONG k = 0; k < instances.size(); ++k) r.setInput(port, instances[k], k);
   return r;
 }
 
@@ -86,6 +98,46 @@ inline Written<Strings> writtenStringArrays(const OutputResult& out) {
                                               : std::nullopt);
   }
   return values;
+}
+
+// Every value type of a fixed size, booleans to shapes (strings excluded).
+inline std::vector<ULONG> fixedSizeTypes() {
+  std::vector<ULONG> types;
+  for (ULONG type = 1; type <= 0x8000; type <<= 1) {
+    if (xsihost::valueSize(type) != 0) types.push_back(type);
+  }
+  return types;
+}
+
+// One element's array of value type `type` holding the three entries 0, 1, 2 in `order`. Each
+// entry is one byte value repeated over the type's size, 1, 2 and 3; booleans only take 0 and
+// 1, so theirs are 1, 0 and 0.
+inline PortValues threeEntryArray(ULONG type, std::initializer_list<int> order) {
+  const std::vector<int> fill =
+      type == XSI::siICENodeDataBool ? std::vector<int>{1, 0, 0} : std::vector<int>{1, 2, 3};
+  PortValues values;
+  values.type = type;
+  values.array = true;
+  values.resize(1);
+  for (int entry : order) {
+    values.arrays[0].insert(values.arrays[0].end(), xsihost::valueSize(type),
+                            std::byte(fill[entry]));
+  }
+  return values;
+}
+
+// Floats that tell the classification tests apart: -0, the largest finite float, the smallest
+// denormal, +inf, -inf, then a quiet, a signalling and a negative NaN.
+inline Floats floatClassSamples() {
+  const float inf = std::numeric_limits<float>::infinity();
+  return {-0.0f,
+          std::numeric_limits<float>::max(),
+          std::numeric_limits<float>::denorm_min(),
+          inf,
+          -inf,
+          std::numeric_limits<float>::quiet_NaN(),
+          std::bit_cast<float>(0x7F800001u),
+          std::bit_cast<float>(0xFFC00000u)};
 }
 
 }  // namespace quillix::test

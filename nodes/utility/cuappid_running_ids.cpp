@@ -2,6 +2,8 @@
 //
 // Every call walks all points of the object in order, not just the batch, so that the
 // numbering is the same whatever the batches are; this is why the node is single-threaded.
+#include <cstdint>
+
 #include <xsi_dataarray.h>
 #include <xsi_dataarray2D.h>
 #include <xsi_icenodecontext.h>
@@ -9,6 +11,7 @@
 #include <xsi_status.h>
 
 #include "core/array/running_ids.h"
+#include "plugin/callback_guard.h"
 #include "plugin/registration.h"
 
 using namespace XSI;
@@ -20,16 +23,28 @@ constexpr ULONG kArraySizePort = 1010;
 constexpr ULONG kIdsPort = 2010;
 
 constexpr PortDef kPorts[] = {
-    {kArraySizePort, PortDirection::In, siICENodeDataLong, siICENodeStructureSingle,
-     siICENodeContextComponent0D, L"ArraySizePerPoint", L"Array Size per Point", NoDefault(),
-     kNoLink, kNoLink, kLinkContext},
-    {kIdsPort, PortDirection::Out, siICENodeDataLong, siICENodeStructureArray,
-     siICENodeContextComponent0D, L"UIDs", L"UIDs", NoDefault(), kNoLink, kNoLink, kLinkContext},
+    {.id = kArraySizePort,
+     .direction = kIn,
+     .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureSingle,
+     .contexts = siICENodeContextComponent0D,
+     .scriptName = L"ArraySizePerPoint",
+     .displayName = L"Array Size per Point",
+     .defaultValue = NoDefault(),
+     .contextLink = kLinkContext},
+    {.id = kIdsPort,
+     .direction = kOut,
+     .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureArray,
+     .contexts = siICENodeContextComponent0D,
+     .scriptName = L"UIDs",
+     .displayName = L"UIDs",
+     .contextLink = kLinkContext},
 };
 
 }  // namespace
 
-XSIPLUGINCALLBACK CStatus Quillix_cuappid_Evaluate(ICENodeContext& context) {
+QUILLIX_EVALUATE(Quillix_cuappid) {
   if (context.GetEvaluatedOutputPortID() != kIdsPort) return CStatus::OK;
   const CDataArrayLong sizes(context, kArraySizePort);
   CDataArray2DLong result(context);
@@ -38,12 +53,14 @@ XSIPLUGINCALLBACK CStatus Quillix_cuappid_Evaluate(ICENodeContext& context) {
   const ULONG points = sizes.IsConstant() ? result.GetCount() : sizes.GetCount();
   std::int32_t nextId = 0;
   for (ULONG point = 0; point < points; ++point) {
-    CDataArray2DLong::Accessor ids = result.Resize(point, quillix::idCountForSize(sizes[point]));
-    nextId = quillix::writeRunningIds(nextId, {ids.GetData(), ids.GetCount()});
+    CDataArray2DLong::Accessor ids = result.Resize(point, quillix::IdCountForSize(sizes[point]));
+    nextId = quillix::WriteRunningIds(nextId, {ids.GetData(), ids.GetCount()});
   }
   return CStatus::OK;
 }
 
 CStatus Quillix_cuappid_Register(PluginRegistrar& registrar) {
-  return RegisterNode(registrar, {L"Quillix_cuappid", siICENodeSingleThreading, 1, 1, kPorts});
+  return RegisterNode(
+      registrar,
+      {.name = L"Quillix_cuappid", .threadingModel = siICENodeSingleThreading, .ports = kPorts});
 }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr ULONG kFilepath = 1010, kFileExists = 2010;
 
-Written<bool> fileExists(const std::wstring& path) {
+Written<bool> FileExists(const std::wstring& path) {
   return writtenSingles<bool>(evaluate(
       L"Quillix_fchk", requestOf(1, {{kFilepath, PortValues::strings1D({path})}}), kFileExists));
 }
@@ -24,9 +24,9 @@ TEST(FileExistsNode, AnswersWhetherThePathOpensForReading) {
   std::ofstream(folder / "cache.bin") << "data";
   std::ofstream(folder / "caf\xE9.txt") << "data";  // the host's narrow form of "café.txt"
 
-  EXPECT_EQ(fileExists(folder.wstring() + L"/cache.bin"), (Written<bool>{true}));
-  EXPECT_EQ(fileExists(folder.wstring() + L"/caf\u00e9.txt"), (Written<bool>{true}));
-  EXPECT_EQ(fileExists(folder.wstring() + L"/missing.bin"), (Written<bool>{false}));
+  EXPECT_EQ(FileExists(folder.wstring() + L"/cache.bin"), (Written<bool>{true}));
+  EXPECT_EQ(FileExists(folder.wstring() + L"/caf\u00e9.txt"), (Written<bool>{true}));
+  EXPECT_EQ(FileExists(folder.wstring() + L"/missing.bin"), (Written<bool>{false}));
   std::filesystem::remove_all(folder);
 }
 

@@ -1,0 +1,55 @@
+// Quillix_arrshft: rotates each element's array, of any value type, by that element's shift;
+// single values are copied through and the shift ignored.
+#include <optional>
+
+#include <xsi_dataarray.h>
+#include <xsi_icenodecontext.h>
+#include <xsi_pluginregistrar.h>
+#include <xsi_status.h>
+
+#include "nodes/utility/array_order_evaluation.h"
+#include "plugin/callback_guard.h"
+#include "plugin/evaluation.h"
+#include "plugin/registration.h"
+
+using namespace XSI;
+using namespace quillix::plugin;
+using namespace quillix::utility;
+
+namespace {
+
+constexpr ULONG kArrayPort = 1010;
+constexpr ULONG kShiftPort = 1020;
+constexpr ULONG kResultPort = 2010;
+
+constexpr PortDef kPorts[] = {
+    ReorderedArrayPort(kArrayPort),
+    {.id = kShiftPort,
+     .direction = kIn,
+     .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureSingle,
+     .contexts = siICENodeContextAny,
+     .scriptName = L"Shift",
+     .displayName = L"Shift",
+     .defaultValue = DefaultInt(0),
+     .contextLink = kLinkContext},
+    ReorderedResultPort(kResultPort),
+};
+
+}  // namespace
+
+QUILLIX_EVALUATE(Quillix_arrshft) {
+  if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
+  const std::optional<PortInfo> array = QueryPortInfo(context, kArrayPort);
+  if (!array) return CStatus::OK;
+  const CDataArrayLong shifts(context, kShiftPort);
+  if (shifts.GetCount() == 0) return CStatus::OK;
+  ReorderArrays(context, kArrayPort, *array, ShiftOrder{shifts});
+  return CStatus::OK;
+}
+
+CStatus Quillix_arrshft_Register(PluginRegistrar& registrar) {
+  return RegisterNode(
+      registrar,
+      {.name = L"Quillix_arrshft", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
+}

@@ -1,0 +1,101 @@
+// What Quillix_nan and Quillix_nan2 share: the shape of their port table, which test each
+// output port applies, and the classification of single values and of arrays.
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include <xsi_dataarray.h>
+#include <xsi_dataarray2D.h>
+#include <xsi_icenodecontext.h>
+#include <xsi_indexset.h>
+
+#include "core/math/float_class.h"
+#include "plugin/registration.h"
+
+namespace quillix::utility {
+
+// The port IDs of a classification node.
+struct FloatClassPortIds {
+  XSI::ULONG input = 0;
+  XSI::ULONG isNaN = 0;
+  XSI::ULONG positiveInfinity = 0;
+  XSI::ULONG negativeInfinity = 0;
+};
+
+// What tells the two nodes' ports apart: the outputs' data type, and the structures and
+// contexts every port accepts.
+struct FloatClassPortKind {
+  XSI::ULONG flagType = 0;
+  XSI::ULONG structures = 0;
+  XSI::ULONG contexts = 0;
+};
+
+// The port table of a classification node: the float "Input" and the three flags "IsNaN",
+// "Positive INF" and "Negative INF", all linked in structure and context.
+constexpr std::array<plugin::PortDef, 4> FloatClassPorts(const FloatClassPortIds& ids,
+                                                         const FloatClassPortKind& kind) {
+  const auto flag = [&kind](XSI::ULONG id, const wchar_t* scriptName,
+                            const wchar_t* displayName) -> plugin::PortDef {
+    return {.id = id,
+            .direction = plugin::kOut,
+            .dataTypes = kind.flagType,
+            .structures = kind.structures,
+            .contexts = kind.contexts,
+            .scriptName = scriptName,
+            .displayName = displayName,
+            .structureLink = plugin::kLinkStructure,
+            .contextLink = plugin::kLinkContext};
+  };
+  return {plugin::PortDef{.id = ids.input,
+                          .direction = plugin::kIn,
+                          .dataTypes = XSI::siICENodeDataFloat,
+                          .structures = kind.structures,
+                          .contexts = kind.contexts,
+                          .scriptName = L"Input",
+                          .displayName = L"Input",
+                          .defaultValue = plugin::DefaultFloat(0.0f),
+                          .structureLink = plugin::kLinkStructure,
+                          .contextLink = plugin::kLinkContext},
+          flag(ids.isNaN, L"IsNaN", L"IsNaN"),
+          flag(ids.positiveInfinity, L"IsINFpos", L"Positive INF"),
+          flag(ids.negativeInfinity, L"IsINFneg", L"Negative INF")};
+}
+
+// The test of output `port`, with `positiveTest` on "Positive INF"; nullopt for a port the node
+// does not have.
+inline std::optional<FloatTest> TestForPort(XSI::ULONG port, const FloatClassPortIds& ids,
+                                            FloatTest positiveTest) {
+  if (port == ids.isNaN) return FloatTest::NaN;
+  if (port == ids.positiveInfinity) return positiveTest;
+  if (port == ids.negativeInfinity) return FloatTest::NegativeInfinity;
+  return std::nullopt;
+}
+
+// Writes `test` of every single input value of the batch into the evaluated output, as R: a
+// boolean, or an integer 1 or 0. Writes nothing when the host supplies no input.
+template <class R>
+void ClassifySingles(XSI::ICENodeContext& context, XSI::ULONG inputPort, FloatTest test) {
+  const XSI::CDataArrayFloat input(context, inputPort);
+  XSI::CDataArray<R> result(context);
+  if (input.GetCount() == 0 || result.GetCount() == 0) return;
+  XSI::CIndexSet indexSet(context);
+  for (XSI::CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {
+    result[it] = static_cast<R>(ClassifyFloat(input[it], test));
+  }
+}
+
+// Writes `test` of every entry of each element's input array into an integer array of the same
+// length (1 or 0 per entry).
+inline void ClassifyArrays(XSI::ICENodeContext& context, XSI::ULONG inputPort, FloatTest test) {
+  const XSI::CDataArray2DFloat input(context, inputPort);
+  XSI::CDataArray2DLong result(context);
+  XSI::CIndexSet indexSet(context);
+  for (XSI::CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {
+    const XSI::CDataArray2DFloat::Accessor values = input[it];
+    XSI::CDataArray2DLong::Accessor out = result.Resize(it, values.GetCount());
+    ClassifyFloats({values.GetData(), values.GetCount()}, test, {out.GetData(), out.GetCount()});
+  }
+}
+
+}  // namespace quillix::utility
