@@ -87,7 +87,8 @@ void MovingBoxContactTime(benchmark::State& state) {
   for (auto _ : state) {
     contacts = 0;
     for (const Mat4f& m : scene.boxes) {
-      contacts += ContactTime(single, PrepareMovingBox(MovingBoxFromMatrix(m), false), 1) >= 0.0f;
+      contacts +=
+          BoxesContactTime(single, PrepareMovingBox(MovingBoxFromMatrix(m), false), 1) >= 0.0f;
     }
     benchmark::DoNotOptimize(contacts);
   }

@@ -19,17 +19,16 @@ bool BoundsSeparate(const PreparedBox& a, const PreparedBox& b) {
          b.lower.x > a.upper.x || b.lower.y > a.upper.y || b.lower.z > a.upper.z;
 }
 
-// The other box's world corners in the unit-cube space of the box whose inverse is given:
-// row vector times the inverse, divided by the fourth component.
+// The other box's world corners in the unit-cube space of the box whose inverse is given.
+// The inverse's fourth column is (0, 0, 0, 1) only up to rounding, so the full homogeneous
+// map is used.
 PointSet ToLocal(const Mat4f& inverse, const std::array<Vec3f, 8>& corners) {
-  const auto& m = inverse.m;
   PointSet local;
   for (int i = 0; i < 8; ++i) {
-    const Vec3f& p = corners[i];
-    const float w = p.x * m[0][3] + p.y * m[1][3] + p.z * m[2][3] + m[3][3];
-    local.x[i] = (p.x * m[0][0] + p.y * m[1][0] + p.z * m[2][0] + m[3][0]) / w;
-    local.y[i] = (p.x * m[0][1] + p.y * m[1][1] + p.z * m[2][1] + m[3][1]) / w;
-    local.z[i] = (p.x * m[0][2] + p.y * m[1][2] + p.z * m[2][2] + m[3][2]) / w;
+    const Vec3f p = TransformPointProjective(corners[i], inverse);
+    local.x[i] = p.x;
+    local.y[i] = p.y;
+    local.z[i] = p.z;
   }
   return local;
 }
@@ -94,20 +93,15 @@ const Mat4f* InverseOf(const PreparedBox& box, Mat4f& scratch) {
 }  // namespace
 
 PreparedBox PrepareBox(const EllipsoidRecord& box, bool withInverse) {
-  const auto& m = box.matrix.m;
-  // The record's fourth column is (0, 0, 0, 1), so the homogeneous component of every unit
-  // corner is exactly 1 and the products with ±1 are exact: summing ±row0 ± row1 ± row2 +
-  // row3 in that order gives the transformed corners bit for bit, without the divisions.
-  assert(m[0][3] == 0.0f && m[1][3] == 0.0f && m[2][3] == 0.0f && m[3][3] == 1.0f);
+  // The record's fourth column is (0, 0, 0, 1), so the affine map gives the corners exactly
+  // as the homogeneous one would (w is exactly 1), without its divisions.
+  assert(box.matrix.m[0][3] == 0.0f && box.matrix.m[1][3] == 0.0f && box.matrix.m[2][3] == 0.0f &&
+         box.matrix.m[3][3] == 1.0f);
   PreparedBox prepared;
   prepared.matrix = box.matrix;
   for (int i = 0; i < 8; ++i) {
-    const float sx = (i & 1) ? 1.0f : -1.0f;
-    const float sy = (i & 2) ? 1.0f : -1.0f;
-    const float sz = (i & 4) ? 1.0f : -1.0f;
-    prepared.corners[i] = {sx * m[0][0] + sy * m[1][0] + sz * m[2][0] + m[3][0],
-                           sx * m[0][1] + sy * m[1][1] + sz * m[2][1] + m[3][1],
-                           sx * m[0][2] + sy * m[1][2] + sz * m[2][2] + m[3][2]};
+    const Vec3f unitCorner{(i & 1) ? 1.0f : -1.0f, (i & 2) ? 1.0f : -1.0f, (i & 4) ? 1.0f : -1.0f};
+    prepared.corners[i] = TransformPoint(unitCorner, box.matrix);
   }
   // Minimum and maximum from corner 0 on; a NaN corner after the first never replaces a
   // bound.
@@ -157,6 +151,10 @@ bool BoxesIntersect(const PreparedBox& a, const PreparedBox& b, std::int32_t mod
 
 bool BoxesIntersect(const EllipsoidRecord& a, const EllipsoidRecord& b, std::int32_t mode) {
   return BoxesIntersect(PrepareBox(a, false), PrepareBox(b, false), mode);
+}
+
+bool BoxesIntersect(const Mat4f& a, const Mat4f& b, std::int32_t mode) {
+  return BoxesIntersect(EllipsoidFromMatrix(a), EllipsoidFromMatrix(b), mode);
 }
 
 }  // namespace quillix

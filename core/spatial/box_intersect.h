@@ -36,8 +36,15 @@ PreparedBox PrepareBox(const EllipsoidRecord& box, bool withInverse);
 //  - 0: bounds, then the 6 face planes of each box in that box's own space;
 //  - positive: as 0, plus the 12 edge-diagonal planes of each box.
 // Bounds that merely touch, and points lying exactly on a plane, do not separate. A box whose
-// matrix is singular (determinant exactly 0) skips its own local tests.
+// matrix is singular (determinant exactly 0) skips its own local tests. The answer does not
+// depend on whether either box was prepared with its inverse.
 bool BoxesIntersect(const PreparedBox& a, const PreparedBox& b, std::int32_t mode);
+
+// The same for two records, each prepared without its inverse.
 bool BoxesIntersect(const EllipsoidRecord& a, const EllipsoidRecord& b, std::int32_t mode);
+
+// The same for the boxes of two matrices (each the image of [-1, 1]³ under its matrix, the
+// fourth column ignored, see EllipsoidFromMatrix).
+bool BoxesIntersect(const Mat4f& a, const Mat4f& b, std::int32_t mode);
 
 }  // namespace quillix

@@ -10,17 +10,16 @@
 namespace quillix {
 namespace {
 
-
 // Half-chord of `shape` towards `target`, or nothing when `target` lies inside or on `shape`
 // (the caller then reports contact).
 std::optional<float> RadiusTowards(const PreparedEllipsoid& shape, Vec3f target) {
-  const Vec3f local = TransformPoint(target, shape.inverse);
+  const Vec3f local = TransformPointProjective(target, shape.inverse);
   const float squaredLength = Dot(local, local);
   if (squaredLength <= 1.0f) return std::nullopt;
   // The unit-sphere point towards the target maps onto the centre line, since an affine map
   // keeps lines through the local origin straight and through the centre.
   const Vec3f onSphere = Divide(local, std::sqrt(squaredLength));
-  const Vec3f onSurface = TransformPoint(onSphere, shape.record.matrix);
+  const Vec3f onSurface = TransformPointProjective(onSphere, shape.record.matrix);
   return Length(Subtract(onSurface, shape.record.centre));
 }
 
@@ -56,7 +55,7 @@ PreparedEllipsoid PrepareEllipsoid(const EllipsoidRecord& record) {
   return prepared;
 }
 
-float ClosestDistance(const PreparedEllipsoid& a, const PreparedEllipsoid& b) {
+float EllipsoidDistance(const PreparedEllipsoid& a, const PreparedEllipsoid& b) {
   const float centreDistance = Length(Subtract(b.record.centre, a.record.centre));
   if (centreDistance <= 0.0f) return 0.0f;
   const std::optional<float> radiusA = RadiusTowards(a, b.record.centre);
@@ -66,8 +65,9 @@ float ClosestDistance(const PreparedEllipsoid& a, const PreparedEllipsoid& b) {
   return std::max(0.0f, centreDistance - *radiusA - *radiusB);
 }
 
-float ClosestDistance(const EllipsoidRecord& a, const EllipsoidRecord& b) {
-  return ClosestDistance(PrepareEllipsoid(a), PrepareEllipsoid(b));
+float EllipsoidDistance(const Mat4f& a, const Mat4f& b) {
+  return EllipsoidDistance(PrepareEllipsoid(EllipsoidFromMatrix(a)),
+                           PrepareEllipsoid(EllipsoidFromMatrix(b)));
 }
 
 }  // namespace quillix

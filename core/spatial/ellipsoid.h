@@ -20,7 +20,8 @@ struct EllipsoidRecord {
   Mat4f matrix;
 };
 
-// Builds the record of `m`.
+// The record of `m` (any 4×4 matrix; its fourth column is dropped, a zero row gives a zero
+// axis and scale).
 EllipsoidRecord EllipsoidFromMatrix(const Mat4f& m);
 
 // A record together with the inverse of its matrix, computed once so that a record met in
@@ -38,8 +39,12 @@ PreparedEllipsoid PrepareEllipsoid(const EllipsoidRecord& record);
 // Gap between the surfaces of `a` and `b` measured along the line joining their centres:
 // the centre distance minus the half-chord each ellipsoid shows along that line, never
 // negative. 0 when the centres coincide or either centre lies inside or on the other
-// ellipsoid. This is a fast proximity measure, not the true minimum distance.
-float ClosestDistance(const PreparedEllipsoid& a, const PreparedEllipsoid& b);
-float ClosestDistance(const EllipsoidRecord& a, const EllipsoidRecord& b);
+// ellipsoid. This is a fast proximity measure, not the true minimum distance. A NaN gap
+// clamps to 0.
+float EllipsoidDistance(const PreparedEllipsoid& a, const PreparedEllipsoid& b);
+
+// EllipsoidDistance of the ellipsoids of two matrices (each the image of the unit sphere
+// under its matrix; the fourth column is ignored), prepared here.
+float EllipsoidDistance(const Mat4f& a, const Mat4f& b);
 
 }  // namespace quillix

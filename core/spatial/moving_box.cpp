@@ -8,7 +8,6 @@
 namespace quillix {
 namespace {
 
-
 // The record of `box` moved so that its centre is `centre`; axes and scale are kept.
 EllipsoidRecord MovedTo(const EllipsoidRecord& box, Vec3f centre) {
   EllipsoidRecord moved = box;
@@ -116,8 +115,8 @@ LineParameters ClosestLineParameters(Vec3f p1, Vec3f d1, Vec3f p2, Vec3f d2) {
   return {Dot(Cross(w, d2), normal) / normalSquared, Dot(Cross(w, d1), normal) / normalSquared};
 }
 
-float ContactTime(const EllipsoidRecord& a, Vec3f velocityA, const EllipsoidRecord& b,
-                  Vec3f velocityB, std::int32_t mode, std::int32_t depth) {
+float BoxesContactTime(const EllipsoidRecord& a, Vec3f velocityA, const EllipsoidRecord& b,
+                       Vec3f velocityB, std::int32_t mode, std::int32_t depth) {
   if (BoxesIntersect(a, b, mode)) return 0.0f;
   return ContactAfterFailedStart(a, velocityA, b, velocityB, mode, depth);
 }
@@ -126,12 +125,17 @@ PreparedMovingBox PrepareMovingBox(const MovingBox& moving, bool withInverse) {
   return {moving, PrepareBox(moving.box, withInverse)};
 }
 
-float ContactTime(const PreparedMovingBox& a, const PreparedMovingBox& b, std::int32_t mode) {
+float BoxesContactTime(const PreparedMovingBox& a, const PreparedMovingBox& b, std::int32_t mode) {
   if (BoxesIntersect(a.start, b.start, mode)) return 0.0f;
   const MovingBox& ma = a.moving;
   const MovingBox& mb = b.moving;
   return ContactAfterFailedStart(ma.box, ma.velocity, mb.box, mb.velocity, mode,
                                  SubdivisionDepth(ma.subdivisions, mb.subdivisions));
+}
+
+float BoxesContactTime(const Mat4f& packedA, const Mat4f& packedB, std::int32_t mode) {
+  return BoxesContactTime(PrepareMovingBox(MovingBoxFromMatrix(packedA), false),
+                          PrepareMovingBox(MovingBoxFromMatrix(packedB), false), mode);
 }
 
 }  // namespace quillix

@@ -18,7 +18,8 @@ struct MovingBox {
   float subdivisions = 0.0f;
 };
 
-// Unpacks `packed`: velocity and count are read before the record drops the fourth column.
+// Unpacks `packed` (any 4×4 matrix): velocity and count are read before the record drops
+// the fourth column.
 MovingBox MovingBoxFromMatrix(const Mat4f& packed);
 
 // Number of sub-steps beyond the first for a pair of boxes: the mean of their two counts
@@ -44,8 +45,8 @@ LineParameters ClosestLineParameters(Vec3f p1, Vec3f d1, Vec3f p2, Vec3f d2);
 //    heuristic: parallel paths give time 0 and so miss head-on approaches).
 //  - Both moving, depth ≥ 1: the step cut into depth + 1 equal sub-steps, each tested in
 //    order as above; the first contact found wins.
-float ContactTime(const EllipsoidRecord& a, Vec3f velocityA, const EllipsoidRecord& b,
-                  Vec3f velocityB, std::int32_t mode, std::int32_t depth);
+float BoxesContactTime(const EllipsoidRecord& a, Vec3f velocityA, const EllipsoidRecord& b,
+                       Vec3f velocityB, std::int32_t mode, std::int32_t depth);
 
 // A moving box with its start position prepared for the box test, for a box met in many
 // pairs (see PrepareBox).
@@ -57,7 +58,11 @@ struct PreparedMovingBox {
 // Prepares the start position of `moving`; `withInverse` as for PrepareBox.
 PreparedMovingBox PrepareMovingBox(const MovingBox& moving, bool withInverse);
 
-// ContactTime of two packed boxes, with the depth from their two subdivision counts.
-float ContactTime(const PreparedMovingBox& a, const PreparedMovingBox& b, std::int32_t mode);
+// BoxesContactTime of two prepared packed boxes, with the depth from their two subdivision
+// counts (SubdivisionDepth). The answer does not depend on how either box was prepared.
+float BoxesContactTime(const PreparedMovingBox& a, const PreparedMovingBox& b, std::int32_t mode);
+
+// BoxesContactTime of two packed matrices (see MovingBoxFromMatrix), prepared here.
+float BoxesContactTime(const Mat4f& packedA, const Mat4f& packedB, std::int32_t mode);
 
 }  // namespace quillix

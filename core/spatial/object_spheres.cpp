@@ -3,6 +3,9 @@
 #include <cassert>
 #include <cmath>
 
+#include "core/math/mat4_ops.h"
+#include "core/math/vec3_ops.h"
+
 namespace quillix {
 namespace {
 
@@ -24,28 +27,17 @@ double SizeFactor(const SceneObjectInfo& object) {
 
 }  // namespace
 
-MatrixTransform::MatrixTransform() : m_{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}} {}
-
-MatrixTransform::MatrixTransform(const double (&rowMajor)[4][4]) {
-  for (int r = 0; r < 4; ++r) {
-    for (int c = 0; c < 4; ++c) m_[r][c] = rowMajor[r][c];
-  }
-}
-
 Vec3d MatrixTransform::Scaling() const {
-  const auto length = [&](int r) {
-    return std::sqrt(m_[r][0] * m_[r][0] + m_[r][1] * m_[r][1] + m_[r][2] * m_[r][2]);
-  };
-  return {length(0), length(1), length(2)};
+  const auto& m = matrix_.m;
+  return {Length(Vec3d{m[0][0], m[0][1], m[0][2]}), Length(Vec3d{m[1][0], m[1][1], m[1][2]}),
+          Length(Vec3d{m[2][0], m[2][1], m[2][2]})};
 }
 
-Vec3d MatrixTransform::Position() const { return {m_[3][0], m_[3][1], m_[3][2]}; }
-
-Vec3d MatrixTransform::MapToWorld(Vec3d p) const {
-  return {p.x * m_[0][0] + p.y * m_[1][0] + p.z * m_[2][0] + m_[3][0],
-          p.x * m_[0][1] + p.y * m_[1][1] + p.z * m_[2][1] + m_[3][1],
-          p.x * m_[0][2] + p.y * m_[1][2] + p.z * m_[2][2] + m_[3][2]};
+Vec3d MatrixTransform::Position() const {
+  return {matrix_.m[3][0], matrix_.m[3][1], matrix_.m[3][2]};
 }
+
+Vec3d MatrixTransform::MapToWorld(Vec3d p) const { return TransformPoint(p, matrix_); }
 
 std::size_t SphereCount(const SceneObjectInfo& object) {
   if (!object.valid) return 0;
@@ -71,7 +63,7 @@ std::size_t ObjectToSpheres(const SceneObjectInfo& object, const ObjectTransform
     return count;
   }
   const Vec3d tip = transform.MapToWorld({object.length, 0.0, 0.0});
-  const Vec3d delta{tip.x - start.x, tip.y - start.y, tip.z - start.z};
+  const Vec3d delta = Subtract(tip, start);
   const double size = std::fabs(object.size);
   const double last = static_cast<double>(count - 1);
   for (std::size_t i = 0; i < count; ++i) {

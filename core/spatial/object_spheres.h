@@ -41,18 +41,17 @@ class ObjectTransform {
   virtual Vec3d MapToWorld(Vec3d objectPoint) const = 0;
 };
 
-// A placement given by a row-vector affine matrix (point = row (x, y, z, 1) times the matrix;
-// the fourth column is ignored): scaling is the length of each axis row, position row 3.
+// A placement given by a row-vector affine matrix (see TransformPoint: the fourth column is
+// ignored): scaling is the length of each axis row, position row 3.
 class MatrixTransform final : public ObjectTransform {
  public:
-  MatrixTransform();  // identity
-  explicit MatrixTransform(const double (&rowMajor)[4][4]);
+  explicit MatrixTransform(const Mat4d& matrix = Mat4d::Identity()) : matrix_(matrix) {}
   Vec3d Scaling() const override;
   Vec3d Position() const override;
   Vec3d MapToWorld(Vec3d objectPoint) const override;
 
  private:
-  double m_[4][4];
+  Mat4d matrix_;
 };
 
 // Number of spheres that `object` yields: 0 when it is not valid, for a bone three per unit

@@ -66,18 +66,47 @@ TEST(Invert4x4, RefusesExactlySingularMatricesAndLeavesThemUnchanged) {
   EXPECT_TRUE(Invert4x4(tiny));
 }
 
-TEST(TransformPoint, MultipliesTheRowVectorAndDividesByTheFourthComponent) {
+TEST(TransformPointProjective, MultipliesTheRowVectorAndDividesByTheFourthComponent) {
   Mat4f m = AffineMatrix({2, 0, 0}, {0, 3, 0}, {0, 0, 4}, {1, 1, 1});
-  const Vec3f affine = TransformPoint({1, 1, 1}, m);
+  const Vec3f affine = TransformPointProjective({1, 1, 1}, m);
   EXPECT_EQ(affine.x, 3.0f);
   EXPECT_EQ(affine.y, 4.0f);
   EXPECT_EQ(affine.z, 5.0f);
   m.m[3][3] = 2.0f;  // w = 2
   m.m[0][3] = 1.0f;  // w grows with x
-  const Vec3f projective = TransformPoint({1, 1, 1}, m);
+  const Vec3f projective = TransformPointProjective({1, 1, 1}, m);
   EXPECT_EQ(projective.x, 1.0f);
   EXPECT_EQ(projective.y, 4.0f / 3.0f);
   EXPECT_EQ(projective.z, 5.0f / 3.0f);
+}
+
+TEST(TransformPoint, IgnoresTheFourthColumnAndDirectionsIgnoreTheTranslation) {
+  Mat4d m{{{0, 2, 0, 0.5}, {-3, 0, 0, 0}, {0, 0, 4, 0}, {10, 20, 30, 7}}};
+  const Vec3d point = TransformPoint(Vec3d{1, 1, 1}, m);
+  EXPECT_EQ(point.x, 7.0);
+  EXPECT_EQ(point.y, 22.0);
+  EXPECT_EQ(point.z, 34.0);
+  const Vec3d direction = TransformDirection(Vec3d{1, 1, 1}, m);
+  EXPECT_EQ(direction.x, -3.0);
+  EXPECT_EQ(direction.y, 2.0);
+  EXPECT_EQ(direction.z, 4.0);
+  // On a matrix whose fourth column is (0, 0, 0, 1) the projective map agrees bit for bit.
+  const Mat4f affine = testing::Rotation(10.0, 20.0, 30.0, 1.5f, {0.1f, 0.2f, 0.3f});
+  const Vec3f p{0.7f, -1.3f, 2.9f};
+  const Vec3f a = TransformPoint(p, affine);
+  const Vec3f b = TransformPointProjective(p, affine);
+  EXPECT_EQ(0, std::memcmp(&a, &b, sizeof(Vec3f)));
+}
+
+TEST(Invert4x4, DoublePrecisionGivesTheInverseToo) {
+  Mat4d m{{{2, 0, 0, 0}, {0, 0, 4, 0}, {0, -5, 0, 0}, {1, 2, 3, 1}}};
+  ASSERT_TRUE(Invert4x4(m));
+  const Vec3d back = TransformPoint(Vec3d{3, -23, -13}, m);  // (1, -4, 5) mapped forward
+  EXPECT_DOUBLE_EQ(back.x, 1.0);
+  EXPECT_DOUBLE_EQ(back.y, -4.0);
+  EXPECT_DOUBLE_EQ(back.z, 5.0);
+  Mat4d singular{};
+  EXPECT_FALSE(Invert4x4(singular));
 }
 
 }  // namespace

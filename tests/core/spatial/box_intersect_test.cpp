@@ -15,7 +15,7 @@ using testing::Translation;
 constexpr std::int32_t kModes[] = {-1, 0, 1};
 
 bool Intersect(const Mat4f& a, const Mat4f& b, std::int32_t mode) {
-  return BoxesIntersect(EllipsoidFromMatrix(a), EllipsoidFromMatrix(b), mode);
+  return BoxesIntersect(a, b, mode);
 }
 
 TEST(BoxesIntersect, TouchingBoxesIntersectAndSeparatedOnesDoNot) {

@@ -10,9 +10,7 @@ namespace {
 using testing::AffineMatrix;
 using testing::ScaleTranslate;
 
-float Gap(const Mat4f& a, const Mat4f& b) {
-  return ClosestDistance(EllipsoidFromMatrix(a), EllipsoidFromMatrix(b));
-}
+float Gap(const Mat4f& a, const Mat4f& b) { return EllipsoidDistance(a, b); }
 
 TEST(EllipsoidFromMatrix, SplitsScaleAxesAndCentreAndDropsProjectiveTerms) {
   Mat4f m = AffineMatrix({0, 3, 0}, {-2, 0, 0}, {0, 0, 0}, {1, 2, 3});
@@ -36,7 +34,7 @@ TEST(EllipsoidFromMatrix, SplitsScaleAxesAndCentreAndDropsProjectiveTerms) {
   }
 }
 
-TEST(ClosestDistance, SubtractsBothHalfChordsAlongTheCentreLine) {
+TEST(EllipsoidDistance, SubtractsBothHalfChordsAlongTheCentreLine) {
   EXPECT_EQ(Gap(ScaleTranslate({1, 1, 1}, {0, 0, 0}), ScaleTranslate({1, 1, 1}, {5, 0, 0})), 3.0f);
   // Stretched 3× along X: its half-chord is 3 towards +X and 1 towards +Y.
   const Mat4f stretched = ScaleTranslate({3, 1, 1}, {0, 0, 0});
@@ -49,7 +47,7 @@ TEST(ClosestDistance, SubtractsBothHalfChordsAlongTheCentreLine) {
   EXPECT_NEAR(Gap(rotated, ScaleTranslate({2, 2, 2}, {0, 0, 7})), 4.0f, 1e-5f);
 }
 
-TEST(ClosestDistance, IsZeroOnContactOverlapAndCoincidentCentres) {
+TEST(EllipsoidDistance, IsZeroOnContactOverlapAndCoincidentCentres) {
   EXPECT_EQ(Gap(ScaleTranslate({2, 2, 2}, {0, 0, 0}), ScaleTranslate({1, 1, 1}, {2.5f, 0, 0})),
             0.0f);
   // B's centre exactly on A's surface (|q|² = 1), and A's centre inside a large B.
@@ -63,7 +61,7 @@ TEST(ClosestDistance, IsZeroOnContactOverlapAndCoincidentCentres) {
   EXPECT_EQ(Gap(Mat4f{}, Mat4f{}), 0.0f);
 }
 
-TEST(ClosestDistance, IgnoresProjectiveTermsAndToleratesSingularMatrices) {
+TEST(EllipsoidDistance, IgnoresProjectiveTermsAndToleratesSingularMatrices) {
   Mat4f projective = ScaleTranslate({1, 1, 1}, {0, 0, 0});
   projective.m[0][3] = 0.25f;
   projective.m[3][3] = 4.0f;

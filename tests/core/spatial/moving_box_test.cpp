@@ -23,8 +23,8 @@ Mat4f Packed(Vec3f centre, Vec3f velocity, float subdivisions = 0.0f) {
 }
 
 float Contact(const Mat4f& a, const Mat4f& b, std::int32_t mode = 1) {
-  return ContactTime(PrepareMovingBox(MovingBoxFromMatrix(a), true),
-                     PrepareMovingBox(MovingBoxFromMatrix(b), false), mode);
+  return BoxesContactTime(PrepareMovingBox(MovingBoxFromMatrix(a), true),
+                          PrepareMovingBox(MovingBoxFromMatrix(b), false), mode);
 }
 
 TEST(MovingBoxFromMatrix, ReadsVelocityAndCountBeforeForcingTheAffineColumn) {
@@ -63,7 +63,7 @@ TEST(ClosestLineParameters, GivesDistancesToTheMutuallyClosestPoints) {
   EXPECT_EQ(degenerate.t2, 0.0f);
 }
 
-TEST(ContactTime, OneMovingBoxIsTestedWhereItPassesNearestTheOther) {
+TEST(BoxesContactTime, OneMovingBoxIsTestedWhereItPassesNearestTheOther) {
   EXPECT_EQ(Contact(Translation({0, 0, 0}), Packed({5, 0, 0}, {-10, 0, 0})), 0.5f);
   EXPECT_EQ(Contact(Packed({5, 0, 0}, {-10, 0, 0}), Translation({0, 0, 0})), 0.5f);
   EXPECT_EQ(Contact(Translation({0, 0, 0}), Packed({5, 0, 0}, {10, 0, 0})), -1.0f);  // moving away
@@ -73,12 +73,12 @@ TEST(ContactTime, OneMovingBoxIsTestedWhereItPassesNearestTheOther) {
   EXPECT_EQ(Contact(Translation({0, 0, 0}), Translation({5, 0, 0})), -1.0f);  // nothing moves
 }
 
-TEST(ContactTime, IsZeroWhenTheBoxesAlreadyIntersect) {
+TEST(BoxesContactTime, IsZeroWhenTheBoxesAlreadyIntersect) {
   EXPECT_EQ(Contact(Packed({0, 0, 0}, {9, 9, 9}), Packed({1, 0, 0}, {-9, 3, 0}, 4)), 0.0f);
   EXPECT_EQ(Contact(Mat4f{}, Mat4f{}), 0.0f);  // default matrices: two points at the origin
 }
 
-TEST(ContactTime, DirectMethodTestsTheTimeOfClosestPassage) {
+TEST(BoxesContactTime, DirectMethodTestsTheTimeOfClosestPassage) {
   // Head-on along one line: parallel paths give time 0, which repeats the failed start test.
   EXPECT_EQ(Contact(Packed({-5, 0, 0}, {10, 0, 0}), Packed({5, 0, 0}, {-10, 0, 0})), -1.0f);
   // Crossing paths: A along X from (-4, 0, 0), B along Y from (0, -8, 0), twice as fast;
@@ -88,7 +88,7 @@ TEST(ContactTime, DirectMethodTestsTheTimeOfClosestPassage) {
   EXPECT_EQ(Contact(Packed({4, 0, 0}, {8, 0, 0}), Packed({0, 8, 0}, {0, 16, 0})), -1.0f);
 }
 
-TEST(ContactTime, SubdivisionFindsHeadOnContactAtTheFirstTouchingSubStep) {
+TEST(BoxesContactTime, SubdivisionFindsHeadOnContactAtTheFirstTouchingSubStep) {
   // Depth (2 + 3) / 2 = 2.5 → 3: four sub-steps of 0.25. The boxes first touch at time 0.4;
   // head-on paths are parallel, so no sub-step's direct method sees it, and the first
   // sub-step whose start already overlaps (0.5) is reported.
@@ -101,7 +101,7 @@ TEST(ContactTime, SubdivisionFindsHeadOnContactAtTheFirstTouchingSubStep) {
   EXPECT_EQ(Contact(Packed({-5, 0, 0}, {10, 0, 0}, 0.4f), Packed({5, 0, 0}, {-10, 0, 0})), -1.0f);
 }
 
-TEST(ContactTime, RecordsAndPreparedBoxesAgree) {
+TEST(BoxesContactTime, RecordsPreparedBoxesAndMatricesAgree) {
   testing::RandomBoxes boxes(9, 4.0f);
   for (int i = 0; i < 1000; ++i) {
     Mat4f a = boxes.Next();
@@ -114,9 +114,10 @@ TEST(ContactTime, RecordsAndPreparedBoxesAgree) {
     b.m[3][3] = 0.0f;
     const MovingBox ma = MovingBoxFromMatrix(a);
     const MovingBox mb = MovingBoxFromMatrix(b);
-    const float expected =
-        ContactTime(ma.box, ma.velocity, mb.box, mb.velocity, 1, SubdivisionDepth(a.m[3][3], 0));
+    const float expected = BoxesContactTime(ma.box, ma.velocity, mb.box, mb.velocity, 1,
+                                            SubdivisionDepth(a.m[3][3], 0));
     ASSERT_EQ(expected, Contact(a, b));
+    ASSERT_EQ(expected, BoxesContactTime(a, b, 1));
     ASSERT_TRUE(expected == -1.0f || expected >= 0.0f);
   }
 }

@@ -13,11 +13,10 @@ SceneObjectInfo Object(const wchar_t* type, double length = 0, double radius = 0
 
 // Scaled along the axes, then moved to `position`.
 MatrixTransform Placed(Vec3d scaling, Vec3d position) {
-  const double m[4][4] = {{scaling.x, 0, 0, 0},
-                          {0, scaling.y, 0, 0},
-                          {0, 0, scaling.z, 0},
-                          {position.x, position.y, position.z, 1}};
-  return MatrixTransform(m);
+  return MatrixTransform(Mat4d{{{scaling.x, 0, 0, 0},
+                                {0, scaling.y, 0, 0},
+                                {0, 0, scaling.z, 0},
+                                {position.x, position.y, position.z, 1}}});
 }
 
 std::vector<Sphere> Spheres(const SceneObjectInfo& object, const ObjectTransform& t, double scale,

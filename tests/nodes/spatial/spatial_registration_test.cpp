@@ -18,7 +18,7 @@ constexpr ULONG kNone = 0xFFFFFFFFu;
 using Fields =
     std::tuple<ULONG, std::wstring, std::wstring, ULONG, ULONG, ULONG, ULONG, ULONG, ULONG>;
 
-Fields fieldsOf(const XSI::host_detail::PortRecord& p) {
+Fields FieldsOf(const XSI::host_detail::PortRecord& p) {
   return {p.id,       p.scriptName, p.displayName,   p.dataTypes,  p.structures,
           p.contexts, p.typeLink,   p.structureLink, p.contextLink};
 }
@@ -31,31 +31,31 @@ struct Node {
   std::vector<Fields> outputs;
 };
 
-XSI::CValue zeroMatrix() {
+XSI::CValue ZeroMatrix() {
   XSI::MATH::CMatrix4f zero;
   for (short r = 0; r < 4; ++r)
     for (short c = 0; c < 4; ++c) zero.SetValue(r, c, 0.0f);
   return XSI::CValue(zero);
 }
 
-Node matrixPair(const wchar_t* name, const wchar_t* a, const wchar_t* b, XSI::LONG mode,
+Node MatrixPair(const wchar_t* name, const wchar_t* a, const wchar_t* b, XSI::LONG mode,
                 ULONG resultType, const wchar_t* result) {
   return {name,
           2,
           {{1000, L"mode", L"Mode", 2, 1, 1, kNone, kNone, kNone},
            {1010, L"tmA", a, 256, 3, 63, kNone, 4001, 4002},
            {1020, L"tmB", b, 256, 3, 63, kNone, 4001, 4002}},
-          {XSI::CValue(mode), zeroMatrix(), zeroMatrix()},
+          {XSI::CValue(mode), ZeroMatrix(), ZeroMatrix()},
           {{2010, L"result", result, resultType, 3, 63, kNone, 4001, 4002}}};
 }
 
-std::vector<Node> expectedNodes() {
+std::vector<Node> ExpectedNodes() {
   return {
-      matrixPair(L"Quillix_cdbte", L"Transformation of Ellipsoid A",
+      MatrixPair(L"Quillix_cdbte", L"Transformation of Ellipsoid A",
                  L"Transformation of Ellipsoid B", 0, 4, L"Closest Distance between Surfaces"),
-      matrixPair(L"Quillix_iotb", L"Transformation of Box A", L"Transformation of Box B", 0, 2,
+      MatrixPair(L"Quillix_iotb", L"Transformation of Box A", L"Transformation of Box B", 0, 2,
                  L"A and B intersect"),
-      matrixPair(L"Quillix_iotmb", L"Transformation of Box A", L"Transformation of Box B", 1, 4,
+      MatrixPair(L"Quillix_iotmb", L"Transformation of Box A", L"Transformation of Box B", 1, 4,
                  L"Intersection occurs in"),
       {L"Quillix_otos",
        1,
@@ -63,13 +63,13 @@ std::vector<Node> expectedNodes() {
         {1020, L"GlobalTransform", L"In Global Transform", 256, 2, 1, kNone, kNone, kNone},
         {1030, L"Scale", L"Scale", 4, 1, 1, kNone, kNone, kNone},
         {1040, L"ScaleBone", L"Scale Bone", 4, 1, 1, kNone, kNone, kNone}},
-       {XSI::CValue(XSI::CString(L"")), zeroMatrix(), XSI::CValue(1.0f), XSI::CValue(1.0f)},
+       {XSI::CValue(XSI::CString(L"")), ZeroMatrix(), XSI::CValue(1.0f), XSI::CValue(1.0f)},
        {{2010, L"Spheres", L"Array of Spheres", 32, 2, 1, kNone, kNone, kNone}}},
   };
 }
 
 TEST(SpatialRegistration, EveryNodeRegistersExactlyItsPortTable) {
-  for (const Node& node : expectedNodes()) {
+  for (const Node& node : ExpectedNodes()) {
     SCOPED_TRACE(std::string(node.name, node.name + std::wcslen(node.name)));
     const auto* definition = nodeDefinition(node.name);
     ASSERT_NE(definition, nullptr);
@@ -82,14 +82,14 @@ TEST(SpatialRegistration, EveryNodeRegistersExactlyItsPortTable) {
     EXPECT_EQ(definition->groups[0].maxInstances, 1u);
     ASSERT_EQ(definition->inputs.size(), node.inputs.size());
     for (std::size_t i = 0; i < node.inputs.size(); ++i) {
-      EXPECT_EQ(fieldsOf(definition->inputs[i]), node.inputs[i]);
+      EXPECT_EQ(FieldsOf(definition->inputs[i]), node.inputs[i]);
       EXPECT_EQ(definition->inputs[i].groupID, 10u);
       EXPECT_EQ(definition->inputs[i].defaultValue.GetType(), node.defaults[i].GetType());
       EXPECT_TRUE(definition->inputs[i].defaultValue == node.defaults[i]) << i;
     }
     ASSERT_EQ(definition->outputs.size(), node.outputs.size());
     for (std::size_t i = 0; i < node.outputs.size(); ++i) {
-      EXPECT_EQ(fieldsOf(definition->outputs[i]), node.outputs[i]);
+      EXPECT_EQ(FieldsOf(definition->outputs[i]), node.outputs[i]);
     }
   }
   EXPECT_EQ(xsihost::failedAssertions(), 0u);
@@ -98,7 +98,7 @@ TEST(SpatialRegistration, EveryNodeRegistersExactlyItsPortTable) {
 TEST(SpatialRegistration, NodesAreRegisteredInCatalogueOrder) {
   std::vector<std::wstring> registered;
   for (const auto& node : plugin().record().nodes) {
-    for (const Node& expected : expectedNodes()) {
+    for (const Node& expected : ExpectedNodes()) {
       if (node->name == expected.name) registered.push_back(node->name);
     }
   }

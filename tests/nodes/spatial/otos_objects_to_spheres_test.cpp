@@ -41,11 +41,11 @@ class OtosNode : public ::testing::Test {
   void TearDown() override { xsihost::setActiveScene(std::make_shared<xsihost::Scene>()); }
 };
 
-CMatrix4f placed(float sx, float sy, float sz, float x, float y, float z) {
+CMatrix4f Placed(float sx, float sy, float sz, float x, float y, float z) {
   return CMatrix4f(sx, 0, 0, 0, 0, sy, 0, 0, 0, 0, sz, 0, x, y, z, 1);
 }
 
-std::vector<CVector4f> spheres(const std::vector<std::wstring>& names,
+std::vector<CVector4f> Spheres(const std::vector<std::wstring>& names,
                                const std::vector<CMatrix4f>& matrices, float scale = 1.0f,
                                float boneScale = 1.0f, double time = 1.0) {
   EvaluationRequest r;
@@ -61,9 +61,9 @@ std::vector<CVector4f> spheres(const std::vector<std::wstring>& names,
 }
 
 TEST_F(OtosNode, OneSpherePerObjectSizedByTypeParameterAndScaling) {
-  const auto out = spheres({L"ball", L"crate", L"marker", L"hip"},
-                           {placed(1, 1, 1, 4, 5, 6), placed(1, 2, 3, 0, 0, 0),
-                            placed(1, 2, 3, 0, 0, 0), placed(1, 1, 1, 0, 0, 0)},
+  const auto out = Spheres({L"ball", L"crate", L"marker", L"hip"},
+                           {Placed(1, 1, 1, 4, 5, 6), Placed(1, 2, 3, 0, 0, 0),
+                            Placed(1, 2, 3, 0, 0, 0), Placed(1, 1, 1, 0, 0, 0)},
                            -1.5f);
   ASSERT_EQ(out.size(), 4u);
   EXPECT_EQ(out[0].GetX(), 4.0f);
@@ -75,7 +75,7 @@ TEST_F(OtosNode, OneSpherePerObjectSizedByTypeParameterAndScaling) {
 }
 
 TEST_F(OtosNode, BonesGiveTaperingRowsFromRootToTip) {
-  const auto out = spheres({L"thigh", L"toe"}, {placed(1, 1, 1, 1, 0, 0), placed(2, 2, 2, 0, 0, 0)},
+  const auto out = Spheres({L"thigh", L"toe"}, {Placed(1, 1, 1, 1, 0, 0), Placed(2, 2, 2, 0, 0, 0)},
                            1.0f, -2.0f);
   ASSERT_EQ(out.size(), 8u);  // length 2: six spheres; length 0.4: raised to two
   for (int i = 0; i < 6; ++i) {
@@ -88,18 +88,18 @@ TEST_F(OtosNode, BonesGiveTaperingRowsFromRootToTip) {
 }
 
 TEST_F(OtosNode, ReadsParametersAtTheEvaluationTime) {
-  EXPECT_FLOAT_EQ(spheres({L"ball"}, {placed(1, 1, 1, 0, 0, 0)}, 1, 1, 11.0)[0].GetW(), 3.0f);
+  EXPECT_FLOAT_EQ(Spheres({L"ball"}, {Placed(1, 1, 1, 0, 0, 0)}, 1, 1, 11.0)[0].GetW(), 3.0f);
 }
 
 TEST_F(OtosNode, SkipsUnknownNamesAndEmptiesOnMismatchedInputs) {
   const auto known =
-      spheres({L"nowhere", L"ball"}, {placed(1, 1, 1, 0, 0, 0), placed(1, 1, 1, 7, 0, 0)});
+      Spheres({L"nowhere", L"ball"}, {Placed(1, 1, 1, 0, 0, 0), Placed(1, 1, 1, 7, 0, 0)});
   ASSERT_EQ(known.size(), 1u);
   EXPECT_EQ(known[0].GetX(), 7.0f);  // matrix 1 goes with name 1
   EXPECT_TRUE(
-      spheres({L"ball", L"crate", L"marker"}, {placed(1, 1, 1, 0, 0, 0), placed(1, 1, 1, 0, 0, 0)})
+      Spheres({L"ball", L"crate", L"marker"}, {Placed(1, 1, 1, 0, 0, 0), Placed(1, 1, 1, 0, 0, 0)})
           .empty());
-  EXPECT_TRUE(spheres({}, {}).empty());
+  EXPECT_TRUE(Spheres({}, {}).empty());
   EXPECT_TRUE(takeLog().empty());
 }
 
