@@ -23,12 +23,14 @@ std::size_t EncodedSize(std::int32_t encoding) {
 
 // `count` vectors of three components in `encoding`, as raw bytes. Counts beyond 4096 only
 // come with null positions, which Set refuses before it reads any other array.
-std::vector<std::uint8_t> Vectors(FuzzedDataProvider& in, std::int32_t count, std::int32_t encoding) {
+std::vector<std::uint8_t> Vectors(FuzzedDataProvider& in, std::int32_t count,
+                                  std::int32_t encoding) {
   if (count > 4096) return {};
   std::vector<std::uint8_t> bytes(std::size_t(count < 0 ? 0 : count) * 3 * EncodedSize(encoding));
   if (encoding == 15) {
     for (std::size_t i = 0; i < bytes.size(); i += 8) {
-      const double d = double(quillix::fuzz::ConsumeNastyFloat(in)) * (in.ConsumeBool() ? 1e30 : 1.0);
+      const double d =
+          double(quillix::fuzz::ConsumeNastyFloat(in)) * (in.ConsumeBool() ? 1e30 : 1.0);
       std::memcpy(bytes.data() + i, &d, 8);
     }
   } else if (encoding == 1 || encoding == 7) {
@@ -50,12 +52,15 @@ struct Channel {
 
 // A channel in one of its forms: absent, per node with or without indices, per vertex. The
 // counts are usually right and sometimes deliberately not.
-void MakeChannel(FuzzedDataProvider& in, std::int32_t vertexCount, std::int32_t nodeCount, Channel& c) {
+void MakeChannel(FuzzedDataProvider& in, std::int32_t vertexCount, std::int32_t nodeCount,
+                 Channel& c) {
   const int form = in.ConsumeIntegralInRange<int>(0, 3);
   if (form == 0) return;
   const std::int32_t encoding = in.PickValueInArray(kPositionEncodings);
   const auto count = [&](std::int32_t right) {
-    return in.ConsumeIntegralInRange<int>(0, 7) == 0 ? in.ConsumeIntegralInRange<std::int32_t>(-1, 40) : right;
+    return in.ConsumeIntegralInRange<int>(0, 7) == 0
+               ? in.ConsumeIntegralInRange<std::int32_t>(-1, 40)
+               : right;
   };
   if (form == 3) {
     c.input.perVertex.count = count(vertexCount);
@@ -72,7 +77,8 @@ void MakeChannel(FuzzedDataProvider& in, std::int32_t vertexCount, std::int32_t 
     c.data = Vectors(in, std::max(n.dataCount, 1), encoding);
     // Indices cover the node count, so that a wrong count is caught by the count check.
     c.indices.resize(std::size_t(std::max(nodeCount, n.count < 0 ? 0 : n.count)));
-    for (auto& i : c.indices) i = in.ConsumeIntegralInRange<std::int32_t>(-1, std::max(n.dataCount, 0));
+    for (auto& i : c.indices)
+      i = in.ConsumeIntegralInRange<std::int32_t>(-1, std::max(n.dataCount, 0));
     n.indices = c.indices.empty() ? nullptr : c.indices.data();
   } else {
     c.data = Vectors(in, std::max(n.count, nodeCount), encoding);
@@ -85,7 +91,8 @@ void MakeChannel(FuzzedDataProvider& in, std::int32_t vertexCount, std::int32_t 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   FuzzedDataProvider in(bytes, size);
   QRVMemoryContext memory;
-  if (in.ConsumeBool()) memory.SetLimit(true, in.ConsumeIntegralInRange<std::int64_t>(-16, 1 << 16));
+  if (in.ConsumeBool())
+    memory.SetLimit(true, in.ConsumeIntegralInRange<std::int64_t>(-16, 1 << 16));
   {
     QRVGeometry geo(&memory);
 
@@ -94,9 +101,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     std::int32_t vertexCount = quillix::fuzz::SmallOrAnyCount(in, 48);
     const std::int32_t positionEncoding = in.PickValueInArray(kPositionEncodings);
     const bool nullPositions = in.ConsumeIntegralInRange<int>(0, 15) == 0;
-    if (!nullPositions && (vertexCount < -1 || vertexCount > 4096)) vertexCount = vertexCount < 0 ? -1 : 4096;
-    const std::vector<std::uint8_t> positions = nullPositions ? std::vector<std::uint8_t>() : Vectors(in, vertexCount, positionEncoding);
-    const void* positionData = nullPositions ? nullptr : positions.empty() ? bytes : positions.data();
+    if (!nullPositions && (vertexCount < -1 || vertexCount > 4096))
+      vertexCount = vertexCount < 0 ? -1 : 4096;
+    const std::vector<std::uint8_t> positions =
+        nullPositions ? std::vector<std::uint8_t>() : Vectors(in, vertexCount, positionEncoding);
+    const void* positionData = nullPositions       ? nullptr
+                               : positions.empty() ? bytes
+                                                   : positions.data();
 
     // Polygons in the chosen encoding, indices usually in range and sometimes not.
     const std::int32_t encoding = in.PickValueInArray(kDescriptionEncodings);
@@ -139,24 +150,28 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (polygonCount <= 0 || in.ConsumeIntegralInRange<int>(0, 31) == 0) description = nullptr;
     const std::int32_t* indexData = indices.empty() ? nullptr : indices.data();
     std::int64_t nodeCount = 0;
-    if (encoding == kDescriptionTriangles) nodeCount = 3 * std::int64_t(std::max(polygonCount, 0));
-    else if (encoding == kDescriptionInline) nodeCount = std::int64_t(words.size()) - std::max(polygonCount, 0);
-    else nodeCount = std::int64_t(indices.size());
+    if (encoding == kDescriptionTriangles)
+      nodeCount = 3 * std::int64_t(std::max(polygonCount, 0));
+    else if (encoding == kDescriptionInline)
+      nodeCount = std::int64_t(words.size()) - std::max(polygonCount, 0);
+    else
+      nodeCount = std::int64_t(indices.size());
 
     Channel channels[3];
     for (auto& c : channels) MakeChannel(in, vertexCount, std::int32_t(nodeCount), c);
     std::vector<std::uint8_t> motionData;
     QRVVertexChannelInput motion;
     if (in.ConsumeBool()) {
-      motion.count = in.ConsumeBool() ? vertexCount : in.ConsumeIntegralInRange<std::int32_t>(-1, 40);
+      motion.count =
+          in.ConsumeBool() ? vertexCount : in.ConsumeIntegralInRange<std::int32_t>(-1, 40);
       motion.encoding = in.PickValueInArray(kPositionEncodings);
       motionData = Vectors(in, std::max(motion.count, vertexCount), motion.encoding);
       motion.data = motionData.empty() ? nullptr : motionData.data();
     }
 
-    const QRVStatus status = geo.Set(positionData, vertexCount, positionEncoding, description, indexData,
-                                     polygonCount, encoding, channels[0].input, channels[1].input,
-                                     channels[2].input, motion);
+    const QRVStatus status =
+        geo.Set(positionData, vertexCount, positionEncoding, description, indexData, polygonCount,
+                encoding, channels[0].input, channels[1].input, channels[2].input, motion);
     if (status != 0) {
       Check(geo.Positions() == nullptr && geo.VertexCount() == 0 && geo.PolygonCount() == 0,
             "a failed Set left data behind");
@@ -176,14 +191,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     // Derived items in an order the input chooses, the clean-ups and removals between them.
     while (in.remaining_bytes() > 0) {
       switch (in.ConsumeIntegralInRange<int>(0, 12)) {
-        case 0: (void)geo.ReferencedVertexCount(); (void)geo.UnreferencedVertexCount(); break;
-        case 1: (void)geo.InvalidPolygonCount(); (void)geo.FanTriangleCount(); break;
-        case 2: (void)geo.Octree(); break;
+        case 0:
+          (void)geo.ReferencedVertexCount();
+          (void)geo.UnreferencedVertexCount();
+          break;
+        case 1:
+          (void)geo.InvalidPolygonCount();
+          (void)geo.FanTriangleCount();
+          break;
+        case 2:
+          (void)geo.Octree();
+          break;
         case 3: {
           const std::int32_t edges = geo.EdgeCount();
           const std::int32_t* e = geo.Edges();
           for (std::int32_t i = 0; e && i < edges; ++i)
-            Check(e[2 * i] < e[2 * i + 1] && e[2 * i + 1] < geo.VertexCount(), "edge out of order or range");
+            Check(e[2 * i] < e[2 * i + 1] && e[2 * i + 1] < geo.VertexCount(),
+                  "edge out of order or range");
           break;
         }
         case 4: {
@@ -191,14 +215,27 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
           const std::int32_t* lists = geo.NeighbourLists();
           for (std::int32_t v = 0; offsets && lists && v < geo.VertexCount(); ++v)
             for (std::int32_t k = offsets[v]; k < offsets[v + 1]; ++k)
-              Check(lists[k] >= 0 && lists[k] < geo.VertexCount(), "neighbour outside the vertices");
+              Check(lists[k] >= 0 && lists[k] < geo.VertexCount(),
+                    "neighbour outside the vertices");
           break;
         }
-        case 5: (void)geo.ComponentNumbers(); (void)geo.ComponentCount(); break;
-        case 6: (void)geo.VertexFlags(); (void)geo.PolygonFlags(); break;
-        case 7: (void)geo.PolygonMeasures(); (void)geo.NeighbourDistances(); break;
-        case 8: geo.Reset(in.ConsumeIntegral<std::uint32_t>()); break;
-        case 9: (void)geo.CleanUp(in.ConsumeBool(), in.ConsumeBool(), in.ConsumeBool()); break;
+        case 5:
+          (void)geo.ComponentNumbers();
+          break;
+        case 6:
+          (void)geo.VertexFlags();
+          (void)geo.PolygonFlags();
+          break;
+        case 7:
+          (void)geo.PolygonMeasures();
+          (void)geo.NeighbourDistances();
+          break;
+        case 8:
+          geo.Reset(in.ConsumeIntegral<std::uint32_t>());
+          break;
+        case 9:
+          (void)geo.CleanUp(in.ConsumeBool(), in.ConsumeBool(), in.ConsumeBool());
+          break;
         case 10: {
           std::vector<std::int32_t> drop(in.ConsumeIntegralInRange<std::size_t>(0, 8));
           for (auto& p : drop) p = in.ConsumeIntegralInRange<std::int32_t>(-1, geo.PolygonCount());
@@ -206,9 +243,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
                                    in.ConsumeBool() ? std::int32_t(drop.size()) : -1);
           break;
         }
-        case 11: (void)geo.RemoveUnreferencedVertices(); break;
+        case 11:
+          (void)geo.RemoveUnreferencedVertices();
+          break;
         default:
-          if (in.ConsumeBool()) memory.SetLimit(in.ConsumeBool(), in.ConsumeIntegralInRange<std::int64_t>(0, 1 << 16));
+          if (in.ConsumeBool())
+            memory.SetLimit(in.ConsumeBool(), in.ConsumeIntegralInRange<std::int64_t>(0, 1 << 16));
           break;
       }
     }

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "core/mesh/vertex_path.h"
 #include "fuzz/fuzz_common.h"
 #include "kernel/geometry.h"
-#include "core/mesh/vertex_path.h"
 
 using namespace quillix;
 using quillix::fuzz::Check;
@@ -31,10 +31,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
       const std::int32_t corners = in.ConsumeIntegralInRange<std::int32_t>(0, 5);
       description.push_back(corners);
       for (std::int32_t k = 0; k < corners; ++k)
-        description.push_back(in.ConsumeIntegralInRange<std::int32_t>(0, std::max(vertexCount, 1) - 1));
+        description.push_back(
+            in.ConsumeIntegralInRange<std::int32_t>(0, std::max(vertexCount, 1) - 1));
     }
-    if (geo.Set(positions.data(), vertexCount, kEncodingFloat, description.data(), nullptr, polygonCount,
-                kDescriptionInline) != 0)
+    if (geo.Set(positions.data(), vertexCount, kEncodingFloat, description.data(), nullptr,
+                polygonCount, kDescriptionInline) != 0)
       return 0;
     // The searches read what the caller computed beforehand; leave some items out on purpose.
     if (in.ConsumeIntegralInRange<int>(0, 7) != 0) (void)geo.NeighbourLists();
@@ -45,7 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     std::vector<std::uint8_t> flags(std::size_t(std::max(v, 1)), 1);
     const bool useFlags = in.ConsumeBool();
     if (useFlags)
-      for (auto& f : flags) f = in.ConsumeIntegralInRange<int>(0, 3) == 0 ? 0 : in.ConsumeIntegral<std::uint8_t>() | 1;
+      for (auto& f : flags)
+        f = in.ConsumeIntegralInRange<int>(0, 3) == 0 ? 0 : in.ConsumeIntegral<std::uint8_t>() | 1;
 
     QRVWorkBuffer distances(&searchMemory), predecessors(&searchMemory), marks(&searchMemory);
     const bool useBuffers = in.ConsumeBool();
@@ -54,20 +56,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
       if (in.ConsumeIntegralInRange<int>(0, 7) == 0)
         searchMemory.SetLimit(in.ConsumeBool(), in.ConsumeIntegralInRange<std::int64_t>(0, 4096));
       const auto vertex = [&] {
-        return in.ConsumeIntegralInRange<int>(0, 15) == 0 ? in.ConsumeIntegral<std::int32_t>()
-                                                          : in.ConsumeIntegralInRange<std::int32_t>(-1, v);
+        return in.ConsumeIntegralInRange<int>(0, 15) == 0
+                   ? in.ConsumeIntegral<std::int32_t>()
+                   : in.ConsumeIntegralInRange<std::int32_t>(-1, v);
       };
       const std::int32_t start = vertex(), end = vertex();
       std::int32_t pathLength = quillix::fuzz::SmallOrAnyCount(in, 70);
       const std::int32_t maximum = pathLength < 1 ? v : pathLength;
-      const std::int32_t algorithm = in.ConsumeIntegralInRange<int>(0, 7) == 0 ? in.ConsumeIntegral<std::int32_t>() : 0;
+      const std::int32_t algorithm =
+          in.ConsumeIntegralInRange<int>(0, 7) == 0 ? in.ConsumeIntegral<std::int32_t>() : 0;
       const bool callerArray = in.ConsumeBool() && maximum <= 4096;
       std::vector<std::int32_t> own(callerArray ? std::size_t(std::max(maximum, 1)) : 0, -7);
       std::int32_t* path = callerArray ? own.data() : nullptr;
       QRVStatus status = 12345;
-      const bool found = FindVertexPath(geo, start, end, path, pathLength, algorithm, useFlags ? flags.data() : nullptr,
-                                        status, searchMemory, useBuffers ? &distances : nullptr,
-                                        useBuffers ? &predecessors : nullptr, useBuffers ? &marks : nullptr);
+      const bool found = FindVertexPath(
+          geo, start, end, path, pathLength, algorithm, useFlags ? flags.data() : nullptr, status,
+          searchMemory, useBuffers ? &distances : nullptr, useBuffers ? &predecessors : nullptr,
+          useBuffers ? &marks : nullptr);
       Check(found == (status == 0), "the return value disagrees with the status");
       if (!found) {
         Check(pathLength == 0, "a failed search reports a path length");
@@ -81,7 +86,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
       for (std::int32_t k = 0; k + 1 < pathLength; ++k) {
         const std::int32_t a = path[k], b = path[k + 1];
         Check(a >= 0 && a < v && b >= 0 && b < v, "path vertex outside the mesh");
-        Check(std::binary_search(lists + offsets[a], lists + offsets[a + 1], b), "path steps between non-neighbours");
+        Check(std::binary_search(lists + offsets[a], lists + offsets[a + 1], b),
+              "path steps between non-neighbours");
       }
       if (!callerArray) searchMemory.Release(path);
     }

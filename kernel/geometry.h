@@ -6,6 +6,11 @@
 
 #include "core/math/math_types.h"
 #include "kernel/memory_context.h"
+#include "kernel/mesh_counts.h"
+#include "kernel/mesh_edges.h"
+#include "kernel/mesh_flags.h"
+#include "kernel/mesh_neighbours.h"
+#include "kernel/mesh_view.h"
 #include "kernel/status.h"
 
 namespace quillix {
@@ -28,15 +33,6 @@ enum QRVDerived : std::uint32_t {
   kDerivedNeighbourDistances = 2097152,  // length of the edge behind every neighbour slot
   kDerivedAll = 0xFFFFFFFFu,
 };
-
-// Per-vertex flag word bits (kDerivedVertexFlags).
-inline constexpr std::uint32_t kVertexFlagReferenced = 1;   // named by at least one polygon
-inline constexpr std::uint32_t kVertexFlagNonManifold = 2;  // on an edge shared by 3+ polygons
-inline constexpr std::uint32_t kVertexFlagPole = 4;         // more than 255 neighbours
-inline constexpr std::uint32_t kVertexFlagBorder = 8;       // on an edge used by one polygon only
-// Per-polygon flag byte values (kDerivedPolygonFlags).
-inline constexpr std::uint8_t kPolygonFlagAllBorder = 1;  // every corner has kVertexFlagBorder
-inline constexpr std::uint8_t kPolygonFlagInvalid = 128;  // fewer than 3 corners or a repeated one
 
 // Encodings of positions, motion and vector channels.
 inline constexpr std::int32_t kEncodingFloat = 0;  // 14 is accepted as well
@@ -82,8 +78,8 @@ struct QRVChannelView {
 
 // Polygon mesh: positions, polygon sizes (one byte each) and the concatenated polygon vertex
 // indices, plus three optional vector channels and a motion channel. Every array is allocated
-// exactly to size through the memory context. Derived data is computed on first request and
-// cached until Reset releases it.
+// exactly to size through the memory context. Derived data is computed on first request by
+// the free functions of kernel/mesh_*.h and cached until Reset releases it.
 //
 // Failures are status codes; a failed Set leaves the container empty. Computing accessors
 // (non-const) are for one thread; once the items a reader needs are computed, the const
@@ -140,6 +136,10 @@ class QRVGeometry {
   QRVChannelView Channel(int which) const;  // which: 0, 1 or 2
   const Vec3f* Motion() const { return motion_; }
   QRVMemoryContext& Memory() const { return *memory_; }
+  // The primary arrays as the derived-data functions read them.
+  MeshView Mesh() const {
+    return {vertexCount_, polygonCount_, nodeCount_, positions_, polygonSizes_, polygonIndices_};
+  }
 
   // Derived data. Each non-const accessor returns null (or 0) without positions or
   // vertices, computes its item when absent, and returns null (or 0) when that fails.
@@ -162,7 +162,6 @@ class QRVGeometry {
   const std::int32_t* NeighbourOffsets();
   const std::int32_t* NeighbourLists();
   const std::int32_t* ComponentNumbers();  // components numbered 0.. in order of lowest vertex
-  std::int32_t ComponentCount();
   const std::uint32_t* VertexFlags();
   const std::uint8_t* PolygonFlags();
   const float* PolygonMeasures();  // area (fan triangulation), computed in double
@@ -171,17 +170,15 @@ class QRVGeometry {
   const float* NeighbourDistances();
 
   // Read-only views of already computed items (null when absent): safe for concurrent readers.
-  const std::uint8_t* NeighbourCounts() const { return neighbourCounts_; }
-  const std::int32_t* NeighbourOffsets() const { return neighbourOffsets_; }
-  const std::int32_t* NeighbourLists() const { return neighbourLists_; }
+  const std::uint8_t* NeighbourCounts() const { return neighbours_.counts; }
+  const std::int32_t* NeighbourOffsets() const { return neighbours_.offsets; }
+  const std::int32_t* NeighbourLists() const { return neighbours_.lists; }
   const std::int32_t* ComponentNumbers() const { return componentNumbers_; }
   const QRVOctree* Octree() const { return octree_; }
   const float* NeighbourDistances() const { return neighbourDistances_; }
 
   // Appends points on the surface to `positions` (object space): `mode` is a QRVSurfaceMode
-  // (kernel/surface_positions.h), `lod` scales how many, `seed` fixes the random sequence, so
-  // the same inputs always give the same points. 6 for an unknown mode or too many points,
-  // 9 on memory refusal; an empty or zero-area mesh gives no points and status 0.
+  // of kernel/surface_positions.h, which holds the contract (GenerateSurfacePositions).
   QRVStatus GeneratePositionsFromSurface(std::int32_t mode, float lod, std::uint64_t seed,
                                          std::vector<Vec3f>& positions);
 
@@ -196,19 +193,18 @@ class QRVGeometry {
   }
   void Free(void* block) { memory_->Release(block); }
 
-  bool ComputeVertexCounts();
-  bool ComputeInvalidPolygons();
-  bool ComputePolygonSizeCounts();
-  bool ComputeOctree();
-  bool ComputeEdges();
-  bool ComputeNeighbours();
-  bool ComputeComponents();
-  bool ComputeVertexFlags();
-  bool ComputePolygonFlags();
-  bool ComputePolygonMeasures();
-  bool ComputeNeighbourDistances();
+  // The steps of Set, in order; each returns its status and leaves emptying to Set.
+  QRVStatus StorePositions(const void* positions, std::int32_t vertexCount, std::int32_t encoding);
+  QRVStatus StorePolygonSizes(const void* description, const std::int32_t* indices,
+                              std::int32_t polygonCount, std::int32_t descriptionEncoding);
+  QRVStatus StorePolygonIndices(const void* description, const std::int32_t* indices,
+                                std::int32_t descriptionEncoding);
+  QRVStatus StoreChannel(const QRVChannelInput& input, int which);
+  QRVStatus StoreMotion(const QRVVertexChannelInput& motion);
+
+  // Computes the item of `bit` when absent; false (item released) when that fails.
   bool Ensure(std::uint32_t bit);
-  bool PolygonIsInvalid(std::int64_t firstNode, std::int32_t size) const;
+  bool Compute(std::uint32_t bit);
 
   QRVMemoryContext ownMemory_;
   QRVMemoryContext* memory_;
@@ -228,20 +224,13 @@ class QRVGeometry {
   } channels_[3];
 
   std::uint32_t valid_ = 0;
-  std::int32_t referencedVertices_ = -1;
-  std::int32_t unreferencedVertices_ = -1;
+  VertexReferenceCounts vertexReferences_;
   std::int32_t invalidPolygons_ = -1;
-  std::int32_t sizeCounts_[4] = {-1, -1, -1, -1};
+  PolygonSizeCounts sizeCounts_;
   QRVOctree* octree_ = nullptr;
-  std::int32_t edgeCount_ = -1;
-  std::int32_t* edges_ = nullptr;
-  std::int32_t* edgeStarts_ = nullptr;
-  std::int32_t* neighbourEdges_ = nullptr;
-  std::uint8_t* neighbourCounts_ = nullptr;
-  std::int32_t* neighbourOffsets_ = nullptr;
-  std::int32_t* neighbourLists_ = nullptr;
+  MeshEdges edges_;
+  MeshNeighbours neighbours_;
   std::int32_t* componentNumbers_ = nullptr;
-  std::int32_t componentCount_ = -1;
   std::uint32_t* vertexFlags_ = nullptr;
   std::uint8_t* polygonFlags_ = nullptr;
   float* polygonMeasures_ = nullptr;

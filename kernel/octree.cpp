@@ -7,12 +7,14 @@
 #include <cstring>
 #include <limits>
 
+#include "kernel/mesh_view.h"
+
 namespace quillix {
 namespace {
 
-constexpr int kMaxDepth = 21;
-// Below this many points a parallel loop costs more in thread wake-ups than it saves.
-constexpr std::int32_t kParallelMinimum = 32768;  // 21 bits per axis in a 63-bit Morton code
+constexpr int kMaxDepth = 21;  // 21 bits per axis in a 63-bit Morton code
+
+using Node = QRVOctree::Node;
 
 std::uint64_t SpreadBits(std::uint32_t v) {
   std::uint64_t x = v & 0x1FFFFFu;
@@ -39,30 +41,18 @@ int Octant(std::uint64_t code, int level) {
   return int((code >> (3 * (kMaxDepth - 1 - level))) & 7u);
 }
 
-}  // namespace
+struct Bounds {
+  float lo[3];
+  float hi[3];
+  std::int32_t finite;  // points counted in the bounds
+};
 
-QRVStatus QRVOctree::Clear() {
-  memory_->Release(nodes_);
-  memory_->Release(order_);
-  memory_->Release(points_);
-  nodes_ = nullptr;
-  order_ = nullptr;
-  points_ = nullptr;
-  nodeCount_ = pointCount_ = depth_ = 0;
-  return kStatusOk;
-}
-
-QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
-  Clear();
-  if (count < 0 || (count > 0 && points == nullptr)) return kStatusIllegalParameter;
-
-  // Bounds of the finite points.
-  float lo[3] = {std::numeric_limits<float>::max(), std::numeric_limits<float>::max(),
-                 std::numeric_limits<float>::max()};
-  float hi[3] = {-lo[0], -lo[1], -lo[2]};
+// Bounds of the finite points.
+Bounds FiniteBounds(const Vec3f* points, std::int32_t count) {
+  float lx = std::numeric_limits<float>::max(), ly = lx, lz = lx;
+  float hx = -lx, hy = -lx, hz = -lx;
   std::int32_t finite = 0;
-  float lx = lo[0], ly = lo[1], lz = lo[2], hx = hi[0], hy = hi[1], hz = hi[2];
-#pragma omp parallel for if (count > kParallelMinimum) reduction(min : lx, ly, lz) reduction(max : hx, hy, hz) reduction(+ : finite)
+#pragma omp parallel for if (count > kMeshParallelMinimum) reduction(min : lx, ly, lz) reduction(max : hx, hy, hz) reduction(+ : finite)
   for (std::int32_t i = 0; i < count; ++i) {
     const Vec3f& p = points[i];
     if (!Finite(p)) continue;
@@ -70,22 +60,18 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
     lx = std::min(lx, p.x), ly = std::min(ly, p.y), lz = std::min(lz, p.z);
     hx = std::max(hx, p.x), hy = std::max(hy, p.y), hz = std::max(hz, p.z);
   }
-  lo[0] = lx, lo[1] = ly, lo[2] = lz, hi[0] = hx, hi[1] = hy, hi[2] = hz;
+  return {{lx, ly, lz}, {hx, hy, hz}, finite};
+}
 
-  Keyed* keyed = memory_->AllocateArray<Keyed>(std::size_t(count));
-  order_ = memory_->AllocateArray<std::int32_t>(std::size_t(finite));
-  points_ = memory_->AllocateArray<Vec3f>(std::size_t(finite));
-  if (keyed == nullptr || order_ == nullptr || points_ == nullptr) {
-    memory_->Release(keyed);
-    Clear();
-    return kStatusNoMemory;
-  }
-
-  // Quantise into a cube so that octants are cubes too.
+// The Morton code of every point, quantised into the bounds' enclosing cube so that octants
+// are cubes too; non-finite points get the largest code and so sort last.
+void ComputeMortonCodes(const Vec3f* points, std::int32_t count, const Bounds& bounds,
+                        Keyed* keyed) {
   double extent = 0.0;
-  for (int a = 0; a < 3; ++a) extent = std::max(extent, double(hi[a]) - double(lo[a]));
+  for (int a = 0; a < 3; ++a)
+    extent = std::max(extent, double(bounds.hi[a]) - double(bounds.lo[a]));
   const double scale = extent > 0.0 ? double((1u << kMaxDepth) - 1) / extent : 0.0;
-#pragma omp parallel for if (count > kParallelMinimum) schedule(static)
+#pragma omp parallel for if (count > kMeshParallelMinimum) schedule(static)
   for (std::int32_t i = 0; i < count; ++i) {
     const Vec3f& p = points[i];
     if (!Finite(p)) {
@@ -93,12 +79,16 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
       continue;
     }
     const auto q = [&](float v, int a) {
-      return std::uint32_t(std::min(double((1u << kMaxDepth) - 1), (double(v) - lo[a]) * scale));
+      return std::uint32_t(
+          std::min(double((1u << kMaxDepth) - 1), (double(v) - bounds.lo[a]) * scale));
     };
     keyed[i] = {SpreadBits(q(p.x, 0)) | SpreadBits(q(p.y, 1)) << 1 | SpreadBits(q(p.z, 2)) << 2, i};
   }
+}
 
-  // Sort: chunks in parallel, then pairwise merges of neighbouring chunks in parallel.
+// Sorts by code then id: chunks in parallel, then pairwise merges of neighbouring chunks in
+// parallel.
+void SortByCode(Keyed* keyed, std::int32_t count) {
   const int chunks = std::max(1, std::min(omp_get_max_threads() * 4, count / 4096 + 1));
   const auto bound = [&](int c) { return std::int64_t(count) * c / chunks; };
 #pragma omp parallel for if (chunks > 1) schedule(dynamic, 1)
@@ -111,38 +101,33 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
                          keyed + bound(std::min(chunks, c + 2 * width)));
     }
   }
-  pointCount_ = finite;
-#pragma omp parallel for if (finite > kParallelMinimum) schedule(static)
-  for (std::int32_t i = 0; i < finite; ++i) {
-    order_[i] = keyed[i].id;
-    points_[i] = points[keyed[i].id];
-  }
+}
 
-  // Nodes level by level: each level's splits are found in parallel, then numbered.
-  struct Range {
-    std::int32_t first, count;
-  };
+// The node array of the sorted codes of `finite` points, level by level: each level's splits
+// are found in parallel, then numbered. Returns the array (from `memory`, `total` nodes, its
+// block possibly larger) or null on refusal.
+Node* BuildLevels(const Keyed* keyed, std::int32_t finite, QRVMemoryContext& memory,
+                  std::int64_t& total) {
   // A level never has more nodes than points (each node holds at least one), which sizes
-  // childCounts; the node array grows as levels are added and is trimmed at the end.
+  // childCounts; the node array grows as levels are added.
   std::int64_t capacity = std::int64_t(std::max(finite, 1)) * 2 + 64;
-  Node* nodes = memory_->AllocateArray<Node>(std::size_t(capacity));
+  Node* nodes = memory.AllocateArray<Node>(std::size_t(capacity));
   std::int32_t* childCounts =
-      memory_->AllocateArray<std::int32_t>(std::size_t(std::max(finite, 1)) + 1);
+      memory.AllocateArray<std::int32_t>(std::size_t(std::max(finite, 1)) + 1);
   if (nodes == nullptr || childCounts == nullptr) {
-    memory_->Release(keyed), memory_->Release(nodes), memory_->Release(childCounts);
-    Clear();
-    return kStatusNoMemory;
+    memory.Release(nodes), memory.Release(childCounts);
+    return nullptr;
   }
   nodes[0] = {{}, {}, 0, finite, -1, 0};
-  std::int64_t levelBegin = 0, levelEnd = 1, total = 1;
-  bool failed = false;
-  for (int level = 0; level < kMaxDepth && levelBegin < levelEnd && !failed; ++level) {
+  std::int64_t levelBegin = 0, levelEnd = 1;
+  total = 1;
+  for (int level = 0; level < kMaxDepth && levelBegin < levelEnd; ++level) {
     const std::int64_t levelSize = levelEnd - levelBegin;
 #pragma omp parallel for if (levelSize > 64) schedule(dynamic, 64)
     for (std::int64_t k = 0; k < levelSize; ++k) {
       const Node& node = nodes[levelBegin + k];
       std::int32_t children = 0;
-      if (node.count > kLeafSize) {
+      if (node.count > QRVOctree::kLeafSize) {
         int previous = -1;
         for (std::int32_t i = node.first; i < node.first + node.count; ++i) {
           const int octant = Octant(keyed[i].code, level);
@@ -160,14 +145,14 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
       next += childCounts[k];
     }
     if (next > capacity) {
-      std::int64_t grown = std::max(next * 2, capacity * 2);
-      Node* bigger = memory_->AllocateArray<Node>(std::size_t(grown));
+      const std::int64_t grown = std::max(next * 2, capacity * 2);
+      Node* bigger = memory.AllocateArray<Node>(std::size_t(grown));
       if (bigger == nullptr) {
-        failed = true;
-        break;
+        memory.Release(nodes), memory.Release(childCounts);
+        return nullptr;
       }
       std::memcpy(bigger, nodes, std::size_t(total) * sizeof(Node));
-      memory_->Release(nodes);
+      memory.Release(nodes);
       nodes = bigger;
       capacity = grown;
     }
@@ -188,17 +173,13 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
     }
     levelBegin = levelEnd;
     levelEnd = total = next;
-    depth_ = level + 1;
   }
-  memory_->Release(childCounts);
-  memory_->Release(keyed);
-  if (failed) {
-    memory_->Release(nodes);
-    Clear();
-    return kStatusNoMemory;
-  }
+  memory.Release(childCounts);
+  return nodes;
+}
 
-  // Tight bounds of every node from its contiguous point range.
+// Tight bounds of every node from its contiguous range of the sorted points.
+void TightenBounds(Node* nodes, std::int64_t total, const Vec3f* sorted) {
 #pragma omp parallel for if (total > 256) schedule(dynamic, 256)
   for (std::int64_t k = 0; k < total; ++k) {
     Node& node = nodes[k];
@@ -206,14 +187,59 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
              std::numeric_limits<float>::max()};
     Vec3f mx{-mn.x, -mn.y, -mn.z};
     for (std::int32_t i = node.first; i < node.first + node.count; ++i) {
-      const Vec3f& p = points_[i];
+      const Vec3f& p = sorted[i];
       mn = {std::min(mn.x, p.x), std::min(mn.y, p.y), std::min(mn.z, p.z)};
       mx = {std::max(mx.x, p.x), std::max(mx.y, p.y), std::max(mx.z, p.z)};
     }
     node.boundsMin = mn;
     node.boundsMax = mx;
   }
+}
 
+}  // namespace
+
+QRVStatus QRVOctree::Clear() {
+  memory_->Release(nodes_);
+  memory_->Release(order_);
+  memory_->Release(points_);
+  nodes_ = nullptr;
+  order_ = nullptr;
+  points_ = nullptr;
+  pointCount_ = 0;
+  return kStatusOk;
+}
+
+QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
+  Clear();
+  if (count < 0 || (count > 0 && points == nullptr)) return kStatusIllegalParameter;
+  const Bounds bounds = FiniteBounds(points, count);
+  const std::int32_t finite = bounds.finite;
+  Keyed* keyed = memory_->AllocateArray<Keyed>(std::size_t(count));
+  order_ = memory_->AllocateArray<std::int32_t>(std::size_t(finite));
+  points_ = memory_->AllocateArray<Vec3f>(std::size_t(finite));
+  if (keyed == nullptr || order_ == nullptr || points_ == nullptr) {
+    memory_->Release(keyed);
+    Clear();
+    return kStatusNoMemory;
+  }
+  ComputeMortonCodes(points, count, bounds, keyed);
+  SortByCode(keyed, count);
+  pointCount_ = finite;
+#pragma omp parallel for if (finite > kMeshParallelMinimum) schedule(static)
+  for (std::int32_t i = 0; i < finite; ++i) {
+    order_[i] = keyed[i].id;
+    points_[i] = points[keyed[i].id];
+  }
+
+  std::int64_t total = 0;
+  Node* nodes = BuildLevels(keyed, finite, *memory_, total);
+  memory_->Release(keyed);
+  if (nodes == nullptr) {
+    Clear();
+    return kStatusNoMemory;
+  }
+  TightenBounds(nodes, total, points_);
+  // The node array grew by doublings; keep it at its exact size.
   nodes_ = memory_->AllocateArray<Node>(std::size_t(total));
   if (nodes_ == nullptr) {
     memory_->Release(nodes);
@@ -222,7 +248,6 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
   }
   std::memcpy(nodes_, nodes, std::size_t(total) * sizeof(Node));
   memory_->Release(nodes);
-  nodeCount_ = std::int32_t(total);
   return kStatusOk;
 }
 
@@ -234,46 +259,6 @@ float QRVOctree::BoxDistanceSquared(const Node& node, const Vec3f& q) {
   const float dy = axis(q.y, node.boundsMin.y, node.boundsMax.y);
   const float dz = axis(q.z, node.boundsMin.z, node.boundsMax.z);
   return dx * dx + dy * dy + dz * dz;
-}
-
-std::int32_t QRVOctree::Nearest(const Vec3f& query, float* distanceSquared) const {
-  if (nodes_ == nullptr || pointCount_ == 0) return -1;
-  std::int32_t best = -1;
-  float bestD = std::numeric_limits<float>::infinity();
-  std::int32_t stack[8 * 24];
-  int top = 0;
-  stack[top++] = 0;
-  while (top > 0) {
-    const Node& node = nodes_[stack[--top]];
-    if (BoxDistanceSquared(node, query) > bestD) continue;
-    if (node.firstChild < 0) {
-      for (std::int32_t i = node.first; i < node.first + node.count; ++i) {
-        const float d = DistanceSquared(points_[i], query);
-        if (d < bestD || (d == bestD && order_[i] < best)) bestD = d, best = order_[i];
-      }
-      continue;
-    }
-    // Visit the nearest child first: push the others before it.
-    std::int32_t nearest = node.firstChild;
-    float nearestD = std::numeric_limits<float>::infinity();
-    for (std::int32_t c = 0; c < node.childCount; ++c) {
-      const float d = BoxDistanceSquared(nodes_[node.firstChild + c], query);
-      if (d < nearestD) nearestD = d, nearest = node.firstChild + c;
-    }
-    for (std::int32_t c = 0; c < node.childCount; ++c) {
-      if (node.firstChild + c != nearest) stack[top++] = node.firstChild + c;
-    }
-    stack[top++] = nearest;
-  }
-  if (best >= 0 && distanceSquared != nullptr) *distanceSquared = bestD;
-  return best;
-}
-
-bool QRVOctree::AnyWithin(const Vec3f& query, float radius) const {
-  bool found = false;
-  // A full visit is fine here: callers use small radii.
-  ForEachWithin(query, radius, [&](std::int32_t) { found = true; });
-  return found;
 }
 
 }  // namespace quillix

@@ -15,14 +15,6 @@ namespace quillix {
 // (OpenMP); queries are read-only and may run on many threads at once.
 class QRVOctree {
  public:
-  struct Node {
-    Vec3f boundsMin;  // tight bounds of the node's points
-    Vec3f boundsMax;
-    std::int32_t first;  // range in Order()
-    std::int32_t count;
-    std::int32_t firstChild;  // -1 for a leaf
-    std::int32_t childCount;
-  };
   static constexpr std::int32_t kLeafSize = 16;
 
   explicit QRVOctree(QRVMemoryContext& memory) : memory_(&memory) {}
@@ -36,21 +28,21 @@ class QRVOctree {
   // Releases the tree; returns 0.
   QRVStatus Clear();
 
-  bool Valid() const { return nodes_ != nullptr; }
-  std::int32_t NodeCount() const { return nodeCount_; }
-  const Node* Nodes() const { return nodes_; }
   std::int32_t PointCount() const { return pointCount_; }  // finite points held
-  const std::int32_t* Order() const { return order_; }     // point ids in Morton order
-  const Vec3f* Points() const { return points_; }          // copies, in Morton order
 
-  // Index of the held point nearest to `query` (ties: the lower point id), or -1 when the
-  // tree is empty. `distanceSquared` (optional) receives its squared distance.
-  std::int32_t Nearest(const Vec3f& query, float* distanceSquared = nullptr) const;
-  // True when some held point lies within `radius` (distance <= radius) of `query`.
-  bool AnyWithin(const Vec3f& query, float radius) const;
-  // Calls visit(pointId) for every held point within `radius` of `query`, in Morton order.
+  // Calls visit(pointId) for every held point within `radius` (distance <= radius) of
+  // `query`, in Morton order.
   template <typename Visit>
   void ForEachWithin(const Vec3f& query, float radius, Visit&& visit) const;
+
+  struct Node {
+    Vec3f boundsMin;  // tight bounds of the node's points
+    Vec3f boundsMax;
+    std::int32_t first;  // range in the Morton order
+    std::int32_t count;
+    std::int32_t firstChild;  // -1 for a leaf
+    std::int32_t childCount;
+  };
 
  private:
   static float BoxDistanceSquared(const Node& node, const Vec3f& q);
@@ -61,11 +53,9 @@ class QRVOctree {
 
   QRVMemoryContext* memory_;
   Node* nodes_ = nullptr;
-  std::int32_t nodeCount_ = 0;
-  std::int32_t* order_ = nullptr;
-  Vec3f* points_ = nullptr;
+  std::int32_t* order_ = nullptr;  // point ids in Morton order
+  Vec3f* points_ = nullptr;        // copies, in Morton order
   std::int32_t pointCount_ = 0;
-  std::int32_t depth_ = 0;
 };
 
 template <typename Visit>

@@ -95,7 +95,9 @@ constexpr const char* kMessages[181] = {
     /*  82 */ "error while loading geometry: memory problem.",
     /*  83 */ "error while loading geometry: read error.",
     /*  84 */ "error while loading geometry: seek error.",
-    /*  85 */ "error while loading geometry: amount of user data (vertex colors / motion vectors / normal vectors) doesn't match number of vertices.",
+    /*  85 */
+    "error while loading geometry: amount of user data (vertex colors / motion vectors / normal "
+    "vectors) doesn't match number of vertices.",
     /*  86 */ "geometry is not valid and therefore cannot be saved.",
     /*  87 */ "error while saving geometry: cannot open file.",
     /*  88 */ "error while saving geometry: memory problem.",
@@ -188,7 +190,9 @@ constexpr const char* kMessages[181] = {
     /* 175 */ "failed to get some ICE data.",
     /* 176 */ "FindChild2() failed (unable to find object).",
     /* 177 */ "some ICE data could not be found (or is unaccessible).",
-    /* 178 */ "some ICE Data has the wrong context. Only per object, per point and per polygon node are supported.",
+    /* 178 */
+    "some ICE Data has the wrong context. Only per object, per point and per polygon node are "
+    "supported.",
     /* 179 */ "some ICE Data has the wrong data type.",
     /* 180 */ "unknown error.",
 };
@@ -215,7 +219,8 @@ char* StatusMessage(QRVStatus code, char* buffer, bool withCode, const char* pre
   } else {
     const std::size_t prefixLength = std::strlen(prefix);
     if (withCode) {
-      std::snprintf(buffer, prefixLength + kStatusMessageBufferSize, "%serror %ld: ", prefix, signedCode);
+      std::snprintf(buffer, prefixLength + kStatusMessageBufferSize, "%serror %ld: ", prefix,
+                    signedCode);
     } else {
       std::memcpy(buffer, prefix, prefixLength + 1);
     }

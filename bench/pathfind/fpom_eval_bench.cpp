@@ -14,8 +14,8 @@
 #include <random>
 #include <vector>
 
+#include "core/mesh/path_chain.h"
 #include "kernel/geometry.h"
-#include "core/mesh/path_node.h"
 #include "tests/kernel/test_meshes.h"
 
 namespace quillix::bench {
@@ -107,7 +107,7 @@ void BM_Fpom10kPaths_KernelDirect(benchmark::State& state) {
     PathScratch scratch(geo.Memory());
     for (const auto& pair : work.init) {
       const std::int32_t init[2] = {pair[0], pair[1]};
-      scratch.ChainPath(geo, init, 0, nullptr, out);
+      ChainPath(geo, init, 0, nullptr, scratch, out);
     }
   }
   state.counters["paths/s"] =

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "bench/pathfind/bench_meshes.h"
-#include "kernel/geometry.h"
 #include "core/mesh/vertex_path.h"
+#include "kernel/geometry.h"
 #include "tests/core/mesh/literal_search.h"
 
 namespace quillix::bench {

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <vector>
 
-#include "kernel/geometry.h"
 #include "core/math/half_float.h"
+#include "kernel/geometry.h"
 #include "kernel/status_codes.h"
 #include "tests/kernel/test_meshes.h"
 
@@ -16,13 +16,7 @@ namespace {
 
 using testing::PlainMesh;
 using testing::QuadGrid;
-
-QRVStatus SetMesh(QRVGeometry& geo, const PlainMesh& mesh, const QRVChannelInput& channel = {},
-                  const QRVVertexChannelInput& motion = {}) {
-  return geo.Set(mesh.positions.data(), std::int32_t(mesh.positions.size()), kEncodingFloat,
-                 mesh.sizes.data(), mesh.indices.data(), std::int32_t(mesh.sizes.size()),
-                 kDescriptionByteSizes, channel, {}, {}, motion);
-}
+using testing::SetPlainMesh;
 
 void ExpectEmpty(const QRVGeometry& geo) {
   EXPECT_EQ(geo.Positions(), nullptr);
@@ -89,10 +83,10 @@ TEST(GeometrySet, CorruptDescriptionsGive92AndLeaveTheContainerEmpty) {
             kStatusCorruptDescription);
   PlainMesh broken = grid;
   broken.indices[5] = nv;  // one past the last vertex
-  EXPECT_EQ(SetMesh(geo, broken), kStatusCorruptDescription);
+  EXPECT_EQ(SetPlainMesh(geo, broken), kStatusCorruptDescription);
   ExpectEmpty(geo);
   broken.indices[5] = -1;
-  EXPECT_EQ(SetMesh(geo, broken), kStatusCorruptDescription);
+  EXPECT_EQ(SetPlainMesh(geo, broken), kStatusCorruptDescription);
   EXPECT_EQ(geo.Memory().BytesInUse(), 0);
 }
 
@@ -172,7 +166,7 @@ TEST(GeometrySet, VectorChannelsPerNodePerVertexAndMotion) {
 
   QRVChannelInput nodeChannel;
   nodeChannel.perNode = {perNode.data(), nullptr, 8, 0, kEncodingFloat};
-  ASSERT_EQ(SetMesh(geo, grid, nodeChannel, {motion.data(), 6, kEncodingFloat}), kStatusOk);
+  ASSERT_EQ(SetPlainMesh(geo, grid, nodeChannel, {motion.data(), 6, kEncodingFloat}), kStatusOk);
   EXPECT_TRUE(geo.Channel(0).perNode);
   EXPECT_EQ(geo.Channel(0).valueCount, 8);
   EXPECT_EQ(geo.Channel(0).values[7].x, 7.0f);
@@ -182,28 +176,28 @@ TEST(GeometrySet, VectorChannelsPerNodePerVertexAndMotion) {
   const std::vector<Vec3f> shared = {{1, 1, 1}, {2, 2, 2}};
   const std::vector<std::int32_t> which = {0, 1, 1, 0, 1, 0, 0, 1};
   nodeChannel.perNode = {shared.data(), which.data(), 8, 2, kEncodingFloat};
-  ASSERT_EQ(SetMesh(geo, grid, nodeChannel), kStatusOk);
+  ASSERT_EQ(SetPlainMesh(geo, grid, nodeChannel), kStatusOk);
   EXPECT_EQ(geo.Channel(0).valueCount, 2);
   EXPECT_EQ(geo.Channel(0).indices[6], 0);
 
   // One element short per node: 80; per vertex: 79; motion: 79. Each empties the container.
   nodeChannel.perNode = {perNode.data(), nullptr, 7, 0, kEncodingFloat};
-  EXPECT_EQ(SetMesh(geo, grid, nodeChannel), kStatusNodeCountMismatch);
+  EXPECT_EQ(SetPlainMesh(geo, grid, nodeChannel), kStatusNodeCountMismatch);
   ExpectEmpty(geo);
   QRVChannelInput vertexChannel;
   vertexChannel.perVertex = {perVertex.data(), 5, kEncodingFloat};
-  EXPECT_EQ(SetMesh(geo, grid, vertexChannel), kStatusCountMismatch);
-  EXPECT_EQ(SetMesh(geo, grid, {}, {motion.data(), 5, kEncodingFloat}), kStatusCountMismatch);
+  EXPECT_EQ(SetPlainMesh(geo, grid, vertexChannel), kStatusCountMismatch);
+  EXPECT_EQ(SetPlainMesh(geo, grid, {}, {motion.data(), 5, kEncodingFloat}), kStatusCountMismatch);
   ExpectEmpty(geo);
   // A per-node form with data and a count wins over the per-vertex form.
   vertexChannel.perNode = {perNode.data(), nullptr, 8, 0, kEncodingFloat};
   vertexChannel.perVertex = {perVertex.data(), 6, kEncodingFloat};
-  ASSERT_EQ(SetMesh(geo, grid, vertexChannel), kStatusOk);
+  ASSERT_EQ(SetPlainMesh(geo, grid, vertexChannel), kStatusOk);
   EXPECT_TRUE(geo.Channel(0).perNode);
   // Index outside the shared data: 6.
   const std::vector<std::int32_t> outOfRange = {0, 1, 2, 0, 1, 0, 0, 1};
   nodeChannel.perNode = {shared.data(), outOfRange.data(), 8, 2, kEncodingFloat};
-  EXPECT_EQ(SetMesh(geo, grid, nodeChannel), kStatusIllegalParameter);
+  EXPECT_EQ(SetPlainMesh(geo, grid, nodeChannel), kStatusIllegalParameter);
 }
 
 TEST(GeometryMemory, LimitBelowThePositionsGives9AndTrackingReturnsToZero) {
@@ -212,12 +206,12 @@ TEST(GeometryMemory, LimitBelowThePositionsGives9AndTrackingReturnsToZero) {
   memory.SetLimit(true, std::int64_t(grid.positions.size() * sizeof(Vec3f)) - 1);
   {
     QRVGeometry geo(&memory);
-    EXPECT_EQ(SetMesh(geo, grid), kStatusNoMemory);
+    EXPECT_EQ(SetPlainMesh(geo, grid), kStatusNoMemory);
     ExpectEmpty(geo);
     EXPECT_EQ(memory.BytesInUse(), 0);
 
     memory.SetLimit(false, 0);
-    ASSERT_EQ(SetMesh(geo, grid), kStatusOk);
+    ASSERT_EQ(SetPlainMesh(geo, grid), kStatusOk);
     const std::int64_t primary = memory.BytesInUse();
     EXPECT_GE(primary, std::int64_t(grid.positions.size() * 12 + grid.sizes.size() +
                                     grid.indices.size() * 4));

@@ -1,4 +1,4 @@
-// Octree queries against brute force.
+// Octree radius queries against brute force.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -11,7 +11,24 @@
 namespace quillix {
 namespace {
 
-TEST(Octree, NearestAndRadiusQueriesMatchBruteForce) {
+using Ids = std::set<std::int32_t>;
+
+Ids BruteForceWithin(const std::vector<Vec3f>& points, const Vec3f& query, float radius) {
+  Ids within;
+  for (std::int32_t i = 0; i < std::int32_t(points.size()); ++i) {
+    const float dx = points[i].x - query.x, dy = points[i].y - query.y, dz = points[i].z - query.z;
+    if (dx * dx + dy * dy + dz * dz <= radius * radius) within.insert(i);
+  }
+  return within;
+}
+
+Ids TreeWithin(const QRVOctree& tree, const Vec3f& query, float radius) {
+  Ids found;
+  tree.ForEachWithin(query, radius, [&](std::int32_t id) { found.insert(id); });
+  return found;
+}
+
+TEST(Octree, RadiusQueriesMatchBruteForce) {
   std::mt19937 random(7);
   std::uniform_real_distribution<float> coordinate(-10.0f, 10.0f);
   std::vector<Vec3f> points(20000);
@@ -24,27 +41,11 @@ TEST(Octree, NearestAndRadiusQueriesMatchBruteForce) {
   EXPECT_EQ(tree.PointCount(), 19999);
   for (int q = 0; q < 300; ++q) {
     const Vec3f query{coordinate(random), coordinate(random), coordinate(random) * 0.1f};
-    std::int32_t best = -1;
-    float bestD = INFINITY;
-    std::set<std::int32_t> within;
-    for (std::int32_t i = 0; i < std::int32_t(points.size()); ++i) {
-      const float dx = points[i].x - query.x, dy = points[i].y - query.y,
-                  dz = points[i].z - query.z;
-      const float d = dx * dx + dy * dy + dz * dz;
-      if (d < bestD) bestD = d, best = i;
-      if (d <= 0.5f * 0.5f) within.insert(i);
-    }
-    float d = -1.0f;
-    EXPECT_EQ(tree.Nearest(query, &d), best);
-    EXPECT_EQ(d, bestD);
-    std::set<std::int32_t> found;
-    tree.ForEachWithin(query, 0.5f, [&](std::int32_t id) { found.insert(id); });
-    EXPECT_EQ(found, within);
-    EXPECT_EQ(tree.AnyWithin(query, 0.5f), !within.empty());
+    EXPECT_EQ(TreeWithin(tree, query, 0.5f), BruteForceWithin(points, query, 0.5f));
   }
-  // Equal points stay one leaf rather than splitting forever; the nearest of a stack is
-  // its lowest id.
-  EXPECT_EQ(tree.Nearest(points[99]), 99);
+  // Equal points stay one leaf rather than splitting forever; a query on the stack finds all
+  // 51 of them.
+  EXPECT_EQ(TreeWithin(tree, points[99], 0.0f).size(), 51u);
   EXPECT_EQ(tree.Clear(), kStatusOk);
   EXPECT_EQ(memory.BytesInUse(), 0);
 }
@@ -58,19 +59,13 @@ TEST(Octree, ParallelBuildOfALargeCloudAnswersLikeBruteForce) {
   QRVMemoryContext memory;
   QRVOctree tree(memory);
   ASSERT_EQ(tree.Build(points.data(), std::int32_t(points.size())), kStatusOk);
+  // Every point is held exactly once.
   std::vector<std::uint8_t> seen(points.size(), 0);
-  for (std::int32_t i = 0; i < tree.PointCount(); ++i) seen[tree.Order()[i]] += 1;
+  tree.ForEachWithin({50, 50, 50}, 1000.0f, [&](std::int32_t id) { seen[id] += 1; });
   for (std::uint8_t s : seen) ASSERT_EQ(s, 1);
   for (int q = 0; q < 20; ++q) {
     const Vec3f query{coordinate(random), coordinate(random), coordinate(random)};
-    std::int32_t best = -1;
-    float bestD = INFINITY;
-    for (std::int32_t i = 0; i < std::int32_t(points.size()); ++i) {
-      const float dx = points[i].x - query.x, dy = points[i].y - query.y, dz = points[i].z - query.z;
-      const float d = dx * dx + dy * dy + dz * dz;
-      if (d < bestD) bestD = d, best = i;
-    }
-    EXPECT_EQ(tree.Nearest(query), best);
+    EXPECT_EQ(TreeWithin(tree, query, 3.0f), BruteForceWithin(points, query, 3.0f));
   }
 }
 
@@ -81,7 +76,9 @@ TEST(Octree, GeometryBuildsItOnRequestAndReleasesItByMask) {
   ASSERT_EQ(geo.Set(positions.data(), 3, 0, triangle.data(), nullptr, 1, 19), kStatusOk);
   const QRVOctree* tree = geo.Octree();
   ASSERT_NE(tree, nullptr);
-  EXPECT_EQ(tree->Nearest({0.9f, 0.1f, 0}), 1);
+  std::vector<std::int32_t> near;
+  tree->ForEachWithin({0.9f, 0.1f, 0}, 0.2f, [&](std::int32_t id) { near.push_back(id); });
+  EXPECT_EQ(near, std::vector<std::int32_t>{1});
   geo.Reset(kDerivedOctree);
   EXPECT_EQ(static_cast<const QRVGeometry&>(geo).Octree(), nullptr);
 }

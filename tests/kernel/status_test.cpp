@@ -13,7 +13,9 @@ std::string message(QRVStatus code, bool withCode, const char* prefix = nullptr)
   return StatusMessage(code, buffer, withCode, prefix);
 }
 
-TEST(StatusMessage, NullBufferReturnsNull) { EXPECT_EQ(StatusMessage(0, nullptr, true, "x"), nullptr); }
+TEST(StatusMessage, NullBufferReturnsNull) {
+  EXPECT_EQ(StatusMessage(0, nullptr, true, "x"), nullptr);
+}
 
 TEST(StatusMessage, CombinesPrefixCodeTextAndMessage) {
   EXPECT_EQ(message(0, false), "no error.");
@@ -37,7 +39,8 @@ TEST(StatusMessage, KeepsTheIrregularTexts) {
   EXPECT_EQ(message(37, false), "this function does not support \"in place\"");
   EXPECT_EQ(message(134, false), "SendTo() is only allowed with UPD.");
   std::size_t longest = 0;
-  for (QRVStatus code = 0; code <= 181; ++code) longest = std::max(longest, std::string(StatusText(code)).size());
+  for (QRVStatus code = 0; code <= 181; ++code)
+    longest = std::max(longest, std::string(StatusText(code)).size());
   EXPECT_EQ(longest, std::string(StatusText(85)).size());
   EXPECT_LT(longest + 32, kStatusMessageBufferSize);
   EXPECT_EQ(message(179, false), "some ICE Data has the wrong data type.");

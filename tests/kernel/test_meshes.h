@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/math/math_types.h"
+#include "kernel/geometry.h"
 
 namespace quillix::testing {
 
@@ -58,6 +59,16 @@ inline PlainMesh Fan(int spokes, bool closed) {
     mesh.indices.insert(mesh.indices.end(), {0, 1 + k, 1 + (k + 1) % spokes});
   }
   return mesh;
+}
+
+// Sets `geo` to `mesh` (float positions, byte sizes with an index array) with the optional
+// channel and motion; returns Set's status.
+inline QRVStatus SetPlainMesh(QRVGeometry& geo, const PlainMesh& mesh,
+                              const QRVChannelInput& channel = {},
+                              const QRVVertexChannelInput& motion = {}) {
+  return geo.Set(mesh.positions.data(), std::int32_t(mesh.positions.size()), kEncodingFloat,
+                 mesh.sizes.data(), mesh.indices.data(), std::int32_t(mesh.sizes.size()),
+                 kDescriptionByteSizes, channel, {}, {}, motion);
 }
 
 }  // namespace quillix::testing

@@ -9,7 +9,7 @@
 #include <xsihost/scene_file.h>
 
 #include "kernel/geometry.h"
-#include "core/mesh/path_node.h"
+#include "core/mesh/path_chain.h"
 
 namespace quillix::test {
 namespace {

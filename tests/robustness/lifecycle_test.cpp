@@ -8,7 +8,8 @@
 #include <span>
 #include <string>
 
-#include "core/mesh/path_node.h"
+#include "core/mesh/path_chain.h"
+#include "core/mesh/path_node_state.h"
 #include "robustness/heap_bytes.h"
 #include "robustness/node_inputs.h"
 #include "support/plugin_fixture.h"
@@ -71,45 +72,36 @@ TEST(Lifecycle, PathNodeMemoryContextReturnsToZeroWheneverTheMeshIsReleased) {
   const std::vector<Vec3f> points = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
   const std::vector<std::int32_t> description = {0, 1, 2, -1, 0, 2, 3, -1};
   const bool noFlags[1] = {true};
-  bool enabled = true;
-  PathNodeBeginInputs in;
-  in.timeText = "1";
-  in.anyEnabled = [&] { return enabled; };
-  in.positions = [&] { return std::span<const Vec3f>(points); };
-  in.description = [&] { return std::span<const std::int32_t>(description); };
-  in.vertexFlags = [&] { return std::span<const bool>(noFlags); };
-  const PathNodeLog log = [](int, const std::string&) {};
+  PathNodeInputs in = {.positions = points, .description = description, .vertexFlags = noFlags};
+  std::vector<PathNodeEvent> events;
 
-  PathNodeInstance node(42, false);
+  PathNodeState node;
   std::vector<std::int32_t> path;
   for (int i = 0; i < 10000; ++i) {
     // Enabled, with a changed mesh: built, searched, kept.
-    enabled = true;
-    in.enableChanged = in.positionsChanged = in.descriptionChanged = true;
-    in.time = 2.0 * i;
-    node.BeginEvaluate(in, log);
+    in.anyEnabled = true;
+    if (node.Refresh({.enable = true, .positions = true, .description = true}, 2.0 * i))
+      node.Update(in, events);
     ASSERT_TRUE(node.Ready());
     {
-      PathScratch scratch(*node.memory);
+      PathScratch scratch(node.Memory());
       const std::int32_t init[] = {1, 3, 0};
-      ASSERT_TRUE(scratch.ChainPath(*node.geo, init, 0, node.vertexFlags, path));
+      ASSERT_TRUE(ChainPath(node.Geometry(), init, 0, node.VertexFlags(), scratch, path));
     }
     node.EndEvaluate();
-    ASSERT_GT(node.memory->BytesInUse(), 0);
+    ASSERT_GT(node.Memory().BytesInUse(), 0);
     // Unchanged inputs at the same time: nothing rebuilt, nothing allocated.
-    in.enableChanged = in.positionsChanged = in.descriptionChanged = false;
-    const std::int64_t kept = node.memory->BytesInUse();
-    node.BeginEvaluate(in, log);
+    const std::int64_t kept = node.Memory().BytesInUse();
+    if (node.Refresh({}, 2.0 * i)) node.Update(in, events);
     node.EndEvaluate();
-    ASSERT_EQ(node.memory->BytesInUse(), kept);
+    ASSERT_EQ(node.Memory().BytesInUse(), kept);
     // Disabled: the mesh and the flags go.
-    enabled = false;
-    in.enableChanged = true;
-    in.time = 2.0 * i + 1;
-    node.BeginEvaluate(in, log);
+    in.anyEnabled = false;
+    if (node.Refresh({.enable = true}, 2.0 * i + 1)) node.Update(in, events);
     node.EndEvaluate();
-    ASSERT_EQ(node.memory->BytesInUse(), 0) << "cycle " << i;
+    ASSERT_EQ(node.Memory().BytesInUse(), 0) << "cycle " << i;
     EXPECT_EQ(node.ReturnValue(), -2);
+    events.clear();
   }
 }
 

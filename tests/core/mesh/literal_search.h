@@ -8,8 +8,8 @@
 #include <list>
 #include <vector>
 
-#include "kernel/geometry.h"
 #include "core/mesh/vertex_path.h"
+#include "kernel/geometry.h"
 
 namespace quillix::testing {
 

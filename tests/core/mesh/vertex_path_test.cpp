@@ -6,11 +6,11 @@
 #include <random>
 #include <vector>
 
+#include "core/mesh/vertex_path.h"
 #include "kernel/geometry.h"
 #include "kernel/status_codes.h"
-#include "core/mesh/vertex_path.h"
-#include "tests/kernel/test_meshes.h"
 #include "tests/core/mesh/literal_search.h"
+#include "tests/kernel/test_meshes.h"
 
 namespace quillix {
 namespace {

@@ -5,8 +5,8 @@
 #include <thread>
 #include <vector>
 
+#include "core/mesh/path_chain.h"
 #include "kernel/geometry.h"
-#include "core/mesh/path_node.h"
 #include "tests/kernel/test_meshes.h"
 
 namespace quillix {
@@ -36,7 +36,7 @@ TEST(VertexPathThreads, ConcurrentSearchesOnOneGeometryMatchSequentialOnes) {
       PathScratch scratch(memory);
       for (int k = 0; k < kPerThread; ++k) {
         std::vector<std::int32_t> path;
-        scratch.ChainPath(shared, initOf(t, k), 0, nullptr, path);
+        ChainPath(shared, initOf(t, k), 0, nullptr, scratch, path);
         parallel[t].push_back(path);
       }
     });
@@ -48,7 +48,7 @@ TEST(VertexPathThreads, ConcurrentSearchesOnOneGeometryMatchSequentialOnes) {
     for (int t = 0; t < kThreads; ++t) {
       for (int k = 0; k < kPerThread; ++k) {
         std::vector<std::int32_t> path;
-        scratch.ChainPath(shared, initOf(t, k), 0, nullptr, path);
+        ChainPath(shared, initOf(t, k), 0, nullptr, scratch, path);
         EXPECT_EQ(parallel[t][k], path);
       }
     }

@@ -5,17 +5,14 @@
 #include <vector>
 
 #include "kernel/geometry.h"
-#include "core/mesh/surface_positions.h"
+#include "kernel/surface_positions.h"
 #include "tests/kernel/test_meshes.h"
 
 namespace quillix {
 namespace {
 
 void SetMesh(QRVGeometry& geo, const testing::PlainMesh& mesh) {
-  ASSERT_EQ(geo.Set(mesh.positions.data(), std::int32_t(mesh.positions.size()), kEncodingFloat,
-                    mesh.sizes.data(), mesh.indices.data(), std::int32_t(mesh.sizes.size()),
-                    kDescriptionByteSizes),
-            kStatusOk);
+  ASSERT_EQ(testing::SetPlainMesh(geo, mesh), kStatusOk);
 }
 
 bool Same(const std::vector<Vec3f>& a, const std::vector<Vec3f>& b) {

@@ -1,10 +1,10 @@
-// The path node's host-neutral pieces: building from a host description, chaining, timing text.
+// Building a path geometry from a host description and chaining searches through it.
 #include <gtest/gtest.h>
 
 #include <vector>
 
+#include "core/mesh/path_chain.h"
 #include "kernel/status_codes.h"
-#include "core/mesh/path_node.h"
 #include "tests/kernel/test_meshes.h"
 
 namespace quillix {
@@ -44,7 +44,7 @@ TEST(BuildPathGeometry, EightBitCornerCountRejects255AndWrapsLarger) {
   EXPECT_EQ(geo.Positions()[0].x, 2.0f);  // vertices 2, 3, 4 survive, renumbered 0, 1, 2
 }
 
-TEST(PathScratch, ChainsSegmentsAndEmptiesOnAnyFailure) {
+TEST(ChainPath, ChainsSegmentsAndEmptiesOnAnyFailure) {
   const testing::PlainMesh grid = testing::QuadGrid(2, 2);
   QRVMemoryContext memory;
   QRVGeometry geo(&memory);
@@ -58,22 +58,16 @@ TEST(PathScratch, ChainsSegmentsAndEmptiesOnAnyFailure) {
   {
     PathScratch scratch(memory);
     const std::vector<std::int32_t> init = {4, 8, 2};
-    EXPECT_TRUE(scratch.ChainPath(geo, init, 0, nullptr, out));
+    EXPECT_TRUE(ChainPath(geo, init, 0, nullptr, scratch, out));
     EXPECT_EQ(out, (std::vector<std::int32_t>{4, 5, 8, 5, 2}));
     const std::vector<std::int32_t> bad = {0, 8, 9};
-    EXPECT_FALSE(scratch.ChainPath(geo, bad, 0, nullptr, out));
+    EXPECT_FALSE(ChainPath(geo, bad, 0, nullptr, scratch, out));
     EXPECT_TRUE(out.empty());
     const std::vector<std::int32_t> one = {4};
-    EXPECT_FALSE(scratch.ChainPath(geo, one, 0, nullptr, out));
+    EXPECT_FALSE(ChainPath(geo, one, 0, nullptr, scratch, out));
   }
   geo.Clear();
   EXPECT_EQ(memory.BytesInUse(), 0);
-}
-
-TEST(PathNodeTimer, FormatsRoundedMillisecondsWithASignSpaceInSixColumns) {
-  EXPECT_EQ(PathNodeTimer::Format(0.4), "     0 ms");
-  EXPECT_EQ(PathNodeTimer::Format(12.5), "    13 ms");
-  EXPECT_EQ(PathNodeTimer::Format(1234567.0), " 1234567 ms");
 }
 
 }  // namespace

@@ -2,6 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
+
+#include "core/math/math_types.h"
+#include "kernel/status.h"
 
 namespace quillix {
 
@@ -22,5 +26,16 @@ enum QRVSurfaceMode : std::int32_t {
 
 // Largest number of points (or blue-noise candidates) one call makes; more gives status 6.
 inline constexpr std::int64_t kSurfaceMaxPoints = std::int64_t(1) << 24;
+
+class QRVGeometry;
+
+// Appends points on the surface of `geometry` to `positions` (object space, in the order
+// made): `mode` is a QRVSurfaceMode, `lod` scales how many, `seed` fixes the random sequence,
+// so the same inputs always give the same points. Computes the geometry's polygon size counts
+// if absent; scratch arrays come from its memory context.
+// Status: 6 for an unknown mode or more than kSurfaceMaxPoints points, 9 on memory refusal;
+// an empty geometry, lod <= 0 or NaN, or a zero-area mesh gives no points and status 0.
+QRVStatus GenerateSurfacePositions(QRVGeometry& geometry, std::int32_t mode, float lod,
+                                   std::uint64_t seed, std::vector<Vec3f>& positions);
 
 }  // namespace quillix

@@ -1,0 +1,46 @@
+// Vertex neighbourhoods of a mesh (derived items 256 and 2097152 of QRVGeometry) and the
+// polygon-edge incidences they are made from.
+#pragma once
+
+#include <cstdint>
+
+#include "kernel/memory_context.h"
+#include "kernel/mesh_view.h"
+
+namespace quillix {
+
+// Every polygon edge (corner k to corner k+1, wrapping) as an incidence of both its ends,
+// grouped by vertex and sorted: vertex v's incidences are items[offsets[v] .. offsets[v + 1]),
+// and a neighbour appears once per polygon edge that joins the two. Edges from a corner to
+// the same vertex are skipped.
+struct EdgeIncidences {
+  std::int32_t* offsets = nullptr;  // vertexCount + 1
+  std::int32_t* items = nullptr;    // offsets[vertexCount]
+};
+
+// Builds `incidences` with arrays from `memory`. False on refusal or when there are more
+// than 2^31 - 1 incidences; the caller then releases what was built (ReleaseEdgeIncidences).
+bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
+                         EdgeIncidences& incidences);
+void ReleaseEdgeIncidences(QRVMemoryContext& memory, EdgeIncidences& incidences);
+
+// Vertex v's neighbours, in ascending vertex index, are lists[offsets[v] .. offsets[v + 1]).
+// The byte counts saturate at 255; the offsets are exact for any number of neighbours.
+struct MeshNeighbours {
+  std::uint8_t* counts = nullptr;   // vertexCount
+  std::int32_t* offsets = nullptr;  // vertexCount + 1
+  std::int32_t* lists = nullptr;    // offsets[vertexCount]
+};
+
+// Builds `neighbours` with arrays from `memory`, each allocated exactly to size. False when
+// `memory` refuses; nothing stays allocated then.
+bool BuildNeighbours(const MeshView& mesh, QRVMemoryContext& memory, MeshNeighbours& neighbours);
+void ReleaseNeighbours(QRVMemoryContext& memory, MeshNeighbours& neighbours);
+
+// Per neighbour slot (parallel to neighbours.lists): the distance between the two vertices in
+// single precision as sqrt(dy * dy + dx * dx + dz * dz), the path search's step length. An
+// array of offsets[vertexCount] floats from `memory`; null when it refuses.
+float* ComputeNeighbourDistances(const MeshView& mesh, const MeshNeighbours& neighbours,
+                                 QRVMemoryContext& memory);
+
+}  // namespace quillix
