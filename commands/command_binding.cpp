@@ -1,6 +1,5 @@
 #include "commands/command_binding.h"
 
-#include <xsi_application.h>
 #include <xsi_argument.h>
 #include <xsi_command.h>
 #include <xsi_context.h>
@@ -10,9 +9,9 @@ namespace quillix::commands {
 using namespace XSI;
 
 namespace {
+
 // The host's no-logging capability bit.
 constexpr LONG kNoLoggingFlag = 0x800000;
-}  // namespace
 
 CValue DefaultValue(const ArgumentDef& argument) {
   switch (argument.type) {
@@ -30,24 +29,32 @@ CValue DefaultValue(const ArgumentDef& argument) {
   return CValue();
 }
 
+}  // namespace
+
 CStatus DefineCommand(CRef& contextRef, const wchar_t* description,
                       std::span<const ArgumentDef> arguments) {
-  try {
-    Context context(contextRef);
-    Command command(context.GetSource());
-    command.PutDescription(description);
-    command.SetFlag(kNoLoggingFlag, false);
-    ArgumentArray definitions = command.GetArguments();
-    for (const ArgumentDef& argument : arguments) {
-      definitions.Add(argument.name, DefaultValue(argument));
-    }
-    return CStatus::OK;
-  } catch (...) {
-    return CStatus::Fail;
+  Context context(contextRef);
+  Command command(context.GetSource());
+  command.PutDescription(description);
+  command.SetFlag(kNoLoggingFlag, false);
+  ArgumentArray definitions = command.GetArguments();
+  for (const ArgumentDef& argument : arguments) {
+    definitions.Add(argument.name, DefaultValue(argument));
   }
+  return CStatus::OK;
 }
 
-void Log(const CString& text, siSeverityType severity) { Application().LogMessage(text, severity); }
+std::vector<CValue> ReadArguments(const CValueArray& given,
+                                  std::span<const ArgumentDef> arguments) {
+  std::vector<CValue> values;
+  values.reserve(arguments.size());
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const LONG position = LONG(i);
+    const bool present = position < given.GetCount() && !given[position].IsEmpty();
+    values.push_back(present ? given[position] : DefaultValue(arguments[i]));
+  }
+  return values;
+}
 
 CString Quoted(const CString& text) { return CString(L"\"") + text + L"\""; }
 

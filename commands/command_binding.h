@@ -1,14 +1,16 @@
-// What the command bindings share: the argument table row, the definition written by an Init
-// callback, and the log helpers.
+// What the command bindings share: the argument table, the definition that an Init callback
+// writes from it, the arguments that an Execute callback reads back, and the quoting of names
+// in the commands' log lines.
 #pragma once
 
 #include <span>
+#include <vector>
 
-#include <xsi_decl.h>
 #include <xsi_ref.h>
 #include <xsi_status.h>
 #include <xsi_string.h>
 #include <xsi_value.h>
+#include <xsi_valuearray.h>
 
 namespace quillix::commands {
 
@@ -21,19 +23,19 @@ struct ArgumentDef {
   double defaultValue;
 };
 
-// The default of `argument` as a value of its type.
-XSI::CValue DefaultValue(const ArgumentDef& argument);
-
 // Fills in the command that `contextRef` (an Init context) names: `description`, the
 // no-logging capability cleared so that every call is logged as usual, and `arguments` in
-// table order. Returns the host's status; never throws.
+// table order, each with its default. Returns the host's status.
 XSI::CStatus DefineCommand(XSI::CRef& contextRef, const wchar_t* description,
                            std::span<const ArgumentDef> arguments);
 
-// Appends `text` to the host's log at `severity`.
-void Log(const XSI::CString& text, XSI::siSeverityType severity);
+// The values of a call, one per row of `arguments` in table order: the value given at that
+// position, or the row's default where `given` holds an empty value or ends early. Values
+// beyond the table are ignored.
+std::vector<XSI::CValue> ReadArguments(const XSI::CValueArray& given,
+                                       std::span<const ArgumentDef> arguments);
 
-// `text` between double quotes.
+// `text` between double quotes, as the log lines quote names and paths.
 XSI::CString Quoted(const XSI::CString& text);
 
 }  // namespace quillix::commands

@@ -16,7 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const std::string text(reinterpret_cast<const char*>(bytes), size);
   std::string scene = "previous";
   const int code = FindMostRecentScene(text.c_str(), scene);
-  Check(code == kExtractOk || code == kExtractTagNotFound || code == kExtractTooLong, "unexpected scan code");
+  Check(code == kExtractOk || code == kExtractTagNotFound || code == kExtractTooLong,
+        "unexpected scan code");
   if (code != kExtractOk) Check(scene.empty(), "a failed scan left a path");
   Check(scene.size() < std::size_t(kScenePathCapacity), "path longer than its capacity");
 
@@ -28,10 +29,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const bool trimLeading = in.ConsumeBool(), trimTrailing = in.ConsumeBool();
   const std::string body = in.ConsumeRemainingBytesAsString();
   std::vector<char> out(std::size_t(outSize > 0 ? outSize : 0) + 1, '\x7f');
-  const int extract = ExtractBetween(body.c_str(), open.c_str(), close.c_str(), out.data(), outSize, trimLeading,
-                                     trimTrailing);
+  const int extract = ExtractBetween(body.c_str(), open.c_str(), close.c_str(), out.data(), outSize,
+                                     trimLeading, trimTrailing);
   Check(out.back() == '\x7f', "wrote past the output buffer");
-  if (outSize > 0 && extract != kExtractBadArguments) Check(std::memchr(out.data(), 0, std::size_t(outSize)) != nullptr, "output not terminated");
+  if (outSize > 0 && extract != kExtractBadArguments)
+    Check(std::memchr(out.data(), 0, std::size_t(outSize)) != nullptr, "output not terminated");
   Check(extract == kExtractOk || extract == kExtractTagNotFound || extract == kExtractTooLong ||
             extract == kExtractBadArguments,
         "unexpected extraction code");

@@ -7,25 +7,19 @@
 #include <limits>
 #include <numbers>
 
+#include "core/math/vec3_ops.h"
+
 namespace quillix {
 namespace {
-
-Vec3d operator-(const Vec3d& a, const Vec3d& b) {
-  return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-double Length(const Vec3d& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
 
 // Angle between two vectors in [0, π]. atan2 of the cross and dot products stays exact for
 // parallel vectors, where the arc cosine of a rounded cosine would not give 0. A zero vector
 // gives 0.
 double AngleBetween(const Vec3d& a, const Vec3d& b) {
-  const Vec3d cross{a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-  const double dot = a.x * b.x + a.y * b.y + a.z * b.z;
-  return std::atan2(Length(cross), dot);
+  return std::atan2(Length(Cross(a, b)), Dot(a, b));
 }
 
-Vec3d Row(const Matrix3d& m, int row) { return {m.m[row][0], m.m[row][1], m.m[row][2]}; }
+Vec3d Row(const Mat3d& m, int row) { return {m.m[row][0], m.m[row][1], m.m[row][2]}; }
 
 // min/max of two non-negative amounts; 0 when both are 0.
 double AmountRatio(double a, double b) {
@@ -67,11 +61,11 @@ double NormalSimilarity(const Vec3d& a, const Vec3d& b) {
   return std::clamp(1.0 - AngleBetween(a, b) / std::numbers::pi, 0.0, 1.0);
 }
 
-double Closeness(const Vec3d& a, const Vec3d& b) { return 1.0 / (Length(a - b) + 1.0); }
+double Closeness(const Vec3d& a, const Vec3d& b) { return 1.0 / (Length(Subtract(a, b)) + 1.0); }
 
 // Mean closeness of the three rotated unit axes. Divided by 3 last, so that identical
 // rotations give exactly 1.
-double RotationCloseness(const Matrix3d& a, const Matrix3d& b) {
+double RotationCloseness(const Mat3d& a, const Mat3d& b) {
   double sum = 0.0;
   for (int axis = 0; axis < 3; ++axis) sum += Closeness(Row(a, axis), Row(b, axis));
   return sum / 3.0;
@@ -100,10 +94,10 @@ double SphereVolume(double radius) {
   return 4.0 / 3.0 * std::numbers::pi * radius * radius * radius;
 }
 
-double SphereIntersectionVolume(const Vec3d& centre1, double r1, const Vec3d& centre2,
-                                double r2, double& distance) {
+double SphereIntersectionVolume(const Vec3d& centre1, double r1, const Vec3d& centre2, double r2,
+                                double& distance) {
   assert(r1 >= 0.0 && r2 >= 0.0);
-  const double d = Length(centre2 - centre1);
+  const double d = Length(Subtract(centre2, centre1));
   distance = d;
   if (d >= r1 + r2) return 0.0;
   if (r2 >= d + r1) return SphereVolume(r1);
@@ -198,6 +192,25 @@ std::vector<std::size_t> RankByScore(std::span<const float> scores) {
 double MatchPercentage(float score, float weightSum) {
   if (!(weightSum > 0.0f)) return 0.0;
   return double(score) / double(weightSum) * 99.99;
+}
+
+std::vector<RankedMatch> RankMatches(const ObjectFeatures& reference,
+                                     std::span<const std::optional<ObjectFeatures>> candidates,
+                                     const MatchWeights& weights) {
+  const MatchWeights effective =
+      WeightsForInput(ClampNegativeWeights(weights), reference.pointCount, reference.triangleCount);
+  const float weightSum = WeightSum(effective);
+  std::vector<float> scores(candidates.size(), 0.0f);
+  for (std::size_t i = 0; i < candidates.size(); ++i) {
+    if (!candidates[i]) continue;  // left out: scores 0
+    scores[i] = MatchScore(ComputeMatchTerms(reference, *candidates[i], effective));
+  }
+  std::vector<RankedMatch> ranking;
+  ranking.reserve(candidates.size());
+  for (std::size_t index : RankByScore(scores)) {
+    ranking.push_back({index, scores[index], MatchPercentage(scores[index], weightSum)});
+  }
+  return ranking;
 }
 
 std::size_t ReportedCount(std::int64_t numOut, std::size_t candidateCount) {

@@ -3,13 +3,15 @@
 // Each candidate gets sixteen terms, one per weight, each between 0 and its weight (the
 // point-count term excepted, see below); its score is their sum, and its percentage is the
 // score relative to the sum of the weights, scaled to 99.99 so that a perfect match never
-// reads as 100 per cent. Features are gathered by the command binding (object_features.h
-// holds their geometry maths); everything here is plain arithmetic over them.
+// reads as 100 per cent. RankMatches runs the whole comparison over features that the caller
+// gathered (object_features.h holds their geometry maths); the other functions are its steps
+// and the texts that report a ranking. Everything here is plain arithmetic over plain values.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -19,23 +21,11 @@
 
 namespace quillix {
 
-// 3×3 rotation in the row-vector convention: row i is the rotated unit axis i.
-struct Matrix3d {
-  double m[3][3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
-};
-
-// 4×4 transform in the row-vector convention: a point is the row (x, y, z, 1) times the
-// matrix; rows 0 to 2 hold the scaled axes, row 3 the translation.
-struct Matrix4d {
-  double m[4][4] = {
-      {1.0, 0.0, 0.0, 0.0}, {0.0, 1.0, 0.0, 0.0}, {0.0, 0.0, 1.0, 0.0}, {0.0, 0.0, 0.0, 1.0}};
-};
-
-// The parts of a transform that the matching compares: scaling per axis, rotation and
-// translation.
+// The parts of a transform that the matching compares: scaling per axis, rotation (row i
+// is the rotated unit axis i) and translation. The identity transform by default.
 struct TransformParts {
   Vec3d scaling{1.0, 1.0, 1.0};
-  Matrix3d rotation;
+  Mat3d rotation = Mat3d::Identity();
   Vec3d translation;
 };
 
@@ -68,7 +58,7 @@ struct ObjectFeatures {
   std::string name;  // 8-bit; compared case-insensitively (ASCII)
   std::int64_t pointCount = 0;
   std::int64_t triangleCount = 0;
-  Vec3d boxExtent;         // local bounding box, full extent per axis
+  Vec3d boxExtent;            // local bounding box, full extent per axis
   double sphereRadius = 0.0;  // local bounding sphere
   double localSurfaceArea = 0.0;
   double globalSurfaceArea = 0.0;
@@ -87,8 +77,8 @@ std::size_t LevenshteinDistance(std::string_view a, std::string_view b);
 // distance of the centres. 0 when the spheres are apart or touch (d ≥ r1 + r2); the
 // smaller sphere's volume when it lies inside the other; the lens volume otherwise.
 // Radii must not be negative.
-double SphereIntersectionVolume(const Vec3d& centre1, double r1, const Vec3d& centre2,
-                                double r2, double& distance);
+double SphereIntersectionVolume(const Vec3d& centre1, double r1, const Vec3d& centre2, double r2,
+                                double& distance);
 
 // (4/3)·π·r³.
 double SphereVolume(double radius);
@@ -115,12 +105,36 @@ MatchTerms ComputeMatchTerms(const ObjectFeatures& input, const ObjectFeatures& 
 // Sum of the terms, added in term order.
 float MatchScore(const MatchTerms& terms);
 
-// Indices of `scores` ordered by score, highest first; equal scores keep their order.
+// Indices of `scores` ordered by score, highest first; equal scores keep their order and a
+// NaN score ranks last.
 std::vector<std::size_t> RankByScore(std::span<const float> scores);
 
 // score / weightSum × 99.99, computed as a ratio first so that a score equal to the weight
 // sum gives exactly 99.99. A weightSum not greater than 0 gives 0.
 double MatchPercentage(float score, float weightSum);
+
+// One candidate's place in a ranking.
+struct RankedMatch {
+  std::size_t candidate = 0;  // index into the ranked candidates
+  float score = 0.0f;         // MatchScore of its terms; 0 for a candidate left out
+  double percentage = 0.0;    // MatchPercentage of the score
+};
+
+// Ranks `candidates` by their similarity to `reference`, best first.
+//  - reference: the object the candidates are compared with.
+//  - candidates: #C entries; an empty entry is a candidate left out of the comparison (one
+//    the caller skips): it scores 0 but keeps its place in the ranking.
+//  - weights: as the user gives them. Negative and NaN weights count as 0
+//    (ClampNegativeWeights) and the geometry weights that the reference's counts rule out
+//    are dropped (WeightsForInput); the percentages are relative to the sum of the weights
+//    that remain (WeightSum).
+// Returns #C entries, one per candidate, in RankByScore order: highest score first, equal
+// scores in candidate order. Each score is MatchScore(ComputeMatchTerms(reference,
+// candidate, weights)). When no weight remains every score and percentage is 0 and the
+// candidates keep their order. No candidates give an empty ranking.
+std::vector<RankedMatch> RankMatches(const ObjectFeatures& reference,
+                                     std::span<const std::optional<ObjectFeatures>> candidates,
+                                     const MatchWeights& weights);
 
 // How many candidates are reported: all of them when `numOut` is below 1, otherwise
 // `numOut` reduced to `candidateCount`.

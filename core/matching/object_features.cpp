@@ -1,20 +1,14 @@
 #include "core/matching/object_features.h"
 
 #include <cassert>
-#include <cmath>
+
+#include "core/math/vec3_ops.h"
 
 namespace quillix {
 namespace {
 
-Vec3d Cross(const Vec3d& a, const Vec3d& b) {
-  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
 double TriangleArea(const Vec3d& a, const Vec3d& b, const Vec3d& c) {
-  const Vec3d ab{b.x - a.x, b.y - a.y, b.z - a.z};
-  const Vec3d ac{c.x - a.x, c.y - a.y, c.z - a.z};
-  const Vec3d n = Cross(ab, ac);
-  return 0.5 * std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
+  return 0.5 * Length(Cross(Subtract(b, a), Subtract(c, a)));
 }
 
 // Running sum of vectors, divided once at the end.
@@ -22,21 +16,18 @@ struct VectorMean {
   Vec3d sum;
   std::size_t count = 0;
   void Add(const Vec3d& v) {
-    sum.x += v.x;
-    sum.y += v.y;
-    sum.z += v.z;
+    sum = quillix::Add(sum, v);
     ++count;
   }
   Vec3d Value() const {
     if (count == 0) return {};
-    const double n = double(count);
-    return {sum.x / n, sum.y / n, sum.z / n};
+    return Divide(sum, double(count));
   }
 };
 
 }  // namespace
 
-Vec3d TransformDirection(const Vec3d& direction, const Matrix4d& transform) {
+Vec3d TransformDirection(const Vec3d& direction, const Mat4d& transform) {
   const auto& r = transform.m;
   const Vec3d& d = direction;
   return {d.x * r[0][0] + d.y * r[1][0] + d.z * r[2][0],
@@ -44,9 +35,9 @@ Vec3d TransformDirection(const Vec3d& direction, const Matrix4d& transform) {
           d.x * r[0][2] + d.y * r[1][2] + d.z * r[2][2]};
 }
 
-Vec3d TransformPoint(const Vec3d& point, const Matrix4d& transform) {
-  const Vec3d v = TransformDirection(point, transform);
-  return {v.x + transform.m[3][0], v.y + transform.m[3][1], v.z + transform.m[3][2]};
+Vec3d TransformPoint(const Vec3d& point, const Mat4d& transform) {
+  const Vec3d translation{transform.m[3][0], transform.m[3][1], transform.m[3][2]};
+  return Add(TransformDirection(point, transform), translation);
 }
 
 double TriangleSurfaceArea(std::span<const Vec3d> corners) {
@@ -58,7 +49,7 @@ double TriangleSurfaceArea(std::span<const Vec3d> corners) {
   return area;
 }
 
-double TransformedSurfaceArea(std::span<const Vec3d> corners, const Matrix4d& transform) {
+double TransformedSurfaceArea(std::span<const Vec3d> corners, const Mat4d& transform) {
   assert(corners.size() % 3 == 0);
   double area = 0.0;
   for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
@@ -75,14 +66,13 @@ Vec3d Average(std::span<const Vec3d> values) {
   return mean.Value();
 }
 
-Vec3d TransformedPointAverage(std::span<const Vec3d> points, const Matrix4d& transform) {
+Vec3d TransformedPointAverage(std::span<const Vec3d> points, const Mat4d& transform) {
   VectorMean mean;
   for (const Vec3d& p : points) mean.Add(TransformPoint(p, transform));
   return mean.Value();
 }
 
-Vec3d TransformedDirectionAverage(std::span<const Vec3d> directions,
-                                     const Matrix4d& transform) {
+Vec3d TransformedDirectionAverage(std::span<const Vec3d> directions, const Mat4d& transform) {
   VectorMean mean;
   for (const Vec3d& d : directions) mean.Add(TransformDirection(d, transform));
   return mean.Value();

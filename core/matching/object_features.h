@@ -9,32 +9,37 @@
 
 namespace quillix {
 
-// `point` mapped by `transform`: the row (x, y, z, 1) times the matrix. The fourth column
-// is ignored (transforms here are affine).
-Vec3d TransformPoint(const Vec3d& point, const Matrix4d& transform);
+// `point` mapped by `transform` as an affine map: the row (x, y, z, 1) times the matrix,
+// x·m[0][c] + y·m[1][c] + z·m[2][c] summed left to right, then m[3][c] added. The fourth
+// column is ignored: no homogeneous divide.
+Vec3d TransformPoint(const Vec3d& point, const Mat4d& transform);
 
 // `direction` mapped by the linear part of `transform` (rows 0 to 2: scaling, rotation and
-// any shear, no translation).
-Vec3d TransformDirection(const Vec3d& direction, const Matrix4d& transform);
+// any shear, no translation): x·m[0][c] + y·m[1][c] + z·m[2][c], summed left to right.
+Vec3d TransformDirection(const Vec3d& direction, const Mat4d& transform);
 
-// Sum over the triangles of half the length of the cross product of two edges.
-// `corners` holds three positions per triangle; its size must be a multiple of 3. No
-// triangles give 0.
+// Sum over the triangles of half the length of the cross product of the edges (b − a) and
+// (c − a), added in triangle order.
+//  - corners: #T × 3 positions, the corners a, b, c of each triangle in turn; its size must
+//    be a multiple of 3.
+// No triangles give 0; degenerate triangles add 0.
 double TriangleSurfaceArea(std::span<const Vec3d> corners);
 
-// Same as TriangleSurfaceArea over the corners mapped by `transform`.
-double TransformedSurfaceArea(std::span<const Vec3d> corners, const Matrix4d& transform);
+// TriangleSurfaceArea over `corners` (#T × 3 positions) each mapped by TransformPoint with
+// `transform`.
+double TransformedSurfaceArea(std::span<const Vec3d> corners, const Mat4d& transform);
 
-// Arithmetic mean of `values`; the zero vector when `values` is empty.
+// Arithmetic mean of `values` (#N vectors): their sum in order divided by N. The zero vector
+// when `values` is empty.
 Vec3d Average(std::span<const Vec3d> values);
 
-// Mean of `points` mapped by `transform` (TransformPoint); the zero vector when empty.
-Vec3d TransformedPointAverage(std::span<const Vec3d> points, const Matrix4d& transform);
+// Average of `points` (#N positions) each mapped by TransformPoint with `transform`; the
+// zero vector when empty.
+Vec3d TransformedPointAverage(std::span<const Vec3d> points, const Mat4d& transform);
 
-// Mean of `directions` mapped by `transform` (TransformDirection); the zero vector when
-// empty.
-Vec3d TransformedDirectionAverage(std::span<const Vec3d> directions,
-                                     const Matrix4d& transform);
+// Average of `directions` (#N vectors) each mapped by TransformDirection with `transform`;
+// the zero vector when empty.
+Vec3d TransformedDirectionAverage(std::span<const Vec3d> directions, const Mat4d& transform);
 
 // Which features a weight set asks for, so that nothing unweighted is read from the host.
 struct FeatureNeeds {
@@ -50,7 +55,8 @@ struct FeatureNeeds {
   bool globalTransform = false;  // also needed for the global area, centre and normals
 };
 
-// Features needed for the positive weights of `weights`.
+// The features that the positive weights of `weights` need; a weight that is 0, negative or
+// NaN needs nothing.
 FeatureNeeds NeededFeatures(const MatchWeights& weights);
 
 }  // namespace quillix

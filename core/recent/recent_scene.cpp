@@ -6,10 +6,13 @@
 #include <cstring>
 
 namespace quillix {
+namespace {
 
 bool IsTrimSpace(char c) {
   return c == ' ' || c == '\n' || c == '\t' || c == '\v' || c == '\f' || c == '\r';
 }
+
+}  // namespace
 
 std::optional<std::size_t> SkipLeadingSpace(std::string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {

@@ -34,12 +34,9 @@ inline constexpr int kExtractTagNotFound = 1;
 inline constexpr int kExtractTooLong = 2;
 inline constexpr int kExtractBadArguments = 127;
 
-// Whitespace of the trim options: space, line feed, tab, vertical tab, form feed,
-// carriage return.
-bool IsTrimSpace(char c);
-
 // Index of the first non-whitespace byte of `text`; nothing when `text` is empty or all
-// whitespace.
+// whitespace. Whitespace here, and for the trim options of ExtractBetween, is exactly space,
+// line feed, tab, vertical tab, form feed and carriage return, whatever the locale.
 std::optional<std::size_t> SkipLeadingSpace(std::string_view text);
 
 // Index of the last non-whitespace byte of `text`; nothing when `text` is empty or all
@@ -52,7 +49,7 @@ std::optional<std::size_t> FindLastNonSpace(std::string_view text);
 //    zero byte of `text`.
 //  - out: caller-owned buffer of `outSize` bytes. When outSize > 0 it is first set to the
 //    empty string, so a failed call leaves an empty string behind.
-//  - trimLeading / trimTrailing: drop whitespace (IsTrimSpace) at either end of the
+//  - trimLeading / trimTrailing: drop whitespace (SkipLeadingSpace) at either end of the
 //    content; a content that is empty after trimming yields kExtractOk and "".
 // The content is copied verbatim otherwise: no entity decoding.
 // Returns kExtractOk; kExtractTagNotFound when either tag is missing; kExtractTooLong when

@@ -7,6 +7,7 @@
 #include <deque>
 #include <limits>
 #include <numbers>
+#include <optional>
 #include <random>
 #include <string>
 #include <unordered_map>
@@ -114,9 +115,9 @@ MatchWeights AllWeights(float w) {
   return weights;
 }
 
-Matrix3d RotationZ(double degrees) {
+Mat3d RotationZ(double degrees) {
   const double a = degrees * std::numbers::pi / 180.0;
-  Matrix3d r;
+  Mat3d r = Mat3d::Identity();
   r.m[0][0] = std::cos(a);
   r.m[0][1] = std::sin(a);
   r.m[1][0] = -std::sin(a);
@@ -253,6 +254,44 @@ TEST(RankByScore, HighestFirstAndEqualScoresKeepTheirOrder) {
   const std::vector<float> scores = {0.5f, 2.0f, 0.5f, std::nanf(""), 2.0f, 0.0f, 0.5f};
   EXPECT_EQ(RankByScore(scores), (std::vector<std::size_t>{1, 4, 0, 2, 6, 5, 3}));
   EXPECT_TRUE(RankByScore({}).empty());
+}
+
+TEST(RankMatches, RanksEveryCandidateWithTheCommandsWeightRules) {
+  const ObjectFeatures input = SampleObject();
+  ObjectFeatures half = input;
+  half.pointCount = 50;
+  ObjectFeatures quarter = input;
+  quarter.pointCount = 25;
+  std::vector<std::optional<ObjectFeatures>> candidates = {quarter, std::nullopt, input, half,
+                                                           input};
+  MatchWeights weights = DefaultWeights();
+  weights[kTermLocalPos] = -3.0f;  // counts as 0, not against the sum
+  const std::vector<RankedMatch> ranking = RankMatches(input, candidates, weights);
+  const float sum = WeightSum(DefaultWeights());
+  ASSERT_EQ(ranking.size(), 5u);
+  // Equal scores keep the candidates' order; the left-out one scores 0 and ranks last.
+  const std::vector<std::size_t> order = {2, 4, 3, 0, 1};
+  for (std::size_t k = 0; k < order.size(); ++k) {
+    EXPECT_EQ(ranking[k].candidate, order[k]) << "place " << k;
+    const float expected =
+        candidates[order[k]]
+            ? MatchScore(ComputeMatchTerms(input, *candidates[order[k]], DefaultWeights()))
+            : 0.0f;
+    EXPECT_EQ(ranking[k].score, expected) << "place " << k;
+    EXPECT_EQ(ranking[k].percentage, MatchPercentage(expected, sum)) << "place " << k;
+  }
+  EXPECT_EQ(ranking[0].percentage, 99.99);
+
+  // A reference without points drops every geometry weight: nothing is left to compare.
+  ObjectFeatures bare = input;
+  bare.pointCount = 0;
+  const std::vector<RankedMatch> none = RankMatches(bare, candidates, DefaultWeights());
+  for (std::size_t k = 0; k < none.size(); ++k) {
+    EXPECT_EQ(none[k].candidate, k);
+    EXPECT_EQ(none[k].score, 0.0f);
+    EXPECT_EQ(none[k].percentage, 0.0);
+  }
+  EXPECT_TRUE(RankMatches(input, {}, weights).empty());
 }
 
 TEST(MatchTexts, ReturnValueListsLeadingPositiveMatchesOfTheReportedCount) {

@@ -10,7 +10,7 @@ namespace {
 // Unit cube [0,1]³ as twelve triangles.
 std::vector<Vec3d> UnitCubeCorners() {
   const Vec3d p[8] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0},
-                         {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
+                      {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
   const int quads[6][4] = {{0, 3, 2, 1}, {4, 5, 6, 7}, {0, 1, 5, 4},
                            {2, 3, 7, 6}, {1, 2, 6, 5}, {0, 4, 7, 3}};
   std::vector<Vec3d> corners;
@@ -22,8 +22,8 @@ std::vector<Vec3d> UnitCubeCorners() {
 
 // Scaling (2, 3, 0.5), then 90° about z (x goes to y, y to -x), then translation
 // (10, 20, 30): the rows are the scaled, rotated axes and the translation.
-Matrix4d SampleTransform() {
-  Matrix4d t;
+Mat4d SampleTransform() {
+  Mat4d t = Mat4d::Identity();
   t.m[0][0] = 0.0;
   t.m[0][1] = 2.0;
   t.m[1][0] = -3.0;
@@ -42,7 +42,7 @@ void ExpectNear(const Vec3d& actual, const Vec3d& expected) {
 }
 
 TEST(Transform, PointsAreRowsTimesTheMatrixAndDirectionsSkipTranslation) {
-  const Matrix4d t = SampleTransform();
+  const Mat4d t = SampleTransform();
   ExpectNear(TransformPoint({1.0, 0.0, 0.0}, t), {10.0, 22.0, 30.0});
   ExpectNear(TransformPoint({0.0, 1.0, 2.0}, t), {7.0, 20.0, 31.0});
   ExpectNear(TransformDirection({0.0, 1.0, 2.0}, t), {-3.0, 0.0, 1.0});

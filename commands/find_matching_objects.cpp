@@ -1,7 +1,7 @@
 // Quillix__FindMatchingObjects: ranks the scene's objects of the input's type by their
 // similarity to the input, logs the ranking, optionally selects the best matches and returns
-// them as "name,percentage" text. The scene is read here; scoring and ranking are in
-// commands/match_scoring.h.
+// them as "name,percentage" text. The scene's features are read here; the scoring and the
+// ranking are RankMatches in core/matching/match_scoring.h.
 #include <xsi_application.h>
 #include <xsi_context.h>
 #include <xsi_geometry.h>
@@ -19,12 +19,16 @@
 #include <xsi_x3dobject.h>
 
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "commands/command_binding.h"
 #include "core/matching/match_scoring.h"
 #include "core/matching/object_features.h"
+#include "plugin/callback_guard.h"
+#include "plugin/log.h"
 
 namespace {
 
@@ -32,9 +36,11 @@ using namespace XSI;
 using quillix::ObjectFeatures;
 using quillix::commands::ArgumentDef;
 using quillix::commands::ArgumentType;
-using quillix::commands::DefaultValue;
-using quillix::commands::Log;
 using quillix::commands::Quoted;
+using quillix::plugin::kLogError;
+using quillix::plugin::kLogInfo;
+using quillix::plugin::kLogWarning;
+using quillix::plugin::LogLine;
 
 // The largest double: the host reads it as "the current frame".
 constexpr double kCurrentFrame = 1.7976931348623157e308;
@@ -88,11 +94,7 @@ struct Options {
 };
 
 Options ReadOptions(const CValueArray& given) {
-  std::vector<CValue> values;
-  for (LONG i = 0; i < kArgumentCount; ++i) {
-    const bool present = i < given.GetCount() && !given[i].IsEmpty();
-    values.push_back(present ? given[i] : DefaultValue(kArguments[i]));
-  }
+  const std::vector<CValue> values = quillix::commands::ReadArguments(given, kArguments);
   Options o;
   o.inputName = CString(values[0]);
   o.inputMode = LONG(values[1]);
@@ -131,9 +133,9 @@ quillix::TransformParts ToParts(const MATH::CTransformation& transform) {
   return parts;
 }
 
-quillix::Matrix4d ToMatrix(const MATH::CTransformation& transform) {
+quillix::Mat4d ToMatrix(const MATH::CTransformation& transform) {
   const MATH::CMatrix4 matrix = transform.GetMatrix4();
-  quillix::Matrix4d out;
+  quillix::Mat4d out;
   for (short r = 0; r < 4; ++r) {
     for (short c = 0; c < 4; ++c) out.m[r][c] = matrix.GetValue(r, c);
   }
@@ -187,7 +189,7 @@ FeatureFailure ReadFeatures(const X3DObject& object, const Geometry& geometry, c
   }
   const Kinematics kinematics = object.GetKinematics();
   if (needs.localTransform) features.local = ToParts(kinematics.GetLocal().GetTransform(at.frame));
-  quillix::Matrix4d global;
+  quillix::Mat4d global = quillix::Mat4d::Identity();
   if (needs.globalTransform) {
     const MATH::CTransformation transform = kinematics.GetGlobal().GetTransform(at.frame);
     features.global = ToParts(transform);
@@ -206,8 +208,7 @@ FeatureFailure ReadFeatures(const X3DObject& object, const Geometry& geometry, c
       }
     }
     if (needs.localNormals || needs.globalNormals) {
-      const std::vector<quillix::Vec3d> normals =
-          ToVectors(triangles.GetPolygonNodeNormalArray());
+      const std::vector<quillix::Vec3d> normals = ToVectors(triangles.GetPolygonNodeNormalArray());
       if (needs.localNormals) features.localNormalAverage = quillix::Average(normals);
       if (needs.globalNormals) {
         features.globalNormalAverage = quillix::TransformedDirectionAverage(normals, global);
@@ -228,6 +229,8 @@ X3DObject FindInput(const Model& root, const CString& name) {
   return root.FindChild2(name, CString(), CStringArray(), true);
 }
 
+// Whether the candidate's "Visibility" says it is not shown; without the property or its
+// "viewvis" parameter an object counts as shown.
 bool IsHidden(const SceneItem& item, double frame) {
   const Property visibility = item.GetPropertyFromName(L"Visibility");
   if (!visibility.IsValid()) return false;
@@ -235,52 +238,101 @@ bool IsHidden(const SceneItem& item, double frame) {
   return !viewvis.IsEmpty() && !bool(viewvis);
 }
 
-CStatus Execute(CRef& contextRef) {
+void LogInput(const X3DObject& input, const ObjectFeatures& features) {
+  LogLine(kLogInfo,
+          L"input object " + Quoted(input.GetName()) + L" is of type " + Quoted(input.GetType()));
+  LogLine(kLogInfo, L"    num points:    " + Number(features.pointCount));
+  LogLine(kLogInfo, L"    num triangles: " + Number(features.triangleCount));
+}
+
+void LogCandidates(const CRefArray& candidates) {
+  if (candidates.GetCount() == 0) {
+    LogLine(kLogInfo, L"found 0 candidates.");
+    return;
+  }
+  LogLine(kLogInfo, L"found " + Number(candidates.GetCount()) + L" candidate(s):");
+  LogLine(kLogInfo, L"{");
+  for (LONG i = 0; i < candidates.GetCount(); ++i) {
+    LogLine(kLogInfo, L"    " + Quoted(SIObject(candidates[i]).GetName()));
+  }
+  LogLine(kLogInfo, L"}");
+}
+
+// The features of every candidate, in the order of `candidates`; an empty entry for one that
+// the options skip (same parent, hidden) or that is not a 3D object. `names` are the
+// candidates' names.
+std::vector<std::optional<ObjectFeatures>> ReadCandidates(const CRefArray& candidates,
+                                                          std::span<const std::string> names,
+                                                          const X3DObject& input, const Options& o,
+                                                          const quillix::FeatureNeeds& needs) {
+  const Sampling at{quillix::EffectiveFrame(o.candidateFrame), o.candidateMode};
+  const CRef inputParent = input.GetParent();
+  std::vector<std::optional<ObjectFeatures>> features(names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const CRef& ref = candidates[LONG(i)];
+    const SceneItem item(ref);
+    if (o.skipSameParent && item.GetParent() == inputParent) continue;
+    if (o.skipHidden && IsHidden(item, at.frame)) continue;
+    const X3DObject candidate(ref);
+    if (!candidate.IsValid()) {
+      LogLine(kLogWarning, L"failed to set X3DObject for " + Quoted(item.GetName()));
+      continue;
+    }
+    ObjectFeatures& f = features[i].emplace();
+    f.name = names[i];
+    const Geometry geometry = GeometryOf(candidate, at);
+    ReadCounts(geometry, f);
+    if (o.verbose) {
+      LogLine(kLogInfo, L"processing candidate " + Quoted(candidate.GetName()) + L" (pnts: " +
+                            Number(f.pointCount) + L",  tris: " + Number(f.triangleCount) + L").");
+    }
+    // A candidate's missing box or sphere counts as empty; only the input's stops the command.
+    ReadFeatures(candidate, geometry, at, needs, f);
+  }
+  return features;
+}
+
+}  // namespace
+
+QUILLIX_COMMAND_CALLBACK(Quillix__FindMatchingObjects_Init, XSI::CRef&, contextRef) {
+  return quillix::commands::DefineCommand(contextRef, L"Find matching objects", kArguments);
+}
+
+QUILLIX_COMMAND_CALLBACK(Quillix__FindMatchingObjects_Execute, XSI::CRef&, contextRef) {
   Context context(contextRef);
   Options o = ReadOptions(CValueArray(context.GetAttribute(L"Arguments")));
-
   if (o.inputName.IsEmpty()) {
-    Log(L"No input object specified, aborting.", siWarningMsg);
+    LogLine(kLogWarning, L"No input object specified, aborting.");
     return CStatus::OK;
   }
   Application application;
   const Model root = application.GetActiveSceneRoot();
   const X3DObject input = FindInput(root, o.inputName);
   if (!input.IsValid()) {
-    Log(L"Unable to find " + Quoted(o.inputName) + L" in the scene.", siErrorMsg);
+    LogLine(kLogError, L"Unable to find " + Quoted(o.inputName) + L" in the scene.");
     return CStatus::Fail;
   }
 
   const Sampling inputAt{quillix::EffectiveFrame(o.inputFrame), o.inputMode};
-  const Sampling candidateAt{quillix::EffectiveFrame(o.candidateFrame), o.candidateMode};
   o.weights = quillix::ClampNegativeWeights(o.weights);
-
   ObjectFeatures inputFeatures;
   inputFeatures.name = input.GetName().GetAsciiString();
   const Geometry inputGeometry = GeometryOf(input, inputAt);
   ReadCounts(inputGeometry, inputFeatures);
-  if (o.verbose) {
-    Log(L"input object " + Quoted(input.GetName()) + L" is of type " + Quoted(input.GetType()),
-        siCommentMsg);
-    Log(L"    num points:    " + Number(inputFeatures.pointCount), siCommentMsg);
-    Log(L"    num triangles: " + Number(inputFeatures.triangleCount), siCommentMsg);
-  }
-
+  if (o.verbose) LogInput(input, inputFeatures);
   o.weights =
       quillix::WeightsForInput(o.weights, inputFeatures.pointCount, inputFeatures.triangleCount);
-  const float weightSum = quillix::WeightSum(o.weights);
-  if (!(weightSum > 0.0f)) {
-    Log(L"all weights are zero... nothing to do.", siWarningMsg);
+  if (!(quillix::WeightSum(o.weights) > 0.0f)) {
+    LogLine(kLogWarning, L"all weights are zero... nothing to do.");
     return CStatus::OK;
   }
-
   const quillix::FeatureNeeds needs = quillix::NeededFeatures(o.weights);
   switch (ReadFeatures(input, inputGeometry, inputAt, needs, inputFeatures)) {
     case FeatureFailure::BoundingBox:
-      Log(L"failed to get input object's (local) bounding box.", siErrorMsg);
+      LogLine(kLogError, L"failed to get input object's (local) bounding box.");
       return CStatus::Fail;
     case FeatureFailure::BoundingSphere:
-      Log(L"failed to get input object's (local) bounding sphere.", siErrorMsg);
+      LogLine(kLogError, L"failed to get input object's (local) bounding sphere.");
       return CStatus::Fail;
     case FeatureFailure::None:
       break;
@@ -288,91 +340,37 @@ CStatus Execute(CRef& contextRef) {
 
   CRefArray candidates = root.FindChildren2(CString(), input.GetType(), CStringArray(), true);
   candidates.Remove(input.GetRef());
-  const std::size_t candidateCount = std::size_t(candidates.GetCount());
-  if (o.verbose) {
-    if (candidateCount == 0) {
-      Log(L"found 0 candidates.", siCommentMsg);
-    } else {
-      Log(L"found " + Number(std::int64_t(candidateCount)) + L" candidate(s):", siCommentMsg);
-      Log(L"{", siCommentMsg);
-      for (LONG i = 0; i < candidates.GetCount(); ++i) {
-        Log(L"    " + Quoted(SIObject(candidates[i]).GetName()), siCommentMsg);
-      }
-      Log(L"}", siCommentMsg);
-    }
+  if (o.verbose) LogCandidates(candidates);
+  std::vector<std::string> names(std::size_t(candidates.GetCount()));
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    names[i] = SIObject(candidates[LONG(i)]).GetName().GetAsciiString();
   }
-  const std::size_t reported = quillix::ReportedCount(o.numOut, candidateCount);
+  const std::vector<quillix::RankedMatch> ranking = quillix::RankMatches(
+      inputFeatures, ReadCandidates(candidates, names, input, o, needs), o.weights);
 
-  const CRef inputParent = input.GetParent();
-  std::vector<std::string> names(candidateCount);
-  std::vector<float> scores(candidateCount, 0.0f);
-  for (std::size_t i = 0; i < candidateCount; ++i) {
-    const CRef& ref = candidates[LONG(i)];
-    const SceneItem item(ref);
-    names[i] = item.GetName().GetAsciiString();
-    if (o.skipSameParent && item.GetParent() == inputParent) continue;
-    if (o.skipHidden && IsHidden(item, candidateAt.frame)) continue;
-    const X3DObject candidate(ref);
-    if (!candidate.IsValid()) {
-      Log(L"failed to set X3DObject for " + Quoted(item.GetName()), siWarningMsg);
-      continue;
-    }
-    ObjectFeatures features;
-    features.name = names[i];
-    const Geometry geometry = GeometryOf(candidate, candidateAt);
-    ReadCounts(geometry, features);
-    if (o.verbose) {
-      Log(L"processing candidate " + Quoted(candidate.GetName()) + L" (pnts: " +
-              Number(features.pointCount) + L",  tris: " + Number(features.triangleCount) + L").",
-          siCommentMsg);
-    }
-    // A candidate's missing box or sphere counts as empty; only the input's stops the command.
-    ReadFeatures(candidate, geometry, candidateAt, needs, features);
-    scores[i] = quillix::MatchScore(quillix::ComputeMatchTerms(inputFeatures, features, o.weights));
-  }
-
-  const std::vector<std::size_t> order = quillix::RankByScore(scores);
   std::vector<std::string> rankedNames;
   std::vector<double> rankedPercentages;
-  for (std::size_t index : order) {
-    rankedNames.push_back(names[index]);
-    rankedPercentages.push_back(quillix::MatchPercentage(scores[index], weightSum));
+  for (const quillix::RankedMatch& match : ranking) {
+    rankedNames.push_back(names[match.candidate]);
+    rankedPercentages.push_back(match.percentage);
   }
-
   if (o.verbose) {
-    Log(L"the final matches:", siCommentMsg);
-    Log(L"{", siCommentMsg);
-    for (std::size_t k = order.size(); k > 0; --k) {
-      const std::string line =
-          quillix::FinalMatchLine(rankedPercentages[k - 1], rankedNames[k - 1]);
-      Log(CString(line.c_str()), siCommentMsg);
+    LogLine(kLogInfo, L"the final matches:");
+    LogLine(kLogInfo, L"{");
+    for (std::size_t k = ranking.size(); k > 0; --k) {
+      LogLine(kLogInfo, quillix::FinalMatchLine(rankedPercentages[k - 1], rankedNames[k - 1]));
     }
-    Log(L"}", siCommentMsg);
+    LogLine(kLogInfo, L"}");
   }
-
+  const std::size_t reported = quillix::ReportedCount(o.numOut, ranking.size());
   if (o.selectOut) {
     Selection selection = application.GetSelection();
     selection.Clear();
-    for (std::size_t k = 0; k < reported; ++k) selection.Add(candidates[LONG(order[k])]);
+    for (std::size_t k = 0; k < reported; ++k) {
+      selection.Add(candidates[LONG(ranking[k].candidate)]);
+    }
   }
-
   const std::string list = quillix::MatchListText(rankedNames, rankedPercentages, reported);
   context.PutAttribute(L"ReturnValue", CValue(CString(list.c_str())));
   return CStatus::OK;
-}
-
-}  // namespace
-
-XSIPLUGINCALLBACK CStatus Quillix__FindMatchingObjects_Init(CRef& contextRef) {
-  return quillix::commands::DefineCommand(contextRef, L"Find matching objects", kArguments);
-}
-
-XSIPLUGINCALLBACK CStatus Quillix__FindMatchingObjects_Execute(CRef& contextRef) {
-  try {
-    return Execute(contextRef);
-  } catch (...) {
-    // Only an exhausted allocation gets here; the host must never see the exception.
-    Log(L"Quillix__FindMatchingObjects: out of memory.", siErrorMsg);
-    return CStatus::Fail;
-  }
 }

@@ -1,6 +1,6 @@
 // Quillix__OpenMostRecentScene: opens the first scene of the host's recent-scenes list. The
-// list file is scanned in commands/recent_scene.h; here are the environment, the log and the
-// host's "OpenScene".
+// list file is read and scanned by core/recent/recent_scene.h; here are the environment, the
+// log and the host's "OpenScene".
 #include <xsi_application.h>
 #include <xsi_status.h>
 #include <xsi_string.h>
@@ -15,20 +15,26 @@
 
 #include "commands/command_binding.h"
 #include "core/recent/recent_scene.h"
-
-namespace {
+#include "plugin/callback_guard.h"
+#include "plugin/log.h"
 
 using namespace XSI;
-
-using quillix::commands::Log;
 using quillix::commands::Quoted;
+using quillix::plugin::kLogError;
+using quillix::plugin::kLogInfo;
+using quillix::plugin::LogLine;
 
-CStatus Execute() {
+QUILLIX_COMMAND_CALLBACK(Quillix__OpenMostRecentScene_Init, XSI::CRef&, contextRef) {
+  // The command takes no arguments.
+  return quillix::commands::DefineCommand(contextRef, L"Opens the most recent scene file", {});
+}
+
+QUILLIX_COMMAND_CALLBACK(Quillix__OpenMostRecentScene_Execute, [[maybe_unused]] XSI::CRef&,
+                         contextRef) {
   const char* home = std::getenv(quillix::kUserHomeVariable);
   if (home == nullptr) {
-    Log(L"unable to get user home directory (environment variable " +
-            Quoted(quillix::kUserHomeVariable) + L" not set?).",
-        siErrorMsg);
+    LogLine(kLogError, L"unable to get user home directory (environment variable " +
+                           Quoted(quillix::kUserHomeVariable) + L" not set?).");
     return CStatus::Fail;
   }
   const CString listPath = CUtils::BuildPath(CString(home), CString(quillix::kRecentListFolder),
@@ -39,7 +45,7 @@ CStatus Execute() {
 
   const std::int64_t size = quillix::FileSize(listFile.c_str());
   if (!quillix::IsReadableListSize(size)) {
-    Log(L"unable to open " + Quoted(listPath) + L".", siErrorMsg);
+    LogLine(kLogError, L"unable to open " + Quoted(listPath) + L".");
     return CStatus::Fail;
   }
   std::string scenePath;
@@ -51,33 +57,16 @@ CStatus Execute() {
     code = quillix::FindMostRecentScene(text.data(), scenePath);
   }
   if (code != quillix::kExtractOk) {
-    Log(L"unable to extract the most recent scene from " + Quoted(listPath) + L".", siErrorMsg);
+    LogLine(kLogError, L"unable to extract the most recent scene from " + Quoted(listPath) + L".");
     return CStatus::Fail;
   }
 
   const CString scene(scenePath.c_str());
-  Log(L"found most recent scene " + Quoted(scene) + L".", siCommentMsg);
+  LogLine(kLogInfo, L"found most recent scene " + Quoted(scene) + L".");
   CValueArray arguments;
   arguments.Add(CValue(scene));
   CValue result;
   // The host reports its own failures to open the scene; its result is not examined.
   Application().ExecuteCommand(L"OpenScene", arguments, result);
   return CStatus::OK;
-}
-
-}  // namespace
-
-XSIPLUGINCALLBACK CStatus Quillix__OpenMostRecentScene_Init(CRef& contextRef) {
-  // The command takes no arguments.
-  return quillix::commands::DefineCommand(contextRef, L"Opens the most recent scene file", {});
-}
-
-XSIPLUGINCALLBACK CStatus Quillix__OpenMostRecentScene_Execute(CRef& /*contextRef*/) {
-  try {
-    return Execute();
-  } catch (...) {
-    // Only an exhausted allocation (a huge list file) gets here; the host must never see it.
-    Log(L"Quillix__OpenMostRecentScene: out of memory.", siErrorMsg);
-    return CStatus::Fail;
-  }
 }
