@@ -1,5 +1,7 @@
 #include "core/matching/object_features.h"
 
+#include "core/math/mat4_ops.h"
+
 #include <cassert>
 
 #include "core/math/vec3_ops.h"
@@ -26,19 +28,6 @@ struct VectorMean {
 };
 
 }  // namespace
-
-Vec3d TransformDirection(const Vec3d& direction, const Mat4d& transform) {
-  const auto& r = transform.m;
-  const Vec3d& d = direction;
-  return {d.x * r[0][0] + d.y * r[1][0] + d.z * r[2][0],
-          d.x * r[0][1] + d.y * r[1][1] + d.z * r[2][1],
-          d.x * r[0][2] + d.y * r[1][2] + d.z * r[2][2]};
-}
-
-Vec3d TransformPoint(const Vec3d& point, const Mat4d& transform) {
-  const Vec3d translation{transform.m[3][0], transform.m[3][1], transform.m[3][2]};
-  return Add(TransformDirection(point, transform), translation);
-}
 
 double TriangleSurfaceArea(std::span<const Vec3d> corners) {
   assert(corners.size() % 3 == 0);

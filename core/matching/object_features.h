@@ -6,17 +6,9 @@
 #include <span>
 
 #include "core/matching/match_scoring.h"
+#include "core/math/mat4_ops.h"
 
 namespace quillix {
-
-// `point` mapped by `transform` as an affine map: the row (x, y, z, 1) times the matrix,
-// x·m[0][c] + y·m[1][c] + z·m[2][c] summed left to right, then m[3][c] added. The fourth
-// column is ignored: no homogeneous divide.
-Vec3d TransformPoint(const Vec3d& point, const Mat4d& transform);
-
-// `direction` mapped by the linear part of `transform` (rows 0 to 2: scaling, rotation and
-// any shear, no translation): x·m[0][c] + y·m[1][c] + z·m[2][c], summed left to right.
-Vec3d TransformDirection(const Vec3d& direction, const Mat4d& transform);
 
 // Sum over the triangles of half the length of the cross product of the edges (b − a) and
 // (c − a), added in triangle order.
@@ -25,7 +17,7 @@ Vec3d TransformDirection(const Vec3d& direction, const Mat4d& transform);
 // No triangles give 0; degenerate triangles add 0.
 double TriangleSurfaceArea(std::span<const Vec3d> corners);
 
-// TriangleSurfaceArea over `corners` (#T × 3 positions) each mapped by TransformPoint with
+// TriangleSurfaceArea over `corners` (#T × 3 positions) each mapped by TransformPoint (core/math/mat4_ops.h) with
 // `transform`.
 double TransformedSurfaceArea(std::span<const Vec3d> corners, const Mat4d& transform);
 
@@ -33,7 +25,7 @@ double TransformedSurfaceArea(std::span<const Vec3d> corners, const Mat4d& trans
 // when `values` is empty.
 Vec3d Average(std::span<const Vec3d> values);
 
-// Average of `points` (#N positions) each mapped by TransformPoint with `transform`; the
+// Average of `points` (#N positions) each mapped by TransformPoint (core/math/mat4_ops.h) with `transform`; the
 // zero vector when empty.
 Vec3d TransformedPointAverage(std::span<const Vec3d> points, const Mat4d& transform);
 

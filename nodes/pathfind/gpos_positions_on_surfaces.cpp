@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "core/math/mat4_ops.h"
 #include "kernel/geometry.h"
 #include "kernel/status.h"
 #include "plugin/callback_guard.h"
@@ -135,14 +136,6 @@ bool ReadMesh(const X3DObject& root, const CString& name, quillix::QRVGeometry& 
   return true;
 }
 
-// A point as the row (x, y, z, 1) times an affine matrix (no division by the fourth column).
-quillix::Vec3f Place(const quillix::Vec3f& p, const quillix::Mat4f& m) {
-  float out[3];
-  for (int c = 0; c < 3; ++c)
-    out[c] = p.x * m.m[0][c] + p.y * m.m[1][c] + p.z * m.m[2][c] + m.m[3][c];
-  return {out[0], out[1], out[2]};
-}
-
 }  // namespace
 
 QUILLIX_EVALUATE(Quillix_gpos) {
@@ -171,7 +164,7 @@ QUILLIX_EVALUATE(Quillix_gpos) {
           continue;
         }
         const quillix::Mat4f transform = ToMat4f(matrixList[i]);
-        for (const quillix::Vec3f& p : positions) placed.push_back(Place(p, transform));
+        for (const quillix::Vec3f& p : positions) placed.push_back(quillix::TransformPoint(p, transform));
       }
     }
     WriteArray(result, it, std::span<const quillix::Vec3f>(placed));
