@@ -42,11 +42,3 @@ XSI::CStatus CallGuarded(Body&& body, XSI::CStatus fallback) noexcept {
 // A command that meets an exception has failed, as the host's general failure.
 #define QUILLIX_COMMAND_CALLBACK(name, ParamType, param) \
   QUILLIX_GUARDED_CALLBACK(name, ParamType, param, XSI::CStatus::Fail)
-
-namespace quillix::plugin {
-// TRANSITIONAL: removed once every binding is defined through the macros above.
-template <class Evaluation>
-XSI::CStatus EvaluateGuarded(Evaluation&& evaluation) noexcept {
-  return CallGuarded([&] { evaluation(); return XSI::CStatus::OK; }, XSI::CStatus::OK);
-}
-}  // namespace quillix::plugin
