@@ -46,7 +46,7 @@ py::object MatrixPairs(py::handle aValue, py::handle bValue, const Kernel& kerne
       results[i] = kernel.Pair(pa, pb);
     }
   }
-  return std::move(out);
+  return out;
 }
 
 struct EllipsoidGap {
