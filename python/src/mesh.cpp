@@ -2,6 +2,7 @@
 // clean-up and derived neighbour lists, and then searched any number of times, from any
 // number of threads.
 #include <algorithm>
+#include <filesystem>
 #include <limits>
 #include <memory>
 #include <mutex>
@@ -9,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include <pybind11/stl/filesystem.h>
 #include <xsihost/scene.h>
 #include <xsihost/scene_file.h>
 
@@ -228,13 +230,13 @@ IntArray ChainPath(Mesh& mesh, py::handle indicesValue, py::handle blocked) {
   return NewIntArray(path);
 }
 
-py::tuple ReadMesh(const std::string& path) {
+py::tuple ReadMesh(const std::filesystem::path& path) {
   xsihost::MeshData mesh;
   std::string error;
   bool ok;
   {
     GilRelease release(true);
-    ok = xsihost::LoadMeshFile(path, mesh, error);
+    ok = xsihost::LoadMeshFile(path.string(), mesh, error);
   }
   if (!ok) throw py::value_error(error);
   py::array_t<double> positions({py::ssize_t(mesh.points.size()), py::ssize_t(3)});
