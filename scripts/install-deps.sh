@@ -7,6 +7,7 @@ packages=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   nlohmann-json3-dev libcli11-dev libboost-dev libtinyobjloader-dev libtinygltf-dev
   libopenmesh-dev
+  pybind11-dev python3-dev python3-numpy python3-pytest
 )
 if [[ "${QUILLIX_WITH_FUZZ:-0}" == "1" ]]; then
   packages+=(clang-14 libclang-rt-14-dev)
