@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
 #include <pybind11/stl.h>
 #include <xsihost/plugin_host.h>
 #include <xsihost/session.h>
+#include <nlohmann/json.hpp>
 
 #include "python/src/arrays.h"
 #include "tools/quillix/commands.h"
