@@ -6,7 +6,14 @@ cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
 cmake --preset release >/dev/null
-cmake --build --preset release --target quillix Quillix
+cmake --build --preset release --target quillix Quillix _quillix
+
+# Debian's python3 finds the package in the build tree from now on, whatever python3 comes
+# first on the PATH.
+python=/usr/bin/python3
+user_site=$("$python" -m site --user-site)
+mkdir -p "$user_site"
+echo "$PWD/build/release/python" > "$user_site/quillix-build.pth"
 
 quillix=build/release/bin/quillix
 echo
@@ -23,3 +30,10 @@ done
 
 echo "== the two scene commands, run by quillix over the shipped example scenes"
 QUILLIX="$quillix" examples/commands/run.sh
+
+echo
+for script in examples/python/*.py; do
+  echo "== $python $script"
+  "$python" "$script"
+  echo
+done

@@ -1,13 +1,27 @@
 #!/usr/bin/env bash
-# Installs the Debian packages Quillix builds with, when they are missing. Safe to run again.
+# Installs the Debian packages Quillix needs, when they are missing. Safe to run again.
+#
+#   scripts/install-deps.sh [test] [bench] [fuzz] [blender]
+#
+# Without arguments: what building and running the tool, the plug-in and the Python package
+# need, and nothing more (the demo). Each group adds what that job needs on top.
 set -euo pipefail
 
 packages=(
-  cmake ninja-build g++ pkg-config clang-format-14
-  googletest libgtest-dev libgmock-dev libbenchmark-dev
-  nlohmann-json3-dev libcli11-dev libboost-dev libtinyobjloader-dev libtinygltf-dev
-  libopenmesh-dev libcairo2-dev
+  cmake ninja-build g++ pkg-config
+  nlohmann-json3-dev libcli11-dev libtinyobjloader-dev libtinygltf-dev libcairo2-dev
+  pybind11-dev python3-dev python3-numpy help2man
 )
+for group in "$@"; do
+  case "$group" in
+    test) packages+=(googletest libgtest-dev libgmock-dev python3-pytest clang-format-14) ;;
+    # The comparison libraries of the benchmarks are found only when benchmarks are built.
+    bench) packages+=(libbenchmark-dev libboost-dev libopenmesh-dev) ;;
+    fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;
+    blender) packages+=(blender) ;;
+    *) echo "install-deps: unknown group '$group' (test, bench, fuzz, blender)" >&2; exit 2 ;;
+  esac
+done
 if [[ "${QUILLIX_WITH_FUZZ:-0}" == "1" ]]; then
   packages+=(clang-14 libclang-rt-14-dev)
 fi

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds and runs every test: the optimised build, then AddressSanitizer + UndefinedBehavior
+# Builds and runs every test: the optimised build (its ctest run includes the Python
+# package's pytest suite, label "python"), then AddressSanitizer + UndefinedBehavior
 # Sanitizer, then ThreadSanitizer over the tests that run nodes on several threads, then each
 # fuzz target for a bounded time from its seed corpus.
 set -euo pipefail

@@ -1,0 +1,310 @@
+// The path node's mesh and its searches (Quillix_fpom): a Mesh is built once, with the node's
+// clean-up and derived neighbour lists, and then searched any number of times, from any
+// number of threads.
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <pybind11/stl/filesystem.h>
+#include <xsihost/scene.h>
+#include <xsihost/scene_file.h>
+
+#include "core/mesh/path_node.h"
+#include "core/mesh/vertex_path.h"
+#include "kernel/geometry.h"
+#include "python/src/arrays.h"
+
+namespace quillix::python {
+
+namespace {
+
+// The work arrays of one search, kept between searches so that a mesh searched many times
+// allocates them once per concurrent caller.
+struct SearchScratch {
+  QRVWorkBuffer distances, predecessors, marks;
+  std::vector<std::int32_t> path;
+};
+
+class Mesh {
+ public:
+  Mesh(py::handle positionsValue, py::handle polygonsValue) {
+    const PointsArg positions = ToPoints(positionsValue, "positions");
+    const std::vector<std::int32_t> description = Description(polygonsValue);
+    QRVStatus status;
+    {
+      GilRelease release(positions.points.size() >= kReleaseThreshold);
+      status = BuildPathGeometry(positions.points, description, *geo_);
+    }
+    if (status != 0) ThrowKernelError(status);
+  }
+
+  const QRVGeometry& Geometry() const { return *geo_; }
+  std::int32_t VertexCount() const { return geo_->VertexCount(); }
+  std::int32_t PolygonCount() const { return geo_->PolygonCount(); }
+  std::int32_t ComponentCount() const { return geo_->ComponentCount(); }
+
+  FloatArray Positions() const {
+    FloatArray out = NewPoints(std::size_t(VertexCount()));
+    std::copy_n(geo_->Positions(), VertexCount(), MutablePoints(out));
+    return out;
+  }
+
+  IntArray Neighbours(std::int64_t vertex) const {
+    if (vertex < 0 || vertex >= VertexCount()) {
+      throw py::index_error("vertex " + std::to_string(vertex) + " outside 0.." +
+                            std::to_string(VertexCount() - 1));
+    }
+    const QRVGeometry& geo = *geo_;
+    const std::int32_t* offsets = geo.NeighbourOffsets();
+    return NewIntArray({geo.NeighbourLists() + offsets[vertex],
+                        std::size_t(offsets[vertex + 1] - offsets[vertex])});
+  }
+
+  IntArray Components() const {
+    const QRVGeometry& geo = *geo_;
+    return NewIntArray({geo.ComponentNumbers(), std::size_t(VertexCount())});
+  }
+
+  // Node vertex flags (0 blocks) from a (V,) boolean mask of blocked vertices; empty for None.
+  std::vector<std::uint8_t> Flags(py::handle blockedValue) const {
+    if (blockedValue.is_none()) return {};
+    static constexpr const char* kExpected = "a (V,) bool mask with V = vertex_count";
+    const BoolArray blocked = ToBoolArray(blockedValue, "blocked", kExpected);
+    RequireShape(blocked, "blocked", kExpected, {VertexCount()});
+    std::vector<std::uint8_t> flags(static_cast<std::size_t>(VertexCount()));
+    const bool* data = blocked.data();
+    for (std::size_t v = 0; v < flags.size(); ++v) flags[v] = data[v] ? 0 : 1;
+    return flags;
+  }
+
+  std::unique_ptr<SearchScratch> AcquireScratch() {
+    std::lock_guard<std::mutex> lock(poolMutex_);
+    if (pool_.empty()) return std::make_unique<SearchScratch>();
+    std::unique_ptr<SearchScratch> scratch = std::move(pool_.back());
+    pool_.pop_back();
+    return scratch;
+  }
+  void ReturnScratch(std::unique_ptr<SearchScratch> scratch) {
+    std::lock_guard<std::mutex> lock(poolMutex_);
+    pool_.push_back(std::move(scratch));
+  }
+
+ private:
+  // The node's polygonal description (indices, each polygon closed by a negative value) from
+  // that description itself, a (P, k) array of polygons, or a list of index lists.
+  static std::vector<std::int32_t> Description(py::handle value) {
+    static constexpr const char* kExpected =
+        "a polygonal description (1-D, each polygon closed by a negative index), a (P, k) "
+        "array or a list of index lists";
+    std::vector<std::int32_t> description;
+    const auto appendPolygon = [&](const IntArray& polygon) {
+      for (py::ssize_t k = 0; k < polygon.size(); ++k) {
+        if (polygon.data()[k] < 0) throw py::value_error("polygons: negative vertex index");
+        description.push_back(polygon.data()[k]);
+      }
+      description.push_back(-1);
+    };
+    const auto isSequence = [](py::handle item) {
+      return py::isinstance<py::list>(item) || py::isinstance<py::tuple>(item) ||
+             (py::isinstance<py::array>(item) &&
+              py::reinterpret_borrow<py::array>(item).ndim() > 0);
+    };
+    const bool listOfLists =
+        (py::isinstance<py::list>(value) || py::isinstance<py::tuple>(value)) &&
+        py::len(value) > 0 && isSequence(value[py::int_(0)]);
+    if (listOfLists) {
+      for (py::handle polygonValue : value) {
+        const IntArray polygon = ToIntArray(polygonValue, "polygons", kExpected);
+        RequireShape(polygon, "polygons", kExpected, {-1});
+        appendPolygon(polygon);
+      }
+      return description;
+    }
+    const IntArray polygons = ToIntArray(value, "polygons", kExpected);
+    if (polygons.ndim() == 1) return {polygons.data(), polygons.data() + polygons.size()};
+    RequireShape(polygons, "polygons", kExpected, {-1, -1});
+    const py::ssize_t corners = polygons.shape(1);
+    for (py::ssize_t p = 0; p < polygons.shape(0); ++p) {
+      for (py::ssize_t k = 0; k < corners; ++k) {
+        const std::int32_t index = polygons.data()[p * corners + k];
+        if (index < 0) throw py::value_error("polygons: negative vertex index");
+        description.push_back(index);
+      }
+      description.push_back(-1);
+    }
+    return description;
+  }
+
+  std::unique_ptr<QRVGeometry> geo_ = std::make_unique<QRVGeometry>();
+  std::mutex poolMutex_;
+  std::vector<std::unique_ptr<SearchScratch>> pool_;
+};
+
+// A Python int as a vertex index; one beyond 32 bits becomes -1, which the search refuses as
+// out of range like any other.
+std::int32_t VertexIndex(std::int64_t value) {
+  return value < std::numeric_limits<std::int32_t>::min() ||
+                 value > std::numeric_limits<std::int32_t>::max()
+             ? -1
+             : std::int32_t(value);
+}
+
+// One search into `scratch.path`; returns the status and sets `length`.
+QRVStatus Search(const QRVGeometry& geo, std::int32_t start, std::int32_t end,
+                 const std::uint8_t* flags, SearchScratch& scratch, std::int32_t& length) {
+  scratch.path.resize(std::size_t(std::max(geo.VertexCount(), 1)));
+  std::int32_t* path = scratch.path.data();
+  length = geo.VertexCount();
+  QRVStatus status = 0;
+  FindVertexPath(geo, start, end, path, length, 0, flags, status, geo.Memory(), &scratch.distances,
+                 &scratch.predecessors, &scratch.marks);
+  return status;
+}
+
+IntArray VertexPath(Mesh& mesh, std::int64_t start, std::int64_t end, py::handle blocked) {
+  const std::vector<std::uint8_t> flags = mesh.Flags(blocked);
+  std::unique_ptr<SearchScratch> scratch = mesh.AcquireScratch();
+  std::int32_t length = 0;
+  QRVStatus status;
+  {
+    GilRelease release(std::size_t(mesh.VertexCount()) >= kReleaseThreshold);
+    status = Search(mesh.Geometry(), VertexIndex(start), VertexIndex(end),
+                    flags.empty() ? nullptr : flags.data(), *scratch, length);
+  }
+  IntArray out = NewIntArray({scratch->path.data(), std::size_t(length)});
+  mesh.ReturnScratch(std::move(scratch));
+  if (status != 0) ThrowKernelError(status);
+  return out;
+}
+
+py::list VertexPaths(Mesh& mesh, py::handle pairsValue, py::handle blocked, int threads) {
+  static constexpr const char* kExpected = "a (K, 2) int32 array of (start, end) pairs";
+  const IntArray pairs = ToIntArray(pairsValue, "pairs", kExpected);
+  if (pairs.ndim() == 1 && pairs.size() == 0) return py::list();
+  RequireShape(pairs, "pairs", kExpected, {-1, 2});
+  if (threads < 0) throw py::value_error("threads: expected 0 (every core) or a positive count");
+  const std::vector<std::uint8_t> flags = mesh.Flags(blocked);
+  const std::ptrdiff_t count = pairs.shape(0);
+  const int threadCount =
+      threads > 0 ? threads : int(std::max(1u, std::thread::hardware_concurrency()));
+  std::vector<std::vector<std::int32_t>> paths(static_cast<std::size_t>(count));
+  {
+    GilRelease release(true);
+    const std::int32_t* ends = pairs.data();
+    const QRVGeometry& geo = mesh.Geometry();
+#pragma omp parallel num_threads(threadCount)
+    {
+      SearchScratch scratch;
+#pragma omp for schedule(dynamic, 1)
+      for (std::ptrdiff_t k = 0; k < count; ++k) {
+        std::int32_t length = 0;
+        if (Search(geo, ends[2 * k], ends[2 * k + 1], flags.empty() ? nullptr : flags.data(),
+                   scratch, length) == 0) {
+          paths[k].assign(scratch.path.begin(), scratch.path.begin() + length);
+        }
+      }
+    }
+  }
+  py::list out(count);
+  for (std::ptrdiff_t k = 0; k < count; ++k) out[k] = NewIntArray(paths[k]);
+  return out;
+}
+
+IntArray ChainPath(Mesh& mesh, py::handle indicesValue, py::handle blocked) {
+  static constexpr const char* kExpected = "a 1-D int32 array of vertex indices";
+  const IntArray indices = ToIntArray(indicesValue, "indices", kExpected);
+  RequireShape(indices, "indices", kExpected, {-1});
+  const std::vector<std::uint8_t> flags = mesh.Flags(blocked);
+  std::vector<std::int32_t> path;
+  {
+    GilRelease release(std::size_t(mesh.VertexCount()) >= kReleaseThreshold);
+    PathScratch scratch(mesh.Geometry().Memory());
+    scratch.ChainPath(mesh.Geometry(), {indices.data(), std::size_t(indices.size())}, 0,
+                      flags.empty() ? nullptr : flags.data(), path);
+  }
+  return NewIntArray(path);
+}
+
+py::tuple ReadMesh(const std::filesystem::path& path) {
+  xsihost::MeshData mesh;
+  std::string error;
+  bool ok;
+  {
+    GilRelease release(true);
+    ok = xsihost::LoadMeshFile(path.string(), mesh, error);
+  }
+  if (!ok) throw py::value_error(error);
+  py::array_t<double> positions({py::ssize_t(mesh.points.size()), py::ssize_t(3)});
+  double* out = positions.mutable_data();
+  for (const auto& point : mesh.points) out = std::copy(point.begin(), point.end(), out);
+  std::vector<std::int32_t> description;
+  for (const auto& polygon : mesh.polygons) {
+    description.insert(description.end(), polygon.begin(), polygon.end());
+    description.push_back(-1);
+  }
+  return py::make_tuple(positions, NewIntArray(description));
+}
+
+}  // namespace
+
+void BindMesh(py::module_& m) {
+  py::class_<Mesh>(m, "Mesh",
+                   R"(The path node's mesh (Quillix_fpom), built once and searched many times.
+
+Mesh(positions, polygons): positions (V, 3) float32; polygons a polygonal description (1-D
+int32, each polygon closed by a negative value), a (P, k) int array of k-gons, or a list of
+index lists. Built as the node builds it: invalid polygons and vertices no polygon names are
+removed (the others keep their order, renumbered), then neighbour lists and components are
+computed. A failed build raises KernelError (92 an index outside the positions, 101 a
+polygon of 255 corners, 78 nothing left to search).
+Searches only read the mesh: any number of threads may search one Mesh at once.)")
+      .def(py::init<py::handle, py::handle>(), py::arg("positions"), py::arg("polygons"))
+      .def_property_readonly("vertex_count", &Mesh::VertexCount,
+                             "Vertices after the clean-up; paths index these.")
+      .def_property_readonly("polygon_count", &Mesh::PolygonCount)
+      .def_property_readonly("component_count", &Mesh::ComponentCount)
+      .def_property_readonly("positions", &Mesh::Positions,
+                             "(vertex_count, 3) float32 positions after the clean-up (a copy).")
+      .def("neighbours", &Mesh::Neighbours, py::arg("v"),
+           "int32 array of the vertices sharing an edge with v, ascending.")
+      .def("components", &Mesh::Components,
+           "(vertex_count,) int32 island number per vertex, numbered in order of lowest vertex.")
+      .def("__repr__", [](const Mesh& mesh) {
+        return "<quillix.Mesh " + std::to_string(mesh.VertexCount()) + " vertices, " +
+               std::to_string(mesh.PolygonCount()) + " polygons>";
+      });
+
+  m.def("vertex_path", &VertexPath, py::arg("mesh"), py::arg("start"), py::arg("end"),
+        py::arg("blocked") = py::none(),
+        R"(Shortest chain of neighbouring vertices from start to end (FindVertexPath).
+
+blocked: None or a (vertex_count,) bool mask of vertices the path may not use.
+Returns an int32 array, start first and end last. Raises KernelError on failure: status 6
+start or end out of range, 27 no path (different islands, blocked), -2 start equal to end.)");
+  m.def("vertex_paths", &VertexPaths, py::arg("mesh"), py::arg("pairs"),
+        py::arg("blocked") = py::none(), py::arg("threads") = 0,
+        R"(vertex_path for every row of a (K, 2) int array of (start, end) pairs, in parallel.
+
+threads: 0 uses every core. Returns a list of K int32 arrays, empty where vertex_path would
+raise.)");
+  m.def(
+      "chain_path", &ChainPath, py::arg("mesh"), py::arg("indices"),
+      py::arg("blocked") = py::none(),
+      R"(Shortest paths indices[0] -> indices[1] -> ... joined, as Quillix_fpom gives for one element.
+
+Each joint vertex appears once. Returns an empty int32 array when fewer than two indices are
+given or any segment has no path.)");
+  m.def("read_mesh", &ReadMesh, py::arg("path"),
+        R"(Reads an OBJ, PLY or glTF mesh with the offline host's readers.
+
+Returns (positions, polygons): (V, 3) float64 positions in the file's vertex order and the
+int32 polygonal description (each polygon's indices followed by -1), ready for Mesh.
+Raises ValueError naming the file and the place of a fault.)");
+}
+
+}  // namespace quillix::python

@@ -1,0 +1,62 @@
+"""Shared fixtures: the repository's examples, the built `quillix` tool and one Host."""
+
+import json
+import pathlib
+
+import numpy as np
+import pytest
+
+import quillix
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+EXAMPLES = ROOT / "examples"
+
+
+@pytest.fixture(scope="session")
+def host():
+    with quillix.Host() as h:
+        yield h
+
+
+@pytest.fixture(scope="session")
+def tool(host):
+    """The `quillix` executable built beside the plug-in the Host loaded."""
+    return pathlib.Path(host.plugin_path).parent / "quillix"
+
+
+def load_example(relative):
+    """A shipped request document, its relative scene made absolute."""
+    path = EXAMPLES / relative
+    document = json.loads(path.read_text())
+    if "scene" in document:
+        document["scene"] = str((path.parent / document["scene"]).resolve())
+    return document
+
+
+class ElementInputs:
+    """The inputs one element of a request sees: given values, constants, or the port's
+    default (an array port's default is an array of that one value)."""
+
+    def __init__(self, host, request):
+        node = next(n for n in host.nodes()["nodes"] if n["name"] == request["node"])
+        self.ports = {p["id"]: p for p in node["inputs"]}
+        self.given = request.get("inputs", {})
+
+    def __call__(self, port, element):
+        given = self.given.get(str(port))
+        if given is None:
+            default = self.ports[port]["default"]
+            return [default] if self.ports[port]["structures"] == 2 else default
+        return given["values"][0 if given.get("constant") else element]
+
+    def is_array(self, port):
+        given = self.given.get(str(port))
+        return given is not None and given.get("structure") == "array"
+
+
+def requests_of(document, *nodes):
+    return [r for r in document["requests"] if r["node"] in nodes]
+
+
+def f32(values):
+    return np.asarray(values, dtype=np.float32)
