@@ -5,17 +5,17 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
-cmake --preset release >/dev/null
-cmake --build --preset release --target quillix Quillix _quillix
+cmake --preset demo >/dev/null
+cmake --build --preset demo --target quillix Quillix _quillix
 
 # Debian's python3 finds the package in the build tree from now on, whatever python3 comes
 # first on the PATH.
 python=/usr/bin/python3
 user_site=$("$python" -m site --user-site)
 mkdir -p "$user_site"
-echo "$PWD/build/release/python" > "$user_site/quillix-build.pth"
+echo "$PWD/build/demo/python" > "$user_site/quillix-build.pth"
 
-quillix=build/release/bin/quillix
+quillix=build/demo/bin/quillix
 echo
 echo "== quillix list: the plug-in's identity, commands and nodes"
 "$quillix" list

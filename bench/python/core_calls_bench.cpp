@@ -10,7 +10,7 @@
 
 #include "core/curve/line_resample.h"
 #include "core/curve/line_simplify.h"
-#include "core/mesh/path_node.h"
+#include "core/mesh/path_chain.h"
 #include "core/mesh/vertex_path.h"
 #include "core/spatial/box_intersect.h"
 #include "core/spatial/ellipsoid.h"

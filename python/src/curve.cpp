@@ -88,15 +88,15 @@ FloatArray SpheresAlongSpline(py::handle positionsValue, py::handle upsValue,
   params.seed = seed;
   params.cornerThreshold = cornerThreshold;
   params.maxSpheres = maxSpheres;
-  CountedArray<SphereRecord> records;
+  std::vector<SphereRecord> records;
   // The node gives an element nothing without two points, an up vector and a radius.
   if (positions.points.size() >= 2 && !ups.points.empty() && radii.size() > 0) {
     GilRelease release(positions.points.size() >= kReleaseThreshold);
     DistributeSpheresOverIntervals(positions.points, ups.points,
                                    {intervals.data(), std::size_t(intervals.size())}, closed,
-                                   params, records, nullptr);
+                                   params, records);
   }
-  const std::span<const SphereRecord> spheres = std::as_const(records).span();
+  const std::span<const SphereRecord> spheres(records);
   FloatArray out = NewMatrices(spheres.size());
   if (!spheres.empty()) std::memcpy(out.mutable_data(), spheres.data(), spheres.size_bytes());
   return out;

@@ -14,7 +14,7 @@
 #include <xsihost/scene.h>
 #include <xsihost/scene_file.h>
 
-#include "core/mesh/path_node.h"
+#include "core/mesh/path_chain.h"
 #include "core/mesh/vertex_path.h"
 #include "kernel/geometry.h"
 #include "python/src/arrays.h"
@@ -46,7 +46,12 @@ class Mesh {
   const QRVGeometry& Geometry() const { return *geo_; }
   std::int32_t VertexCount() const { return geo_->VertexCount(); }
   std::int32_t PolygonCount() const { return geo_->PolygonCount(); }
-  std::int32_t ComponentCount() const { return geo_->ComponentCount(); }
+  // Components are numbered 0, 1, ... without gaps: the count is the largest number plus one.
+  std::int32_t ComponentCount() const {
+    const std::int32_t* numbers = geo_->ComponentNumbers();
+    if (numbers == nullptr || VertexCount() == 0) return 0;
+    return *std::max_element(numbers, numbers + VertexCount()) + 1;
+  }
 
   FloatArray Positions() const {
     FloatArray out = NewPoints(std::size_t(VertexCount()));
@@ -215,7 +220,7 @@ py::list VertexPaths(Mesh& mesh, py::handle pairsValue, py::handle blocked, int 
   return out;
 }
 
-IntArray ChainPath(Mesh& mesh, py::handle indicesValue, py::handle blocked) {
+IntArray ChainPathBinding(Mesh& mesh, py::handle indicesValue, py::handle blocked) {
   static constexpr const char* kExpected = "a 1-D int32 array of vertex indices";
   const IntArray indices = ToIntArray(indicesValue, "indices", kExpected);
   RequireShape(indices, "indices", kExpected, {-1});
@@ -224,8 +229,8 @@ IntArray ChainPath(Mesh& mesh, py::handle indicesValue, py::handle blocked) {
   {
     GilRelease release(std::size_t(mesh.VertexCount()) >= kReleaseThreshold);
     PathScratch scratch(mesh.Geometry().Memory());
-    scratch.ChainPath(mesh.Geometry(), {indices.data(), std::size_t(indices.size())}, 0,
-                      flags.empty() ? nullptr : flags.data(), path);
+    ChainPath(mesh.Geometry(), {indices.data(), std::size_t(indices.size())}, 0,
+              flags.empty() ? nullptr : flags.data(), scratch, path);
   }
   return NewIntArray(path);
 }
@@ -293,7 +298,7 @@ start or end out of range, 27 no path (different islands, blocked), -2 start equ
 threads: 0 uses every core. Returns a list of K int32 arrays, empty where vertex_path would
 raise.)");
   m.def(
-      "chain_path", &ChainPath, py::arg("mesh"), py::arg("indices"),
+      "chain_path", &ChainPathBinding, py::arg("mesh"), py::arg("indices"),
       py::arg("blocked") = py::none(),
       R"(Shortest paths indices[0] -> indices[1] -> ... joined, as Quillix_fpom gives for one element.
 

@@ -54,7 +54,7 @@ struct EllipsoidGap {
     return PrepareEllipsoid(EllipsoidFromMatrix(matrix));
   }
   float Pair(const PreparedEllipsoid& a, const PreparedEllipsoid& b) const {
-    return ClosestDistance(a, b);
+    return EllipsoidDistance(a, b);
   }
 };
 
@@ -72,7 +72,7 @@ struct MovingBoxTest {
     return PrepareMovingBox(MovingBoxFromMatrix(packed), reused);
   }
   float Pair(const PreparedMovingBox& a, const PreparedMovingBox& b) const {
-    return ContactTime(a, b, mode);
+    return BoxesContactTime(a, b, mode);
   }
 };
 

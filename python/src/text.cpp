@@ -22,7 +22,7 @@ std::wstring ToText(py::handle value) {
   std::wstring out;
   if (py::isinstance<py::bool_>(value)) {
     const bool entry = value.cast<bool>();
-    appendBoolListText({&entry, 1}, out);
+    AppendBoolListText({&entry, 1}, out);
     return out;
   }
   const py::array array = py::array::ensure(value);
@@ -30,13 +30,13 @@ std::wstring ToText(py::handle value) {
   const char kind = array.dtype().kind();
   if (kind == 'b') {
     const BoolArray entries = ToBoolArray(array, "value", kExpected);
-    appendBoolListText({entries.data(), std::size_t(entries.size())}, out);
+    AppendBoolListText({entries.data(), std::size_t(entries.size())}, out);
   } else if (kind == 'i' || kind == 'u') {
     const IntArray entries = ToIntArray(array, "value", kExpected);
-    appendIntListText({entries.data(), std::size_t(entries.size())}, out);
+    AppendIntListText({entries.data(), std::size_t(entries.size())}, out);
   } else {
     const FloatArray entries = ToFloatArray(array, "value", kExpected);
-    appendFloatListText({entries.data(), std::size_t(entries.size())}, out);
+    AppendFloatListText({entries.data(), std::size_t(entries.size())}, out);
   }
   return out;
 }
@@ -48,20 +48,21 @@ std::wstring NumberText(py::handle value, std::int32_t precision, bool treatAsIn
   const NumberTextOptions options{precision, treatAsInteger, leadingZeros};
   std::wstring out;
   if (entries.ndim() == 0) {
-    appendNumberText(entries.data()[0], options, out);
+    AppendNumberText(entries.data()[0], options, out);
   } else {
     RequireShape(entries, "value", "a float or a 1-D array of float32 values", {-1});
-    appendNumberArrayText({entries.data(), std::size_t(entries.size())}, options, out);
+    AppendNumberArrayText({entries.data(), std::size_t(entries.size())}, options, out);
   }
   return out;
 }
 
-std::wstring JoinStrings(const std::vector<std::wstring>& entries, const std::wstring& delimiter) {
+std::wstring JoinStringsBinding(const std::vector<std::wstring>& entries,
+                                const std::wstring& delimiter) {
   const std::vector<std::wstring_view> views(entries.begin(), entries.end());
-  return joinStrings(views, delimiter);
+  return JoinStrings(views, delimiter);
 }
 
-IntArray PackString(const std::wstring& text, bool active) {
+IntArray PackStringBinding(const std::wstring& text, bool active) {
   const std::size_t length = active ? text.size() : 0;
   // The offline host's narrow conversion: characters beyond 8 bits become '?'.
   std::string narrow;
@@ -69,8 +70,8 @@ IntArray PackString(const std::wstring& text, bool active) {
   for (std::size_t i = 0; i < length; ++i) {
     narrow.push_back(text[i] < 256 ? static_cast<char>(text[i]) : '?');
   }
-  IntArray out(py::ssize_t(packedStringLength(active, length)));
-  packString(active, length, narrow, {out.mutable_data(), std::size_t(out.size())});
+  IntArray out(py::ssize_t(PackedStringLength(active, length)));
+  PackString(active, length, narrow, {out.mutable_data(), std::size_t(out.size())});
   return out;
 }
 
@@ -89,12 +90,13 @@ array prints "0" when empty, its one entry bare, else "<e0,e1,...>".)");
 precision > 0: "%.*g" with that many significant digits (at most 24); treat_as_integer rounds
 half away from zero and pads with zeros to leading_zeros characters (0..16). An array is
 always bracketed ("<e0>"), "0" when empty.)");
-  m.def("join_strings", &JoinStrings, py::arg("entries"), py::arg("delimiter") = std::wstring(),
+  m.def("join_strings", &JoinStringsBinding, py::arg("entries"),
+        py::arg("delimiter") = std::wstring(),
         R"(Joins the non-empty entries with the delimiter, as Quillix_jstr does.
 
 An empty entry is skipped with the delimiter after it, but the last index never gets one:
 ["a", "b", ""] with "-" gives "a-b-".)");
-  m.def("pack_string", &PackString, py::arg("text"), py::arg("active") = true,
+  m.def("pack_string", &PackStringBinding, py::arg("text"), py::arg("active") = true,
         R"(Packs text into int32 words, as Quillix_stoi does.
 
 Returns the signature (4 words), the data word count W, W words of 8-bit characters (four per
