@@ -22,19 +22,16 @@ constexpr ULONG kArrayPort = 1010;
 constexpr ULONG kShiftPort = 1020;
 constexpr ULONG kResultPort = 2010;
 
+// clang-format off
 constexpr PortDef kPorts[] = {
     ReorderedArrayPort(kArrayPort),
-    {.id = kShiftPort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataLong,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextAny,
-     .scriptName = L"Shift",
-     .displayName = L"Shift",
-     .defaultValue = DefaultInt(0),
-     .contextLink = kLinkContext},
+    {.id = kShiftPort, .direction = kIn, .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextAny,
+     .scriptName = L"Shift", .displayName = L"Shift",
+     .defaultValue = DefaultInt(0), .contextLink = kLinkContext},
     ReorderedResultPort(kResultPort),
 };
+// clang-format on
 
 }  // namespace
 

@@ -22,25 +22,17 @@ namespace {
 constexpr ULONG kArraySizePort = 1010;
 constexpr ULONG kIdsPort = 2010;
 
+// clang-format off
 constexpr PortDef kPorts[] = {
-    {.id = kArraySizePort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataLong,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextComponent0D,
-     .scriptName = L"ArraySizePerPoint",
-     .displayName = L"Array Size per Point",
-     .defaultValue = NoDefault(),
-     .contextLink = kLinkContext},
-    {.id = kIdsPort,
-     .direction = kOut,
-     .dataTypes = siICENodeDataLong,
-     .structures = siICENodeStructureArray,
-     .contexts = siICENodeContextComponent0D,
-     .scriptName = L"UIDs",
-     .displayName = L"UIDs",
-     .contextLink = kLinkContext},
+    {.id = kArraySizePort, .direction = kIn, .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextComponent0D,
+     .scriptName = L"ArraySizePerPoint", .displayName = L"Array Size per Point",
+     .defaultValue = NoDefault(), .contextLink = kLinkContext},
+    {.id = kIdsPort, .direction = kOut, .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureArray, .contexts = siICENodeContextComponent0D,
+     .scriptName = L"UIDs", .displayName = L"UIDs", .contextLink = kLinkContext},
 };
+// clang-format on
 
 }  // namespace
 

@@ -17,23 +17,16 @@ namespace {
 constexpr ULONG kFilepathPort = 1010;
 constexpr ULONG kFileExistsPort = 2010;
 
+// clang-format off
 constexpr PortDef kPorts[] = {
-    {.id = kFilepathPort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataString,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextSingleton,
-     .scriptName = L"Filepath",
-     .displayName = L"Filepath",
-     .defaultValue = DefaultString(L"")},
-    {.id = kFileExistsPort,
-     .direction = kOut,
-     .dataTypes = siICENodeDataBool,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextSingleton,
-     .scriptName = L"FileExists",
-     .displayName = L"File exists"},
+    {.id = kFilepathPort, .direction = kIn, .dataTypes = siICENodeDataString,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextSingleton,
+     .scriptName = L"Filepath", .displayName = L"Filepath", .defaultValue = DefaultString(L"")},
+    {.id = kFileExistsPort, .direction = kOut, .dataTypes = siICENodeDataBool,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextSingleton,
+     .scriptName = L"FileExists", .displayName = L"File exists"},
 };
+// clang-format on
 
 }  // namespace
 

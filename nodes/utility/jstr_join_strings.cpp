@@ -27,32 +27,20 @@ constexpr ULONG kInputPort = 1010;
 constexpr ULONG kDelimiterPort = 1020;
 constexpr ULONG kResultPort = 2010;
 
+// clang-format off
 constexpr PortDef kPorts[] = {
-    {.id = kInputPort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataString,
-     .structures = siICENodeStructureAny,
-     .contexts = siICENodeContextSingleton,
-     .scriptName = L"input",
-     .displayName = L"Input",
-     .defaultValue = DefaultString(L"")},
+    {.id = kInputPort, .direction = kIn, .dataTypes = siICENodeDataString,
+     .structures = siICENodeStructureAny, .contexts = siICENodeContextSingleton,
+     .scriptName = L"input", .displayName = L"Input", .defaultValue = DefaultString(L"")},
     // Registered with the integer 0 as default, which the host shows as an empty delimiter.
-    {.id = kDelimiterPort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataString,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextSingleton,
-     .scriptName = L"delimiter",
-     .displayName = L"Delimiter",
-     .defaultValue = DefaultInt(0)},
-    {.id = kResultPort,
-     .direction = kOut,
-     .dataTypes = siICENodeDataString,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextSingleton,
-     .scriptName = L"string",
-     .displayName = L"String"},
+    {.id = kDelimiterPort, .direction = kIn, .dataTypes = siICENodeDataString,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextSingleton,
+     .scriptName = L"delimiter", .displayName = L"Delimiter", .defaultValue = DefaultInt(0)},
+    {.id = kResultPort, .direction = kOut, .dataTypes = siICENodeDataString,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextSingleton,
+     .scriptName = L"string", .displayName = L"String"},
 };
+// clang-format on
 
 }  // namespace
 

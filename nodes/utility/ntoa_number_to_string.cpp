@@ -30,40 +30,24 @@ constexpr ULONG kTreatAsIntPort = 1030;
 constexpr ULONG kLeadingZerosPort = 1040;
 constexpr ULONG kResultPort = 2010;
 
+// clang-format off
 constexpr PortDef kPorts[] = {
     TextInputPort(kInputPort, siICENodeDataFloat, DefaultFloat(0.0f)),
-    {.id = kPrecisionPort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataLong,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextAny,
-     .scriptName = L"Precision",
-     .displayName = L"Precision",
-     .defaultValue = DefaultInt(0),
-     .structureLink = kLinkStructure,
-     .contextLink = kLinkContext},
-    {.id = kTreatAsIntPort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataBool,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextAny,
-     .scriptName = L"TreatAsInt",
-     .displayName = L"Treat as Integer",
-     .defaultValue = DefaultBool(false),
-     .structureLink = kLinkStructure,
-     .contextLink = kLinkContext},
-    {.id = kLeadingZerosPort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataLong,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextAny,
-     .scriptName = L"IntLead0",
-     .displayName = L"Leading Zeros (Integer)",
-     .defaultValue = DefaultInt(0),
-     .structureLink = kLinkStructure,
-     .contextLink = kLinkContext},
+    {.id = kPrecisionPort, .direction = kIn, .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextAny,
+     .scriptName = L"Precision", .displayName = L"Precision",
+     .defaultValue = DefaultInt(0), .structureLink = kLinkStructure, .contextLink = kLinkContext},
+    {.id = kTreatAsIntPort, .direction = kIn, .dataTypes = siICENodeDataBool,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextAny,
+     .scriptName = L"TreatAsInt", .displayName = L"Treat as Integer",
+     .defaultValue = DefaultBool(false), .structureLink = kLinkStructure, .contextLink = kLinkContext},
+    {.id = kLeadingZerosPort, .direction = kIn, .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextAny,
+     .scriptName = L"IntLead0", .displayName = L"Leading Zeros (Integer)",
+     .defaultValue = DefaultInt(0), .structureLink = kLinkStructure, .contextLink = kLinkContext},
     TextResultPort(kResultPort),
 };
+// clang-format on
 
 // Reads a single-valued input at `element`; an input the host did not supply reads as zero.
 template <class T>

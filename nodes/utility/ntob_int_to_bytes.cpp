@@ -33,22 +33,18 @@ constexpr PortDef ByteOutputPort(ULONG id, const wchar_t* scriptName, const wcha
           .contextLink = kLinkContext};
 }
 
+// clang-format off
 constexpr PortDef kPorts[] = {
-    {.id = kInputPort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataLong,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextAny,
-     .scriptName = L"Input",
-     .displayName = L"Input",
-     .defaultValue = DefaultInt(0),
-     .structureLink = kLinkStructure,
-     .contextLink = kLinkContext},
+    {.id = kInputPort, .direction = kIn, .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextAny,
+     .scriptName = L"Input", .displayName = L"Input",
+     .defaultValue = DefaultInt(0), .structureLink = kLinkStructure, .contextLink = kLinkContext},
     ByteOutputPort(kByte0Port, L"Byte0", L"Byte 0"),
     ByteOutputPort(kByte1Port, L"Byte1", L"Byte 1"),
     ByteOutputPort(kByte2Port, L"Byte2", L"Byte 2"),
     ByteOutputPort(kByte3Port, L"Byte3", L"Byte 3"),
 };
+// clang-format on
 
 }  // namespace
 

@@ -22,31 +22,19 @@ constexpr ULONG kActivePort = 1010;
 constexpr ULONG kStringPort = 1620;
 constexpr ULONG kArrayPort = 2010;
 
+// clang-format off
 constexpr PortDef kPorts[] = {
-    {.id = kActivePort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataBool,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextSingleton,
-     .scriptName = L"Active",
-     .displayName = L"Active",
-     .defaultValue = DefaultBool(true)},
-    {.id = kStringPort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataString,
-     .structures = siICENodeStructureSingle,
-     .contexts = siICENodeContextSingleton,
-     .scriptName = L"String",
-     .displayName = L"String",
-     .defaultValue = DefaultString(L"")},
-    {.id = kArrayPort,
-     .direction = kOut,
-     .dataTypes = siICENodeDataLong,
-     .structures = siICENodeStructureArray,
-     .contexts = siICENodeContextSingleton,
-     .scriptName = L"Array",
-     .displayName = L"Array"},
+    {.id = kActivePort, .direction = kIn, .dataTypes = siICENodeDataBool,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextSingleton,
+     .scriptName = L"Active", .displayName = L"Active", .defaultValue = DefaultBool(true)},
+    {.id = kStringPort, .direction = kIn, .dataTypes = siICENodeDataString,
+     .structures = siICENodeStructureSingle, .contexts = siICENodeContextSingleton,
+     .scriptName = L"String", .displayName = L"String", .defaultValue = DefaultString(L"")},
+    {.id = kArrayPort, .direction = kOut, .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureArray, .contexts = siICENodeContextSingleton,
+     .scriptName = L"Array", .displayName = L"Array"},
 };
+// clang-format on
 
 }  // namespace
 

@@ -18,37 +18,22 @@ constexpr ULONG kValuePort = 1010;
 constexpr ULONG kBitPort = 1020;
 constexpr ULONG kResultPort = 2010;
 
+// clang-format off
 constexpr PortDef kPorts[] = {
-    {.id = kValuePort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataLong,
-     .structures = siICENodeStructureAny,
-     .contexts = siICENodeContextAny,
-     .scriptName = L"Value",
-     .displayName = L"Value",
-     .defaultValue = DefaultInt(0),
-     .structureLink = kLinkStructure,
-     .contextLink = kLinkContext},
-    {.id = kBitPort,
-     .direction = kIn,
-     .dataTypes = siICENodeDataLong,
-     .structures = siICENodeStructureAny,
-     .contexts = siICENodeContextAny,
-     .scriptName = L"Bit",
-     .displayName = L"Bit",
-     .defaultValue = DefaultInt(0),
-     .structureLink = kLinkStructure,
-     .contextLink = kLinkContext},
-    {.id = kResultPort,
-     .direction = kOut,
-     .dataTypes = siICENodeDataLong,
-     .structures = siICENodeStructureAny,
-     .contexts = siICENodeContextAny,
-     .scriptName = L"Result",
-     .displayName = L"Result",
-     .structureLink = kLinkStructure,
-     .contextLink = kLinkContext},
+    {.id = kValuePort, .direction = kIn, .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureAny, .contexts = siICENodeContextAny,
+     .scriptName = L"Value", .displayName = L"Value",
+     .defaultValue = DefaultInt(0), .structureLink = kLinkStructure, .contextLink = kLinkContext},
+    {.id = kBitPort, .direction = kIn, .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureAny, .contexts = siICENodeContextAny,
+     .scriptName = L"Bit", .displayName = L"Bit",
+     .defaultValue = DefaultInt(0), .structureLink = kLinkStructure, .contextLink = kLinkContext},
+    {.id = kResultPort, .direction = kOut, .dataTypes = siICENodeDataLong,
+     .structures = siICENodeStructureAny, .contexts = siICENodeContextAny,
+     .scriptName = L"Result", .displayName = L"Result",
+     .structureLink = kLinkStructure, .contextLink = kLinkContext},
 };
+// clang-format on
 
 }  // namespace
 
