@@ -21,13 +21,13 @@ ArgumentArray Command::GetArguments() const {
 
 CString Command::GetDescription() const {
   const auto c = as<CommandObject>(ref_);
-  return c ? CString(c->description_.c_str()) : CString();
+  return c ? CString(c->m_description.c_str()) : CString();
 }
 
 CStatus Command::PutDescription(const CString& description) {
   const auto c = as<CommandObject>(ref_);
   if (!c) return CStatus::Fail;
-  c->description_ = description.Wide();
+  c->m_description = description.Wide();
   return CStatus::OK;
 }
 

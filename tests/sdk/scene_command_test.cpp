@@ -81,7 +81,7 @@ xsihost::LoadedPlugin* Commands::s_plugin = nullptr;
 TEST_F(Commands, InitDefinesDescriptionFlagsAndArgumentsWithDefaults) {
   const auto sum = xsihost::FindCommand(L"SceneTest__Sum");
   ASSERT_NE(sum, nullptr);
-  EXPECT_EQ(sum->description_, L"Adds two numbers");
+  EXPECT_EQ(sum->m_description, L"Adds two numbers");
   EXPECT_EQ(sum->m_flags & xsihost::kCommandNoLoggingFlag, 0);
   ASSERT_EQ(sum->m_arguments.size(), 3u);
   EXPECT_EQ(sum->m_arguments[1].name, L"b");

@@ -43,7 +43,7 @@ struct Registry {
   Registry() {
     auto open = std::make_shared<CommandObject>();
     open->name_ = L"OpenScene";
-    open->description_ = L"Opens a scene file";
+    open->m_description = L"Opens a scene file";
     open->m_arguments = {{L"PathName", CValue(L"")}, {L"Confirm", CValue(true)}};
     open->native_ = openScene;
     commands[open->name_] = open;

@@ -122,6 +122,7 @@ struct PortValues {
     return Strings2D(values);
   }
   PortValues& asConstant() { return AsConstant(); }
+  void resize(ULONG items) { Resize(items); }
   template <class T>
   T single(ULONG i) const {
     return Single<T>(i);

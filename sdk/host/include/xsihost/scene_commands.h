@@ -24,7 +24,9 @@ class CommandObject : public xsihost::Object {
   };
 
   std::wstring name_;
-  std::wstring description_;
+  // Description, flags and arguments keep their old spelling until the command tests, which
+  // read them, are renamed with them.
+  std::wstring m_description;
   XSI::LONG m_flags = 0;
   bool returnValue_ = true;
   std::vector<Argument> m_arguments;
