@@ -10,9 +10,8 @@
 #include <sstream>
 #include <string>
 
+#include <xsihost/host.h>
 #include <nlohmann/json.hpp>
-#include <xsihost/plugin_host.h>
-#include <xsihost/session.h>
 
 #include "fuzz/fuzz_common.h"
 #include "tools/quillix/commands.h"
@@ -23,7 +22,7 @@ namespace {
 
 // Loaded once and never unloaded: the SDK's own statics may be gone by the time a global
 // destructor would run at exit, and the real host unloads before it shuts down anyway.
-xsihost::LoadedPlugin* gPlugin = nullptr;
+xsihost::Host* gHost = nullptr;
 std::string gRequestPath;
 
 // Requests over many elements are valid but only cost time here: their reading is the same
@@ -47,8 +46,8 @@ bool Oversized(const nlohmann::json& j) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   std::string error;
-  gPlugin = xsihost::LoadedPlugin::load(QUILLIX_PLUGIN_PATH, error).release();
-  if (!gPlugin) {
+  gHost = xsihost::Host::Load(QUILLIX_PLUGIN_PATH, error).release();
+  if (!gHost) {
     std::fprintf(stderr, "cannot load the plug-in: %s\n", error.c_str());
     std::abort();
   }
@@ -68,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   options.requestPath = gRequestPath;
   nlohmann::json out;
   std::ostringstream err;
-  const int status = quillix::tool::runEval(*gPlugin, options, out, err);
+  const int status = quillix::tool::RunEval(*gHost, options, out, err);
   Check(status == 0 || status == 2, "exit status other than 0 or 2");
   if (status == 2) {
     const std::string message = err.str();
@@ -78,6 +77,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     Check(err.str().empty(), "a successful run printed an error");
     (void)out.dump();  // every written value must serialise
   }
-  xsihost::hostLog().take();
+  gHost->TakeLog();
   return 0;
 }

@@ -54,10 +54,10 @@ double ProcessCpuSeconds() {
 }
 
 xsihost::LoadedPlugin& Plugin() {
-  xsihost::hostLog();
+  xsihost::HostLog();
   static std::unique_ptr<xsihost::LoadedPlugin> plugin = [] {
     std::string error;
-    auto p = xsihost::LoadedPlugin::load(QUILLIX_PLUGIN_PATH, error);
+    auto p = xsihost::LoadedPlugin::Load(QUILLIX_PLUGIN_PATH, error);
     if (!p) std::abort();
     return p;
   }();
@@ -66,26 +66,26 @@ xsihost::LoadedPlugin& Plugin() {
 
 void BM_Fpom10kPaths_OfflineHost(benchmark::State& state) {
   const Workload& work = Work();
-  xsihost::NodeInstance instance(Plugin(), *Plugin().findNode(L"Quillix_fpom"));
+  xsihost::NodeInstance instance(Plugin(), *Plugin().FindNode(L"Quillix_fpom"));
   xsihost::EvaluationRequest request;
   request.elements = kElements;
   request.threads = unsigned(state.range(0));
   request.batchSize = 256;
   std::vector<XSI::MATH::CVector3f> points;
   for (const Vec3f& p : work.mesh.positions) points.emplace_back(p.x, p.y, p.z);
-  request.setInput(kPositions,
-                   xsihost::PortValues::arraysOf<XSI::MATH::CVector3f>({points}).asConstant());
-  request.setInput(kDescription,
-                   xsihost::PortValues::arraysOf<XSI::LONG>({work.description}).asConstant());
-  request.setInput(kInit, xsihost::PortValues::arraysOf<XSI::LONG>(work.init));
-  instance.evaluate(request, {});  // builds the mesh once, as the first frame would
+  request.SetInput(kPositions,
+                   xsihost::PortValues::ArraysOf<XSI::MATH::CVector3f>({points}).AsConstant());
+  request.SetInput(kDescription,
+                   xsihost::PortValues::ArraysOf<XSI::LONG>({work.description}).AsConstant());
+  request.SetInput(kInit, xsihost::PortValues::ArraysOf<XSI::LONG>(work.init));
+  instance.Evaluate(request, {});  // builds the mesh once, as the first frame would
   const double cpuBefore = ProcessCpuSeconds();
   for (auto _ : state) {
     request.time += 1.0;
-    benchmark::DoNotOptimize(instance.evaluate(request, {kPaths}));
+    benchmark::DoNotOptimize(instance.Evaluate(request, {kPaths}));
   }
   const double cpu = (ProcessCpuSeconds() - cpuBefore) / double(state.iterations());
-  xsihost::hostLog().take();
+  xsihost::HostLog().Take();
   state.counters["paths/s"] =
       benchmark::Counter(double(kElements), benchmark::Counter::kIsIterationInvariantRate);
   state.counters["process_cpu_s"] = cpu;

@@ -15,12 +15,12 @@ class CBase {
   explicit CBase(const CRef& ref) { SetObject(ref); }
   virtual ~CBase() = default;
 
-  CRef GetRef() const { return m_ref; }
-  bool IsValid() const { return m_ref.IsValid(); }
-  void SetObject(const CRef& ref) { m_ref = ref; }
+  CRef GetRef() const { return ref_; }
+  bool IsValid() const { return ref_.IsValid(); }
+  void SetObject(const CRef& ref) { ref_ = ref; }
 
  protected:
-  CRef m_ref;
+  CRef ref_;
 };
 
 class SIObject : public CBase {

@@ -17,39 +17,78 @@ namespace XSI {
 // The data type bit of each element type.
 template <class T>
 struct CDataTypeOf;
-template <> struct CDataTypeOf<bool> { static constexpr siICENodeDataType value = siICENodeDataBool; };
-template <> struct CDataTypeOf<LONG> { static constexpr siICENodeDataType value = siICENodeDataLong; };
-template <> struct CDataTypeOf<float> { static constexpr siICENodeDataType value = siICENodeDataFloat; };
-template <> struct CDataTypeOf<MATH::CVector2f> { static constexpr siICENodeDataType value = siICENodeDataVector2; };
-template <> struct CDataTypeOf<MATH::CVector3f> { static constexpr siICENodeDataType value = siICENodeDataVector3; };
-template <> struct CDataTypeOf<MATH::CVector4f> { static constexpr siICENodeDataType value = siICENodeDataVector4; };
-template <> struct CDataTypeOf<MATH::CQuaternionf> { static constexpr siICENodeDataType value = siICENodeDataQuaternion; };
-template <> struct CDataTypeOf<MATH::CMatrix3f> { static constexpr siICENodeDataType value = siICENodeDataMatrix33; };
-template <> struct CDataTypeOf<MATH::CMatrix4f> { static constexpr siICENodeDataType value = siICENodeDataMatrix44; };
-template <> struct CDataTypeOf<MATH::CColor4f> { static constexpr siICENodeDataType value = siICENodeDataColor4; };
-template <> struct CDataTypeOf<MATH::CRotationf> { static constexpr siICENodeDataType value = siICENodeDataRotation; };
-template <> struct CDataTypeOf<CShape> { static constexpr siICENodeDataType value = siICENodeDataShape; };
-template <> struct CDataTypeOf<CString> { static constexpr siICENodeDataType value = siICENodeDataString; };
+template <>
+struct CDataTypeOf<bool> {
+  static constexpr siICENodeDataType value = siICENodeDataBool;
+};
+template <>
+struct CDataTypeOf<LONG> {
+  static constexpr siICENodeDataType value = siICENodeDataLong;
+};
+template <>
+struct CDataTypeOf<float> {
+  static constexpr siICENodeDataType value = siICENodeDataFloat;
+};
+template <>
+struct CDataTypeOf<MATH::CVector2f> {
+  static constexpr siICENodeDataType value = siICENodeDataVector2;
+};
+template <>
+struct CDataTypeOf<MATH::CVector3f> {
+  static constexpr siICENodeDataType value = siICENodeDataVector3;
+};
+template <>
+struct CDataTypeOf<MATH::CVector4f> {
+  static constexpr siICENodeDataType value = siICENodeDataVector4;
+};
+template <>
+struct CDataTypeOf<MATH::CQuaternionf> {
+  static constexpr siICENodeDataType value = siICENodeDataQuaternion;
+};
+template <>
+struct CDataTypeOf<MATH::CMatrix3f> {
+  static constexpr siICENodeDataType value = siICENodeDataMatrix33;
+};
+template <>
+struct CDataTypeOf<MATH::CMatrix4f> {
+  static constexpr siICENodeDataType value = siICENodeDataMatrix44;
+};
+template <>
+struct CDataTypeOf<MATH::CColor4f> {
+  static constexpr siICENodeDataType value = siICENodeDataColor4;
+};
+template <>
+struct CDataTypeOf<MATH::CRotationf> {
+  static constexpr siICENodeDataType value = siICENodeDataRotation;
+};
+template <>
+struct CDataTypeOf<CShape> {
+  static constexpr siICENodeDataType value = siICENodeDataShape;
+};
+template <>
+struct CDataTypeOf<CString> {
+  static constexpr siICENodeDataType value = siICENodeDataString;
+};
 
 class CBaseDataArray {
  public:
-  explicit CBaseDataArray(siICENodeDataType type) : m_type(type) {}
+  explicit CBaseDataArray(siICENodeDataType type) : type_(type) {}
   CBaseDataArray(const CBaseDataArray&) = delete;
   CBaseDataArray& operator=(const CBaseDataArray&) = delete;
 
-  ULONG GetCount() const { return m_count; }
-  bool IsConstant() const { return m_constant; }
-  siICENodeDataType GetDataType() const { return m_type; }
+  ULONG GetCount() const { return count_; }
+  bool IsConstant() const { return constant_; }
+  siICENodeDataType GetDataType() const { return type_; }
 
  protected:
   friend class ICENodeContext;
-  ICENodeContext* m_context = nullptr;
-  siICENodeDataType m_type;
-  void* m_data = nullptr;   // contiguous values (unused for strings)
-  void* m_buffer = nullptr; // host storage behind the array
-  ULONG m_count = 0;
-  bool m_constant = false;
-  bool m_output = false;
+  ICENodeContext* context_ = nullptr;
+  siICENodeDataType type_;
+  void* data_ = nullptr;    // contiguous values (unused for strings)
+  void* buffer_ = nullptr;  // host storage behind the array
+  ULONG count_ = 0;
+  bool constant_ = false;
+  bool output_ = false;
 };
 
 template <class T>
@@ -66,23 +105,23 @@ class CDataArray : public CBaseDataArray {
     context.AcquireOutputDataArray(*this);
   }
   ~CDataArray() {
-    if (m_context != nullptr) m_context->ReleaseDataArray(*this);
+    if (context_ != nullptr) context_->ReleaseDataArray(*this);
   }
   // A private, writable copy of an input.
   CStatus CopyFrom(ICENodeContext& context, ULONG portID, ULONG instance = 0) {
-    if (m_context != nullptr) m_context->ReleaseDataArray(*this);
+    if (context_ != nullptr) context_->ReleaseDataArray(*this);
     return context.CopyFromInputDataArray(*this, portID, instance);
   }
 
   const T& operator[](ULONG index) const {
-    assert(m_count > 0);
-    return static_cast<const T*>(m_data)[m_constant ? 0 : index];
+    assert(count_ > 0);
+    return static_cast<const T*>(data_)[constant_ ? 0 : index];
   }
   T& operator[](ULONG index) {
-    assert(m_count > 0);
-    return static_cast<T*>(m_data)[m_constant ? 0 : index];
+    assert(count_ > 0);
+    return static_cast<T*>(data_)[constant_ ? 0 : index];
   }
-  const T* GetData() const { return static_cast<const T*>(m_data); }
+  const T* GetData() const { return static_cast<const T*>(data_); }
 };
 
 // Strings are held by the host and read or written whole, per element.
@@ -98,7 +137,7 @@ class CDataArray<CString> : public CBaseDataArray {
     context.AcquireOutputDataArray(*this);
   }
   ~CDataArray() {
-    if (m_context != nullptr) m_context->ReleaseDataArray(*this);
+    if (context_ != nullptr) context_->ReleaseDataArray(*this);
   }
 
   CString operator[](ULONG index) const {
@@ -110,12 +149,14 @@ class CDataArray<CString> : public CBaseDataArray {
   void GetData(ULONG index, const wchar_t** text, ULONG& length) const {
     *text = nullptr;
     length = 0;
-    if (m_context != nullptr) m_context->GetStringData(*this, index, *text, length);
+    if (context_ != nullptr) context_->GetStringData(*this, index, *text, length);
   }
   void SetData(ULONG index, const wchar_t* text, ULONG length) {
-    if (m_context != nullptr) m_context->SetStringData(*this, index, text, length);
+    if (context_ != nullptr) context_->SetStringData(*this, index, text, length);
   }
-  void SetData(ULONG index, const CString& text) { SetData(index, text.GetWideString(), text.Length()); }
+  void SetData(ULONG index, const CString& text) {
+    SetData(index, text.GetWideString(), text.Length());
+  }
 };
 
 typedef CDataArray<bool> CDataArrayBool;

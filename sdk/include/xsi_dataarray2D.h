@@ -18,22 +18,22 @@ namespace XSI {
 
 class CBaseDataArray2D {
  public:
-  explicit CBaseDataArray2D(siICENodeDataType type) : m_type(type) {}
+  explicit CBaseDataArray2D(siICENodeDataType type) : type_(type) {}
   CBaseDataArray2D(const CBaseDataArray2D&) = delete;
   CBaseDataArray2D& operator=(const CBaseDataArray2D&) = delete;
 
-  ULONG GetCount() const { return m_count; }
-  bool IsConstant() const { return m_constant; }
-  siICENodeDataType GetDataType() const { return m_type; }
+  ULONG GetCount() const { return count_; }
+  bool IsConstant() const { return constant_; }
+  siICENodeDataType GetDataType() const { return type_; }
 
  protected:
   friend class ICENodeContext;
-  ICENodeContext* m_context = nullptr;
-  siICENodeDataType m_type;
-  void* m_buffer = nullptr;
-  ULONG m_count = 0;
-  bool m_constant = false;
-  bool m_output = false;
+  ICENodeContext* context_ = nullptr;
+  siICENodeDataType type_;
+  void* buffer_ = nullptr;
+  ULONG count_ = 0;
+  bool constant_ = false;
+  bool output_ = false;
 };
 
 template <class T>
@@ -42,22 +42,22 @@ class CDataArray2D : public CBaseDataArray2D {
   class Accessor {
    public:
     Accessor() = default;
-    Accessor(T* data, ULONG count) : m_data(data), m_count(count) {}
-    ULONG GetCount() const { return m_count; }
+    Accessor(T* data, ULONG count) : data_(data), count_(count) {}
+    ULONG GetCount() const { return count_; }
     const T& operator[](ULONG index) const {
-      assert(index < m_count);
-      return m_data[index];
+      assert(index < count_);
+      return data_[index];
     }
     T& operator[](ULONG index) {
-      assert(index < m_count);
-      return m_data[index];
+      assert(index < count_);
+      return data_[index];
     }
-    const T* GetData() const { return m_data; }
-    T* GetData() { return m_data; }
+    const T* GetData() const { return data_; }
+    T* GetData() { return data_; }
 
    private:
-    T* m_data = nullptr;
-    ULONG m_count = 0;
+    T* data_ = nullptr;
+    ULONG count_ = 0;
   };
 
   CDataArray2D() : CBaseDataArray2D(CDataTypeOf<T>::value) {}
@@ -69,10 +69,10 @@ class CDataArray2D : public CBaseDataArray2D {
     context.AcquireOutputDataArray2D(*this);
   }
   ~CDataArray2D() {
-    if (m_context != nullptr) m_context->ReleaseDataArray(*this);
+    if (context_ != nullptr) context_->ReleaseDataArray(*this);
   }
   CStatus CopyFrom(ICENodeContext& context, ULONG portID, ULONG instance = 0) {
-    if (m_context != nullptr) m_context->ReleaseDataArray(*this);
+    if (context_ != nullptr) context_->ReleaseDataArray(*this);
     return context.CopyFromInputDataArray2D(*this, portID, instance);
   }
 
@@ -80,14 +80,14 @@ class CDataArray2D : public CBaseDataArray2D {
   Accessor operator[](ULONG index) const {
     const void* data = nullptr;
     ULONG count = 0;
-    if (m_context != nullptr) m_context->GetSubArray(*this, index, data, count);
+    if (context_ != nullptr) context_->GetSubArray(*this, index, data, count);
     return Accessor(static_cast<T*>(const_cast<void*>(data)), count);
   }
   // Sizes element `index`'s output array to `count` entries and gives access to them.
   Accessor Resize(ULONG index, ULONG count) {
     void* data = nullptr;
     ULONG size = 0;
-    if (m_context != nullptr) m_context->ResizeSubArray(*this, index, count, data, size);
+    if (context_ != nullptr) context_->ResizeSubArray(*this, index, count, data, size);
     return Accessor(static_cast<T*>(data), size);
   }
 };
@@ -99,8 +99,8 @@ class CDataArray2D<CString> : public CBaseDataArray2D {
    public:
     Accessor() = default;
     Accessor(const CDataArray2D* owner, ULONG index, ULONG count)
-        : m_owner(owner), m_index(index), m_count(count) {}
-    ULONG GetCount() const { return m_count; }
+        : owner_(owner), index_(index), count_(count) {}
+    ULONG GetCount() const { return count_; }
     CString operator[](ULONG subIndex) const {
       const wchar_t* text = nullptr;
       ULONG length = 0;
@@ -110,22 +110,22 @@ class CDataArray2D<CString> : public CBaseDataArray2D {
     void GetData(ULONG subIndex, const wchar_t** text, ULONG& length) const {
       *text = nullptr;
       length = 0;
-      if (m_owner && m_owner->m_context && subIndex < m_count)
-        m_owner->m_context->GetStringData2D(*m_owner, m_index, subIndex, *text, length);
+      if (owner_ && owner_->context_ && subIndex < count_)
+        owner_->context_->GetStringData2D(*owner_, index_, subIndex, *text, length);
     }
     void SetData(ULONG subIndex, const wchar_t* text, ULONG length) {
-      if (m_owner && m_owner->m_context && subIndex < m_count)
-        m_owner->m_context->SetStringData2D(const_cast<CDataArray2D&>(*m_owner), m_index,
-                                            subIndex, text, length);
+      if (owner_ && owner_->context_ && subIndex < count_)
+        owner_->context_->SetStringData2D(const_cast<CDataArray2D&>(*owner_), index_, subIndex,
+                                          text, length);
     }
     void SetData(ULONG subIndex, const CString& text) {
       SetData(subIndex, text.GetWideString(), text.Length());
     }
 
    private:
-    const CDataArray2D* m_owner = nullptr;
-    ULONG m_index = 0;
-    ULONG m_count = 0;
+    const CDataArray2D* owner_ = nullptr;
+    ULONG index_ = 0;
+    ULONG count_ = 0;
   };
 
   CDataArray2D() : CBaseDataArray2D(siICENodeDataString) {}
@@ -137,19 +137,19 @@ class CDataArray2D<CString> : public CBaseDataArray2D {
     context.AcquireOutputDataArray2D(*this);
   }
   ~CDataArray2D() {
-    if (m_context != nullptr) m_context->ReleaseDataArray(*this);
+    if (context_ != nullptr) context_->ReleaseDataArray(*this);
   }
 
   Accessor operator[](ULONG index) const {
     const void* data = nullptr;
     ULONG count = 0;
-    if (m_context != nullptr) m_context->GetSubArray(*this, index, data, count);
+    if (context_ != nullptr) context_->GetSubArray(*this, index, data, count);
     return Accessor(this, index, count);
   }
   Accessor Resize(ULONG index, ULONG count) {
     void* data = nullptr;
     ULONG size = 0;
-    if (m_context != nullptr) m_context->ResizeSubArray(*this, index, count, data, size);
+    if (context_ != nullptr) context_->ResizeSubArray(*this, index, count, data, size);
     return Accessor(this, index, size);
   }
 };

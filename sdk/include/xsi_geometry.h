@@ -32,11 +32,11 @@ enum siLineIntersectionType {
 class CPointRefArray : public CRefArray {
  public:
   CPointRefArray() = default;
-  LONG GetCount() const { return m_positions.GetCount(); }
-  MATH::CVector3Array GetPositionArray() const { return m_positions; }
+  LONG GetCount() const { return positions_.GetCount(); }
+  MATH::CVector3Array GetPositionArray() const { return positions_; }
 
  private:
-  MATH::CVector3Array m_positions;
+  MATH::CVector3Array positions_;
   friend class Geometry;
 };
 
@@ -44,15 +44,15 @@ class CPointRefArray : public CRefArray {
 class CTriangleRefArray : public CRefArray {
  public:
   CTriangleRefArray() = default;
-  LONG GetCount() const { return m_positions.GetCount() / 3; }
+  LONG GetCount() const { return positions_.GetCount() / 3; }
   /// Three corner positions per triangle.
-  MATH::CVector3Array GetPositionArray() const { return m_positions; }
+  MATH::CVector3Array GetPositionArray() const { return positions_; }
   /// The polygon-node normal at each corner, three per triangle.
-  MATH::CVector3Array GetPolygonNodeNormalArray() const { return m_normals; }
+  MATH::CVector3Array GetPolygonNodeNormalArray() const { return normals_; }
 
  private:
-  MATH::CVector3Array m_positions;
-  MATH::CVector3Array m_normals;
+  MATH::CVector3Array positions_;
+  MATH::CVector3Array normals_;
   friend class Geometry;
 };
 
@@ -61,17 +61,17 @@ class CTriangleRefArray : public CRefArray {
 class PointLocatorData {
  public:
   PointLocatorData() = default;
-  LONG GetCount() const { return static_cast<LONG>(m_triangles.size()); }
+  LONG GetCount() const { return static_cast<LONG>(triangles_.size()); }
   /// True when query `index` found a location.
   bool IsPtLocatorValid(LONG index) const {
-    return index >= 0 && index < GetCount() && m_triangles[static_cast<size_t>(index)] >= 0;
+    return index >= 0 && index < GetCount() && triangles_[static_cast<size_t>(index)] >= 0;
   }
-  bool IsValid() const { return m_valid; }
+  bool IsValid() const { return valid_; }
 
  private:
-  std::vector<LONG> m_triangles;
-  std::vector<double> m_weights;  // three per query
-  bool m_valid = false;
+  std::vector<LONG> triangles_;
+  std::vector<double> weights_;  // three per query
+  bool valid_ = false;
   friend class Geometry;
 };
 
@@ -112,8 +112,8 @@ class Geometry : public SIObject {
                             double* positions) const;
 
  private:
-  MATH::CTransformation m_locatorTransform;
-  CLongArray m_locatorFacets;
+  MATH::CTransformation locatorTransform_;
+  CLongArray locatorFacets_;
 };
 
 }  // namespace XSI

@@ -7,16 +7,17 @@
 #include <xsi_plainarray.h>
 #include <xsi_status.h>
 
-namespace XSI {
-
-namespace host_detail {
+// Host-side object behind this class; opaque to plug-ins.
+namespace xsihost {
 class Object;
 }
+
+namespace XSI {
 
 class CGeometryAccessor {
  public:
   CGeometryAccessor() = default;
-  bool IsValid() const { return m_mesh != nullptr; }
+  bool IsValid() const { return mesh_ != nullptr; }
 
   LONG GetVertexCount() const;
   LONG GetPolygonCount() const;
@@ -34,11 +35,10 @@ class CGeometryAccessor {
   CStatus GetNodeNormals(CFloatArray& normals) const;
 
   // Host side only.
-  explicit CGeometryAccessor(std::shared_ptr<host_detail::Object> owner)
-      : m_mesh(std::move(owner)) {}
+  explicit CGeometryAccessor(std::shared_ptr<xsihost::Object> owner) : mesh_(std::move(owner)) {}
 
  private:
-  std::shared_ptr<host_detail::Object> m_mesh;
+  std::shared_ptr<xsihost::Object> mesh_;
 };
 
 }  // namespace XSI

@@ -13,16 +13,16 @@ class ICEAttribute;
 class CBaseICEAttributeDataArray {
  public:
   virtual ~CBaseICEAttributeDataArray() = default;
-  ULONG GetCount() const { return m_count; }
+  ULONG GetCount() const { return count_; }
   /// True when one value stands for every element (singleton attributes).
-  bool IsConstant() const { return m_constant; }
-  siICENodeDataType GetDataType() const { return m_type; }
+  bool IsConstant() const { return constant_; }
+  siICENodeDataType GetDataType() const { return type_; }
 
  protected:
-  explicit CBaseICEAttributeDataArray(siICENodeDataType type) : m_type(type) {}
-  siICENodeDataType m_type;
-  ULONG m_count = 0;
-  bool m_constant = false;
+  explicit CBaseICEAttributeDataArray(siICENodeDataType type) : type_(type) {}
+  siICENodeDataType type_;
+  ULONG count_ = 0;
+  bool constant_ = false;
   friend class ICEAttribute;
 };
 
@@ -50,10 +50,10 @@ class CICEAttributeDataArray : public CBaseICEAttributeDataArray {
  public:
   CICEAttributeDataArray() : CBaseICEAttributeDataArray(ICEAttributeDataType<T>::value) {}
   /// Value of element `index`; a constant array answers its one value for every index.
-  const T& operator[](ULONG index) const { return m_values[m_constant ? 0 : index]; }
+  const T& operator[](ULONG index) const { return values_[constant_ ? 0 : index]; }
 
  private:
-  std::vector<T> m_values;
+  std::vector<T> values_;
   friend class ICEAttribute;
 };
 
@@ -62,13 +62,13 @@ template <>
 class CICEAttributeDataArray<bool> : public CBaseICEAttributeDataArray {
  public:
   CICEAttributeDataArray() : CBaseICEAttributeDataArray(siICENodeDataBool) {}
-  const bool& operator[](ULONG index) const { return m_values[m_constant ? 0 : index].value; }
+  const bool& operator[](ULONG index) const { return values_[constant_ ? 0 : index].value; }
 
  private:
   struct Item {
     bool value;
   };
-  std::vector<Item> m_values;
+  std::vector<Item> values_;
   friend class ICEAttribute;
 };
 

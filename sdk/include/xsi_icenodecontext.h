@@ -59,15 +59,15 @@ class ICENodeContext : public Context {
   CStatus SetStringData(CBaseDataArray& array, ULONG index, const wchar_t* text, ULONG length);
   CStatus GetStringData2D(const CBaseDataArray2D& array, ULONG index, ULONG subIndex,
                           const wchar_t*& text, ULONG& length) const;
-  CStatus SetStringData2D(CBaseDataArray2D& array, ULONG index, ULONG subIndex,
-                          const wchar_t* text, ULONG length);
+  CStatus SetStringData2D(CBaseDataArray2D& array, ULONG index, ULONG subIndex, const wchar_t* text,
+                          ULONG length);
 
   // Host side only.
-  ICENodeContext(const CRef& ref, host_detail::EvalFrame* frame) : Context(ref), m_frame(frame) {}
-  host_detail::EvalFrame* GetFrame() const { return m_frame; }
+  ICENodeContext(const CRef& ref, host_detail::EvalFrame* frame) : Context(ref), frame_(frame) {}
+  host_detail::EvalFrame* GetFrame() const { return frame_; }
 
  private:
-  host_detail::EvalFrame* m_frame = nullptr;
+  host_detail::EvalFrame* frame_ = nullptr;
 };
 
 }  // namespace XSI

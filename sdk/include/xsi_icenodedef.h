@@ -8,19 +8,19 @@
 #include <xsi_string.h>
 #include <xsi_value.h>
 
-namespace XSI {
-
-namespace host_detail {
+// Host-side object behind this class; opaque to plug-ins.
+namespace xsihost {
 struct NodeDefinitionRecord;
 }
+
+namespace XSI {
 
 class ICENodeDef {
  public:
   ICENodeDef() = default;
 
   CStatus PutThreadingModel(siICENodeThreadingModel model);
-  CStatus AddPortGroup(ULONG groupID, ULONG minInstances, ULONG maxInstances,
-                       const CString& name);
+  CStatus AddPortGroup(ULONG groupID, ULONG minInstances, ULONG maxInstances, const CString& name);
   CStatus AddInputPort(ULONG portID, ULONG groupID, ULONG dataTypes, ULONG structures,
                        ULONG contexts, const CString& displayName, const CString& scriptName,
                        const CValue& defaultValue = CValue(), ULONG typeConstraint = 0xFFFFFFFFu,
@@ -30,15 +30,15 @@ class ICENodeDef {
                         const CString& displayName, const CString& scriptName,
                         ULONG typeConstraint = 0xFFFFFFFFu, ULONG structureConstraint = 0xFFFFFFFFu,
                         ULONG contextConstraint = 0xFFFFFFFFu);
-  bool IsValid() const { return m_record != nullptr; }
+  bool IsValid() const { return record_ != nullptr; }
 
   // Host side only.
-  explicit ICENodeDef(std::shared_ptr<host_detail::NodeDefinitionRecord> record)
-      : m_record(std::move(record)) {}
-  const std::shared_ptr<host_detail::NodeDefinitionRecord>& GetRecord() const { return m_record; }
+  explicit ICENodeDef(std::shared_ptr<xsihost::NodeDefinitionRecord> record)
+      : record_(std::move(record)) {}
+  const std::shared_ptr<xsihost::NodeDefinitionRecord>& GetRecord() const { return record_; }
 
  private:
-  std::shared_ptr<host_detail::NodeDefinitionRecord> m_record;
+  std::shared_ptr<xsihost::NodeDefinitionRecord> record_;
 };
 
 }  // namespace XSI

@@ -9,15 +9,15 @@ namespace XSI {
 class CICEPortState {
  public:
   CICEPortState(ICENodeContext& context, ULONG portID, ULONG instance = 0)
-      : m_context(&context), m_portID(portID), m_instance(instance) {}
+      : context_(&context), portID_(portID), instance_(instance) {}
 
   bool IsDirty(int stateMask = siAnyDirtyState) const;
   CStatus ClearState();
 
  private:
-  ICENodeContext* m_context;
-  ULONG m_portID;
-  ULONG m_instance;
+  ICENodeContext* context_;
+  ULONG portID_;
+  ULONG instance_;
 };
 
 }  // namespace XSI

@@ -13,42 +13,42 @@ class CIndexSet {
   class Iterator {
    public:
     Iterator() = default;
-    bool HasNext() const { return m_indices != nullptr && m_position < m_indices->size(); }
-    void Next() { ++m_position; }
-    ULONG GetAbsoluteIndex() const { return (*m_indices)[m_position]; }
+    bool HasNext() const { return indices_ != nullptr && position_ < indices_->size(); }
+    void Next() { ++position_; }
+    ULONG GetAbsoluteIndex() const { return (*indices_)[position_]; }
     // Data arrays are indexed by absolute element index, so both indices agree.
-    ULONG GetIndex() const { return (*m_indices)[m_position]; }
-    operator ULONG() const { return (*m_indices)[m_position]; }
+    ULONG GetIndex() const { return (*indices_)[position_]; }
+    operator ULONG() const { return (*indices_)[position_]; }
 
    private:
     friend class CIndexSet;
-    const std::vector<ULONG>* m_indices = nullptr;
-    std::size_t m_position = 0;
+    const std::vector<ULONG>* indices_ = nullptr;
+    std::size_t position_ = 0;
   };
 
   CIndexSet() = default;
-  explicit CIndexSet(const ICENodeContext& context) : m_context(&context) {
+  explicit CIndexSet(const ICENodeContext& context) : context_(&context) {
     context.AcquireIndexSet(*this);
   }
   ~CIndexSet() {
-    if (m_context != nullptr) m_context->ReleaseIndexSet(*this);
+    if (context_ != nullptr) context_->ReleaseIndexSet(*this);
   }
   CIndexSet(const CIndexSet&) = delete;
   CIndexSet& operator=(const CIndexSet&) = delete;
 
   Iterator Begin() const {
     Iterator it;
-    it.m_indices = m_indices;
+    it.indices_ = indices_;
     return it;
   }
-  ULONG GetCount() const { return m_indices ? static_cast<ULONG>(m_indices->size()) : 0; }
+  ULONG GetCount() const { return indices_ ? static_cast<ULONG>(indices_->size()) : 0; }
 
   // Host side only.
-  void SetIndices(const std::vector<ULONG>* indices) { m_indices = indices; }
+  void SetIndices(const std::vector<ULONG>* indices) { indices_ = indices; }
 
  private:
-  const ICENodeContext* m_context = nullptr;
-  const std::vector<ULONG>* m_indices = nullptr;
+  const ICENodeContext* context_ = nullptr;
+  const std::vector<ULONG>* indices_ = nullptr;
 };
 
 }  // namespace XSI

@@ -18,9 +18,9 @@ class CMatrix3 {
                 double m21, double m22);
   void Get(double& m00, double& m01, double& m02, double& m10, double& m11, double& m12,
            double& m20, double& m21, double& m22) const;
-  double GetValue(short row, short col) const { return m_v[row][col]; }
-  void SetValue(short row, short col, double value) { m_v[row][col] = value; }
-  double Get(short row, short col) const { return m_v[row][col]; }
+  double GetValue(short row, short col) const { return v_[row][col]; }
+  void SetValue(short row, short col, double value) { v_[row][col] = value; }
+  double Get(short row, short col) const { return v_[row][col]; }
   CMatrix3& SetIdentity();
 
   /// this = a × b.
@@ -40,7 +40,7 @@ class CMatrix3 {
   bool operator!=(const CMatrix3& m) const { return !Equals(m); }
 
  private:
-  double m_v[3][3];
+  double v_[3][3];
 };
 
 }  // namespace MATH

@@ -21,9 +21,9 @@ class CMatrix4 {
   CMatrix4& Set(double m00, double m01, double m02, double m03, double m10, double m11, double m12,
                 double m13, double m20, double m21, double m22, double m23, double m30, double m31,
                 double m32, double m33);
-  double GetValue(short row, short col) const { return m_v[row][col]; }
-  void SetValue(short row, short col, double value) { m_v[row][col] = value; }
-  double Get(short row, short col) const { return m_v[row][col]; }
+  double GetValue(short row, short col) const { return v_[row][col]; }
+  void SetValue(short row, short col, double value) { v_[row][col] = value; }
+  double Get(short row, short col) const { return v_[row][col]; }
   CMatrix4& SetIdentity();
 
   /// this = a × b (apply a, then b).
@@ -45,7 +45,7 @@ class CMatrix4 {
   bool operator!=(const CMatrix4& m) const { return !Equals(m); }
 
  private:
-  double m_v[4][4];
+  double v_[4][4];
 };
 
 }  // namespace MATH

@@ -13,19 +13,19 @@ template <class T>
 class CPlainArray {
  public:
   CPlainArray() = default;
-  explicit CPlainArray(LONG size) : m_items(size > 0 ? size : 0) {}
-  LONG GetCount() const { return static_cast<LONG>(m_items.size()); }
-  void Resize(LONG size) { m_items.resize(size > 0 ? size : 0); }
-  void Add(const T& item) { m_items.push_back(item); }
-  void Clear() { m_items.clear(); }
-  const T* GetArray() const { return m_items.data(); }
-  T* GetArray() { return m_items.data(); }
-  const T& operator[](LONG index) const { return m_items[index]; }
-  T& operator[](LONG index) { return m_items[index]; }
-  bool operator==(const CPlainArray& other) const { return m_items == other.m_items; }
+  explicit CPlainArray(LONG size) : items_(size > 0 ? size : 0) {}
+  LONG GetCount() const { return static_cast<LONG>(items_.size()); }
+  void Resize(LONG size) { items_.resize(size > 0 ? size : 0); }
+  void Add(const T& item) { items_.push_back(item); }
+  void Clear() { items_.clear(); }
+  const T* GetArray() const { return items_.data(); }
+  T* GetArray() { return items_.data(); }
+  const T& operator[](LONG index) const { return items_[index]; }
+  T& operator[](LONG index) { return items_[index]; }
+  bool operator==(const CPlainArray& other) const { return items_ == other.items_; }
 
  private:
-  std::vector<T> m_items;
+  std::vector<T> items_;
 };
 
 class CLongArray : public CPlainArray<LONG> {

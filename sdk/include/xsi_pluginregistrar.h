@@ -7,11 +7,12 @@
 #include <xsi_status.h>
 #include <xsi_string.h>
 
-namespace XSI {
-
-namespace host_detail {
+// Host-side object behind this class; opaque to plug-ins.
+namespace xsihost {
 struct PluginRecord;
 }
+
+namespace XSI {
 
 class PluginRegistrar : public SIObject {
  public:
@@ -27,10 +28,10 @@ class PluginRegistrar : public SIObject {
   PluginItem RegisterICENode(const ICENodeDef& definition);
 
   // Host side only.
-  explicit PluginRegistrar(host_detail::PluginRecord* record) : m_record(record) {}
+  explicit PluginRegistrar(xsihost::PluginRecord* record) : record_(record) {}
 
  private:
-  host_detail::PluginRecord* m_record = nullptr;
+  xsihost::PluginRecord* record_ = nullptr;
 };
 
 }  // namespace XSI

@@ -8,43 +8,44 @@
 #include <xsi_status.h>
 #include <xsi_string.h>
 
-namespace XSI {
-
-namespace host_detail {
-class Object;  // defined by the host side; opaque to plug-ins
+// Host-side object behind this class; opaque to plug-ins.
+namespace xsihost {
+class Object;
 }
+
+namespace XSI {
 
 class CRef {
  public:
   CRef() = default;
-  explicit CRef(std::shared_ptr<host_detail::Object> object) : m_object(std::move(object)) {}
+  explicit CRef(std::shared_ptr<xsihost::Object> object) : object_(std::move(object)) {}
 
   // Resolves a full object name ("Model.child") in the active scene.
   CStatus Set(const CString& path);
   CString GetAsText() const;
-  bool IsValid() const { return m_object != nullptr; }
-  bool operator==(const CRef& other) const { return m_object == other.m_object; }
-  bool operator!=(const CRef& other) const { return m_object != other.m_object; }
+  bool IsValid() const { return object_ != nullptr; }
+  bool operator==(const CRef& other) const { return object_ == other.object_; }
+  bool operator!=(const CRef& other) const { return object_ != other.object_; }
 
   // Host side only.
-  const std::shared_ptr<host_detail::Object>& GetObjectHandle() const { return m_object; }
+  const std::shared_ptr<xsihost::Object>& GetObjectHandle() const { return object_; }
 
  private:
-  std::shared_ptr<host_detail::Object> m_object;
+  std::shared_ptr<xsihost::Object> object_;
 };
 
 class CRefArray {
  public:
   CRefArray() = default;
-  LONG GetCount() const { return static_cast<LONG>(m_refs.size()); }
-  void Add(const CRef& ref) { m_refs.push_back(ref); }
+  LONG GetCount() const { return static_cast<LONG>(refs_.size()); }
+  void Add(const CRef& ref) { refs_.push_back(ref); }
   CStatus Remove(const CRef& ref);
-  void Clear() { m_refs.clear(); }
-  const CRef& operator[](LONG index) const { return m_refs[index]; }
-  CRef& operator[](LONG index) { return m_refs[index]; }
+  void Clear() { refs_.clear(); }
+  const CRef& operator[](LONG index) const { return refs_[index]; }
+  CRef& operator[](LONG index) { return refs_[index]; }
 
  private:
-  std::vector<CRef> m_refs;
+  std::vector<CRef> refs_;
 };
 
 }  // namespace XSI

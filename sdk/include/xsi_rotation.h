@@ -31,7 +31,7 @@ class CRotation {
   CRotation& SetFromAxisAngle(const CVector3& axis, double angle);
   /// Takes an orthonormal matrix as it is (no re-orthogonalisation).
   CRotation& SetFromMatrix(const CMatrix3& m);
-  CMatrix3 GetMatrix() const { return m_matrix; }
+  CMatrix3 GetMatrix() const { return matrix_; }
   /// this = a then b.
   CRotation& Mul(const CRotation& a, const CRotation& b);
   CRotation& MulInPlace(const CRotation& r);
@@ -39,7 +39,7 @@ class CRotation {
   bool EpsilonEquals(const CRotation& r, double epsilon) const;
 
  private:
-  CMatrix3 m_matrix;
+  CMatrix3 matrix_;
 };
 
 }  // namespace MATH

@@ -19,23 +19,23 @@ class CStatus {
     Unexpected = 0x8000FFFFu,
   };
 
-  CStatus(ULONG code = OK) : m_code(code) {}
+  CStatus(ULONG code = OK) : code_(code) {}
 
-  ULONG GetCode() const { return m_code; }
-  bool Succeeded() const { return m_code == OK || m_code == False; }
-  void PutCode(ULONG code) { m_code = code; }
+  ULONG GetCode() const { return code_; }
+  bool Succeeded() const { return code_ == OK || code_ == False; }
+  void PutCode(ULONG code) { code_ = code; }
 
-  bool operator==(const CStatus& other) const { return m_code == other.m_code; }
-  bool operator!=(const CStatus& other) const { return m_code != other.m_code; }
-  bool operator==(Code code) const { return m_code == ULONG(code); }
-  bool operator!=(Code code) const { return m_code != ULONG(code); }
+  bool operator==(const CStatus& other) const { return code_ == other.code_; }
+  bool operator!=(const CStatus& other) const { return code_ != other.code_; }
+  bool operator==(Code code) const { return code_ == ULONG(code); }
+  bool operator!=(Code code) const { return code_ != ULONG(code); }
 
   // A failed status here is a programming error: the host reports it (the offline host logs
   // it at error severity and counts it) and the caller carries on.
   void AssertSucceeded(const CString& message = CString()) const;
 
  private:
-  ULONG m_code;
+  ULONG code_;
 };
 
 }  // namespace XSI

@@ -35,31 +35,31 @@ class CString {
   CString& operator+=(const char* text);
   CString& operator+=(wchar_t c);
 
-  bool operator==(const CString& other) const { return m_text == other.m_text; }
-  bool operator!=(const CString& other) const { return m_text != other.m_text; }
-  bool operator<(const CString& other) const { return m_text < other.m_text; }
-  wchar_t operator[](ULONG index) const { return m_text[index]; }
+  bool operator==(const CString& other) const { return text_ == other.text_; }
+  bool operator!=(const CString& other) const { return text_ != other.text_; }
+  bool operator<(const CString& other) const { return text_ < other.text_; }
+  wchar_t operator[](ULONG index) const { return text_[index]; }
 
-  bool IsEmpty() const { return m_text.empty(); }
-  ULONG Length() const { return static_cast<ULONG>(m_text.size()); }
-  void Clear() { m_text.clear(); }
+  bool IsEmpty() const { return text_.empty(); }
+  ULONG Length() const { return static_cast<ULONG>(text_.size()); }
+  void Clear() { text_.clear(); }
   // Lower-cases the string in place (characters of the 8-bit range).
   CString& Lower();
   // Position of `sub` at or after `start`, or ULONG_MAX (all ones) when absent.
   ULONG FindString(const CString& sub, ULONG start = 0) const;
   CString GetSubString(ULONG start, ULONG length = 0xFFFFFFFFu) const;
 
-  const wchar_t* GetWideString() const { return m_text.c_str(); }
+  const wchar_t* GetWideString() const { return text_.c_str(); }
   // Narrow copy: characters beyond the 8-bit range become '?'. The pointer stays valid
   // until the string changes or GetAsciiString is called again.
   const char* GetAsciiString() const;
   void PutAsciiString(const char* text);
 
-  const std::wstring& Wide() const { return m_text; }
+  const std::wstring& Wide() const { return text_; }
 
  private:
-  std::wstring m_text;
-  mutable std::string m_ascii;
+  std::wstring text_;
+  mutable std::string ascii_;
 };
 
 CString operator+(const wchar_t* text, const CString& string);

@@ -6,12 +6,12 @@ namespace XSI {
 class CTime {
  public:
   CTime() = default;
-  explicit CTime(double frames) : m_frames(frames) {}
-  double GetTime() const { return m_frames; }
-  void PutTime(double frames) { m_frames = frames; }
+  explicit CTime(double frames) : frames_(frames) {}
+  double GetTime() const { return frames_; }
+  void PutTime(double frames) { frames_ = frames; }
 
  private:
-  double m_frames = 1.0;
+  double frames_ = 1.0;
 };
 
 }  // namespace XSI

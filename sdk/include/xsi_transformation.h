@@ -25,8 +25,8 @@ class CTransformation {
   CTransformation& SetIdentity();
   /// Takes the matrix as it is (rows 0 to 2 axes, row 3 translation; column 3 is ignored).
   CTransformation& SetMatrix4(const CMatrix4& m);
-  CMatrix4 GetMatrix4() const { return m_matrix; }
-  void GetMatrix4(CMatrix4& out) const { out = m_matrix; }
+  CMatrix4 GetMatrix4() const { return matrix_; }
+  void GetMatrix4(CMatrix4& out) const { out = matrix_; }
 
   CTransformation& SetScaling(const CVector3& s);
   CTransformation& SetScalingFromValues(double x, double y, double z);
@@ -54,12 +54,12 @@ class CTransformation {
   CVector3 GetTranslation() const;
   void GetTranslation(CVector3& out) const { out = GetTranslation(); }
   void GetTranslationValues(double& x, double& y, double& z) const;
-  double GetPosX() const { return m_matrix.GetValue(3, 0); }
-  double GetPosY() const { return m_matrix.GetValue(3, 1); }
-  double GetPosZ() const { return m_matrix.GetValue(3, 2); }
-  void SetPosX(double v) { m_matrix.SetValue(3, 0, v); }
-  void SetPosY(double v) { m_matrix.SetValue(3, 1, v); }
-  void SetPosZ(double v) { m_matrix.SetValue(3, 2, v); }
+  double GetPosX() const { return matrix_.GetValue(3, 0); }
+  double GetPosY() const { return matrix_.GetValue(3, 1); }
+  double GetPosZ() const { return matrix_.GetValue(3, 2); }
+  void SetPosX(double v) { matrix_.SetValue(3, 0, v); }
+  void SetPosY(double v) { matrix_.SetValue(3, 1, v); }
+  void SetPosZ(double v) { matrix_.SetValue(3, 2, v); }
 
   /// this = a then b (row vectors: point × a × b). A child's global transform is
   /// Mul(local, parentGlobal).
@@ -74,7 +74,7 @@ class CTransformation {
 
  private:
   void Compose(const CVector3& s, const CMatrix3& r, const CVector3& t);
-  CMatrix4 m_matrix;
+  CMatrix4 matrix_;
 };
 
 }  // namespace MATH

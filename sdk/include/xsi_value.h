@@ -34,28 +34,28 @@ class CValue {
   };
 
   CValue() = default;
-  CValue(int v) : m_type(siInt4), m_int(v) {}
-  CValue(long v) : m_type(siInt8), m_int(v) {}
-  CValue(unsigned long v) : m_type(siUInt4), m_int(static_cast<std::int64_t>(v)) {}
-  CValue(unsigned int v) : m_type(siUInt4), m_int(v) {}
-  CValue(long long v) : m_type(siInt8), m_int(v) {}
-  CValue(bool v) : m_type(siBool), m_int(v ? 1 : 0) {}
-  CValue(float v) : m_type(siFloat), m_double(v) {}
-  CValue(double v) : m_type(siDouble), m_double(v) {}
-  CValue(const wchar_t* v) : m_type(siString), m_string(v) {}
+  CValue(int v) : type_(siInt4), int_(v) {}
+  CValue(long v) : type_(siInt8), int_(v) {}
+  CValue(unsigned long v) : type_(siUInt4), int_(static_cast<std::int64_t>(v)) {}
+  CValue(unsigned int v) : type_(siUInt4), int_(v) {}
+  CValue(long long v) : type_(siInt8), int_(v) {}
+  CValue(bool v) : type_(siBool), int_(v ? 1 : 0) {}
+  CValue(float v) : type_(siFloat), double_(v) {}
+  CValue(double v) : type_(siDouble), double_(v) {}
+  CValue(const wchar_t* v) : type_(siString), string_(v) {}
   // Narrow text is a string too; without this it would silently become a bool.
-  CValue(const char* v) : m_type(siString), m_string(v) {}
-  CValue(const CString& v) : m_type(siString), m_string(v) {}
-  CValue(const MATH::CVector3f& v) : m_type(siVector3f), m_vector(v) {}
-  CValue(const MATH::CMatrix4f& v) : m_type(siMatrix4f), m_matrix(v) {}
-  CValue(siPtrType v) : m_type(siPtr), m_ptr(v) {}
+  CValue(const char* v) : type_(siString), string_(v) {}
+  CValue(const CString& v) : type_(siString), string_(v) {}
+  CValue(const MATH::CVector3f& v) : type_(siVector3f), vector_(v) {}
+  CValue(const MATH::CMatrix4f& v) : type_(siMatrix4f), matrix_(v) {}
+  CValue(siPtrType v) : type_(siPtr), ptr_(v) {}
   CValue(const CValueArray& v);
   CValue(const CValue& other);
   CValue& operator=(const CValue& other);
   ~CValue();
 
-  DataType GetType() const { return m_type; }
-  bool IsEmpty() const { return m_type == siEmpty; }
+  DataType GetType() const { return type_; }
+  bool IsEmpty() const { return type_ == siEmpty; }
   void Clear() { *this = CValue(); }
 
   // Conversions; a value that does not convert gives 0, false, empty.
@@ -68,38 +68,38 @@ class CValue {
   operator siPtrType() const;
   operator CString() const { return GetAsText(); }
   operator CValueArray() const;
-  MATH::CVector3f GetVector3f() const { return m_vector; }
-  MATH::CMatrix4f GetMatrix4f() const { return m_matrix; }
+  MATH::CVector3f GetVector3f() const { return vector_; }
+  MATH::CMatrix4f GetMatrix4f() const { return matrix_; }
 
   CString GetAsText() const;
   bool operator==(const CValue& other) const;
   bool operator!=(const CValue& other) const { return !(*this == other); }
 
  private:
-  DataType m_type = siEmpty;
-  std::int64_t m_int = 0;
-  double m_double = 0.0;
-  CString m_string;
-  MATH::CVector3f m_vector;
-  MATH::CMatrix4f m_matrix;
-  siPtrType m_ptr = nullptr;
-  std::unique_ptr<CValueArray> m_array;
+  DataType type_ = siEmpty;
+  std::int64_t int_ = 0;
+  double double_ = 0.0;
+  CString string_;
+  MATH::CVector3f vector_;
+  MATH::CMatrix4f matrix_;
+  siPtrType ptr_ = nullptr;
+  std::unique_ptr<CValueArray> array_;
 };
 
 class CValueArray {
  public:
   CValueArray() = default;
-  explicit CValueArray(LONG size) : m_items(size > 0 ? size : 0) {}
-  LONG GetCount() const { return static_cast<LONG>(m_items.size()); }
-  void Add(const CValue& value) { m_items.push_back(value); }
-  void Resize(LONG size) { m_items.resize(size > 0 ? size : 0); }
-  void Clear() { m_items.clear(); }
-  CValue& operator[](LONG index) { return m_items[index]; }
-  const CValue& operator[](LONG index) const { return m_items[index]; }
-  bool operator==(const CValueArray& o) const { return m_items == o.m_items; }
+  explicit CValueArray(LONG size) : items_(size > 0 ? size : 0) {}
+  LONG GetCount() const { return static_cast<LONG>(items_.size()); }
+  void Add(const CValue& value) { items_.push_back(value); }
+  void Resize(LONG size) { items_.resize(size > 0 ? size : 0); }
+  void Clear() { items_.clear(); }
+  CValue& operator[](LONG index) { return items_[index]; }
+  const CValue& operator[](LONG index) const { return items_[index]; }
+  bool operator==(const CValueArray& o) const { return items_ == o.items_; }
 
  private:
-  std::vector<CValue> m_items;
+  std::vector<CValue> items_;
 };
 
 }  // namespace XSI

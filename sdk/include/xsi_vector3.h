@@ -20,14 +20,14 @@ class CRotation;
 class CVector3 {
  public:
   CVector3() = default;
-  CVector3(double x, double y, double z) : m_x(x), m_y(y), m_z(z) {}
+  CVector3(double x, double y, double z) : x_(x), y_(y), z_(z) {}
 
-  double GetX() const { return m_x; }
-  double GetY() const { return m_y; }
-  double GetZ() const { return m_z; }
-  void PutX(double x) { m_x = x; }
-  void PutY(double y) { m_y = y; }
-  void PutZ(double z) { m_z = z; }
+  double GetX() const { return x_; }
+  double GetY() const { return y_; }
+  double GetZ() const { return z_; }
+  void PutX(double x) { x_ = x; }
+  void PutY(double y) { y_ = y; }
+  void PutZ(double z) { z_ = z; }
   /// Reads the three components at once.
   void Get(double& x, double& y, double& z) const;
   CVector3& Set(double x, double y, double z);
@@ -86,9 +86,9 @@ class CVector3 {
   CVector3& operator*=(double s) { return ScaleInPlace(s); }
 
  private:
-  double m_x = 0.0;
-  double m_y = 0.0;
-  double m_z = 0.0;
+  double x_ = 0.0;
+  double y_ = 0.0;
+  double z_ = 0.0;
 };
 
 /// A growable array of CVector3.
@@ -97,22 +97,22 @@ class CVector3Array {
   CVector3Array() = default;
   explicit CVector3Array(LONG count) { Resize(count); }
 
-  LONG GetCount() const { return static_cast<LONG>(m_items.size()); }
+  LONG GetCount() const { return static_cast<LONG>(items_.size()); }
   /// Grows or shrinks to `count` entries; new entries are zero vectors. A negative count is
   /// refused with CStatus::InvalidArgument.
   CStatus Resize(LONG count);
   /// Appends one vector and returns its index.
   LONG Add(const CVector3& v);
   CStatus Clear();
-  const CVector3& operator[](LONG index) const { return m_items[static_cast<size_t>(index)]; }
-  CVector3& operator[](LONG index) { return m_items[static_cast<size_t>(index)]; }
+  const CVector3& operator[](LONG index) const { return items_[static_cast<size_t>(index)]; }
+  CVector3& operator[](LONG index) { return items_[static_cast<size_t>(index)]; }
   /// The vectors as one contiguous block; null when the array is empty.
-  const CVector3* GetArray() const { return m_items.empty() ? nullptr : m_items.data(); }
-  bool operator==(const CVector3Array& other) const { return m_items == other.m_items; }
+  const CVector3* GetArray() const { return items_.empty() ? nullptr : items_.data(); }
+  bool operator==(const CVector3Array& other) const { return items_ == other.items_; }
   bool operator!=(const CVector3Array& other) const { return !(*this == other); }
 
  private:
-  std::vector<CVector3> m_items;
+  std::vector<CVector3> items_;
 };
 
 }  // namespace MATH

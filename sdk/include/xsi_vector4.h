@@ -13,39 +13,39 @@ namespace MATH {
 class CVector4 {
  public:
   CVector4() = default;
-  CVector4(double x, double y, double z, double w) : m_x(x), m_y(y), m_z(z), m_w(w) {}
+  CVector4(double x, double y, double z, double w) : x_(x), y_(y), z_(z), w_(w) {}
 
-  double GetX() const { return m_x; }
-  double GetY() const { return m_y; }
-  double GetZ() const { return m_z; }
-  double GetW() const { return m_w; }
-  void PutX(double v) { m_x = v; }
-  void PutY(double v) { m_y = v; }
-  void PutZ(double v) { m_z = v; }
-  void PutW(double v) { m_w = v; }
+  double GetX() const { return x_; }
+  double GetY() const { return y_; }
+  double GetZ() const { return z_; }
+  double GetW() const { return w_; }
+  void PutX(double v) { x_ = v; }
+  void PutY(double v) { y_ = v; }
+  void PutZ(double v) { z_ = v; }
+  void PutW(double v) { w_ = v; }
   void Get(double& x, double& y, double& z, double& w) const {
-    x = m_x;
-    y = m_y;
-    z = m_z;
-    w = m_w;
+    x = x_;
+    y = y_;
+    z = z_;
+    w = w_;
   }
   CVector4& Set(double x, double y, double z, double w) {
-    m_x = x;
-    m_y = y;
-    m_z = z;
-    m_w = w;
+    x_ = x;
+    y_ = y;
+    z_ = z;
+    w_ = w;
     return *this;
   }
   bool operator==(const CVector4& v) const {
-    return m_x == v.m_x && m_y == v.m_y && m_z == v.m_z && m_w == v.m_w;
+    return x_ == v.x_ && y_ == v.y_ && z_ == v.z_ && w_ == v.w_;
   }
   bool operator!=(const CVector4& v) const { return !(*this == v); }
 
  private:
-  double m_x = 0.0;
-  double m_y = 0.0;
-  double m_z = 0.0;
-  double m_w = 0.0;
+  double x_ = 0.0;
+  double y_ = 0.0;
+  double z_ = 0.0;
+  double w_ = 0.0;
 };
 
 /// A growable array of CVector4.
@@ -54,28 +54,28 @@ class CVector4Array {
   CVector4Array() = default;
   explicit CVector4Array(LONG count) { Resize(count); }
 
-  LONG GetCount() const { return static_cast<LONG>(m_items.size()); }
+  LONG GetCount() const { return static_cast<LONG>(items_.size()); }
   /// Grows or shrinks to `count` entries; new entries are zero. A negative count is refused
   /// with CStatus::InvalidArgument.
   CStatus Resize(LONG count) {
     if (count < 0) return CStatus::InvalidArgument;
-    m_items.resize(static_cast<size_t>(count));
+    items_.resize(static_cast<size_t>(count));
     return CStatus::OK;
   }
   LONG Add(const CVector4& v) {
-    m_items.push_back(v);
+    items_.push_back(v);
     return GetCount() - 1;
   }
   CStatus Clear() {
-    m_items.clear();
+    items_.clear();
     return CStatus::OK;
   }
-  const CVector4& operator[](LONG index) const { return m_items[static_cast<size_t>(index)]; }
-  CVector4& operator[](LONG index) { return m_items[static_cast<size_t>(index)]; }
-  const CVector4* GetArray() const { return m_items.empty() ? nullptr : m_items.data(); }
+  const CVector4& operator[](LONG index) const { return items_[static_cast<size_t>(index)]; }
+  CVector4& operator[](LONG index) { return items_[static_cast<size_t>(index)]; }
+  const CVector4* GetArray() const { return items_.empty() ? nullptr : items_.data(); }
 
  private:
-  std::vector<CVector4> m_items;
+  std::vector<CVector4> items_;
 };
 
 }  // namespace MATH

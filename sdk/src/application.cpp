@@ -6,12 +6,12 @@
 namespace XSI {
 
 CStatus Application::LogMessage(const CString& text, siSeverityType severity) const {
-  xsihost::hostLog().add(static_cast<int>(severity), text.Wide());
+  xsihost::HostLog().Add(static_cast<int>(severity), text.Wide());
   return CStatus::OK;
 }
 
 Factory Application::GetFactory() const { return Factory(); }
 
-bool Application::IsInteractive() const { return xsihost::isInteractive(); }
+bool Application::IsInteractive() const { return xsihost::IsInteractive(); }
 
 }  // namespace XSI

@@ -11,16 +11,16 @@
 namespace XSI {
 
 CStatus CRef::Set(const CString& path) {
-  m_object = xsihost::activeScene().find(path.Wide());
-  return m_object ? CStatus::OK : CStatus::Fail;
+  object_ = xsihost::ActiveScene().find(path.Wide());
+  return object_ ? CStatus::OK : CStatus::Fail;
 }
 
-Model Application::GetActiveSceneRoot() const { return Model(CRef(xsihost::activeScene().root())); }
+Model Application::GetActiveSceneRoot() const { return Model(CRef(xsihost::ActiveScene().root())); }
 
 namespace {
 
 // What a Selection refers to: the host's one selection (kept by the scene side).
-class SelectionObject : public host_detail::Object {
+class SelectionObject : public xsihost::Object {
  public:
   std::wstring name() const override { return L"Selection"; }
   std::wstring typeName() const override { return L"Selection"; }

@@ -16,47 +16,47 @@ using scene_detail::as;
 Command::Command(const CRef& ref) : SIObject(as<CommandObject>(ref) ? ref : CRef()) {}
 
 ArgumentArray Command::GetArguments() const {
-  return ArgumentArray(as<CommandObject>(m_ref) ? m_ref : CRef());
+  return ArgumentArray(as<CommandObject>(ref_) ? ref_ : CRef());
 }
 
 CString Command::GetDescription() const {
-  const auto c = as<CommandObject>(m_ref);
+  const auto c = as<CommandObject>(ref_);
   return c ? CString(c->m_description.c_str()) : CString();
 }
 
 CStatus Command::PutDescription(const CString& description) {
-  const auto c = as<CommandObject>(m_ref);
+  const auto c = as<CommandObject>(ref_);
   if (!c) return CStatus::Fail;
   c->m_description = description.Wide();
   return CStatus::OK;
 }
 
 CStatus Command::SetFlag(LONG flag, bool value) {
-  const auto c = as<CommandObject>(m_ref);
+  const auto c = as<CommandObject>(ref_);
   if (!c) return CStatus::Fail;
   c->m_flags = value ? (c->m_flags | flag) : (c->m_flags & ~flag);
   return CStatus::OK;
 }
 
 bool Command::GetFlag(LONG flag) const {
-  const auto c = as<CommandObject>(m_ref);
+  const auto c = as<CommandObject>(ref_);
   return c && (c->m_flags & flag) == flag;
 }
 
 CStatus Command::EnableReturnValue(bool enable) {
-  const auto c = as<CommandObject>(m_ref);
+  const auto c = as<CommandObject>(ref_);
   if (!c) return CStatus::Fail;
-  c->m_returnValue = enable;
+  c->returnValue_ = enable;
   return CStatus::OK;
 }
 
 bool Command::IsReturnValueEnabled() const {
-  const auto c = as<CommandObject>(m_ref);
-  return c && c->m_returnValue;
+  const auto c = as<CommandObject>(ref_);
+  return c && c->returnValue_;
 }
 
 CStatus ArgumentArray::Add(const CString& name, const CValue& value) {
-  const auto c = as<CommandObject>(m_ref);
+  const auto c = as<CommandObject>(ref_);
   if (!c) return CStatus::Fail;
   if (name.IsEmpty()) return CStatus::InvalidArgument;
   for (const auto& a : c->m_arguments)
@@ -66,19 +66,19 @@ CStatus ArgumentArray::Add(const CString& name, const CValue& value) {
 }
 
 LONG ArgumentArray::GetCount() const {
-  const auto c = as<CommandObject>(m_ref);
+  const auto c = as<CommandObject>(ref_);
   return c ? static_cast<LONG>(c->m_arguments.size()) : 0;
 }
 
 Argument ArgumentArray::GetItem(LONG index) const {
-  const auto c = as<CommandObject>(m_ref);
+  const auto c = as<CommandObject>(ref_);
   if (!c || index < 0 || static_cast<std::size_t>(index) >= c->m_arguments.size())
     return Argument();
   return Argument(CRef(std::make_shared<ArgumentObject>(c, static_cast<std::size_t>(index))));
 }
 
 Argument ArgumentArray::GetItem(const CString& name) const {
-  const auto c = as<CommandObject>(m_ref);
+  const auto c = as<CommandObject>(ref_);
   if (!c) return Argument();
   for (std::size_t i = 0; i < c->m_arguments.size(); ++i)
     if (c->m_arguments[i].name == name.Wide())
@@ -89,14 +89,14 @@ Argument ArgumentArray::GetItem(const CString& name) const {
 Argument::Argument(const CRef& ref) : SIObject(as<ArgumentObject>(ref) ? ref : CRef()) {}
 
 CValue Argument::GetValue() const {
-  const auto a = as<ArgumentObject>(m_ref);
-  return a ? a->m_command->m_arguments[a->m_index].value : CValue();
+  const auto a = as<ArgumentObject>(ref_);
+  return a ? a->command_->m_arguments[a->index_].value : CValue();
 }
 
 CStatus Argument::PutValue(const CValue& value) {
-  const auto a = as<ArgumentObject>(m_ref);
+  const auto a = as<ArgumentObject>(ref_);
   if (!a) return CStatus::Fail;
-  a->m_command->m_arguments[a->m_index].value = value;
+  a->command_->m_arguments[a->index_].value = value;
   return CStatus::OK;
 }
 

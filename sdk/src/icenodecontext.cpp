@@ -2,19 +2,19 @@
 #include <xsi_context.h>
 #include <xsi_dataarray.h>
 #include <xsi_dataarray2D.h>
-#include <xsi_iceportstate.h>
 #include <xsi_icenodecontext.h>
+#include <xsi_iceportstate.h>
 #include <xsi_indexset.h>
 
-#include <xsihost/eval_frame.h>
 #include <xsihost/object.h>
+#include "eval_frame.h"
 
 namespace XSI {
 
-using host_detail::ContextObject;
 using host_detail::EvalFrame;
+using host_detail::ResolvedInput;
+using xsihost::ContextObject;
 using xsihost::PortValues;
-using xsihost::ResolvedInput;
 
 namespace {
 
@@ -25,27 +25,27 @@ ContextObject* contextObject(const CRef& ref) {
 }  // namespace
 
 CValue Context::GetUserData() const {
-  ContextObject* c = contextObject(m_ref);
+  ContextObject* c = contextObject(ref_);
   return c && c->userData ? *c->userData : CValue();
 }
 CStatus Context::PutUserData(const CValue& data) {
-  ContextObject* c = contextObject(m_ref);
+  ContextObject* c = contextObject(ref_);
   if (!c || !c->userData) return CStatus::Fail;
   *c->userData = data;
   return CStatus::OK;
 }
 CRef Context::GetSource() const {
-  ContextObject* c = contextObject(m_ref);
+  ContextObject* c = contextObject(ref_);
   return c ? c->source : CRef();
 }
 CValue Context::GetAttribute(const CString& name) const {
-  ContextObject* c = contextObject(m_ref);
+  ContextObject* c = contextObject(ref_);
   if (!c) return CValue();
   auto it = c->attributes.find(name.Wide());
   return it == c->attributes.end() ? CValue() : it->second;
 }
 CStatus Context::PutAttribute(const CString& name, const CValue& value) {
-  ContextObject* c = contextObject(m_ref);
+  ContextObject* c = contextObject(ref_);
   if (!c) return CStatus::Fail;
   c->attributes[name.Wide()] = value;
   return CStatus::OK;
@@ -53,16 +53,16 @@ CStatus Context::PutAttribute(const CString& name, const CValue& value) {
 
 ICENodeContext::ICENodeContext(const CRef& ref) : Context(ref) {}
 
-ULONG ICENodeContext::GetEvaluatedOutputPortID() const { return m_frame ? m_frame->outputPort : 0; }
+ULONG ICENodeContext::GetEvaluatedOutputPortID() const { return frame_ ? frame_->outputPort : 0; }
 
 CStatus ICENodeContext::GetPortInfo(ULONG portID, siICENodeDataType& type,
                                     siICENodeStructureType& structure,
                                     siICENodeContextType& context, ULONG instance) const {
-  if (!m_frame) return CStatus::Fail;
-  const ResolvedInput* info = m_frame->findInput(portID, instance);
-  if (info == nullptr && m_frame->outputs) {
-    auto it = m_frame->outputs->find(portID);
-    if (it != m_frame->outputs->end()) info = &it->second;
+  if (!frame_) return CStatus::Fail;
+  const ResolvedInput* info = frame_->FindInput(portID, instance);
+  if (info == nullptr && frame_->outputs) {
+    auto it = frame_->outputs->find(portID);
+    if (it != frame_->outputs->end()) info = &it->second;
   }
   if (info == nullptr || info->failsInfo) return CStatus::Fail;
   type = static_cast<siICENodeDataType>(info->type);
@@ -72,20 +72,20 @@ CStatus ICENodeContext::GetPortInfo(ULONG portID, siICENodeDataType& type,
 }
 
 CStatus ICENodeContext::GetGroupInstanceCount(ULONG /*groupID*/, ULONG& count) const {
-  if (!m_frame) return CStatus::Fail;
-  count = m_frame->groupInstances;
+  if (!frame_) return CStatus::Fail;
+  count = frame_->groupInstances;
   return CStatus::OK;
 }
 
 ULONG ICENodeContext::GetNumberOfElementsToProcess() const {
-  return m_frame && m_frame->indices ? static_cast<ULONG>(m_frame->indices->size()) : 0;
+  return frame_ && frame_->indices ? static_cast<ULONG>(frame_->indices->size()) : 0;
 }
 
-CTime ICENodeContext::GetTime() const { return CTime(m_frame ? m_frame->time : 1.0); }
+CTime ICENodeContext::GetTime() const { return CTime(frame_ ? frame_->time : 1.0); }
 
 CStatus ICENodeContext::AcquireIndexSet(CIndexSet& indexSet) const {
-  if (!m_frame) return CStatus::Fail;
-  indexSet.SetIndices(m_frame->indices);
+  if (!frame_) return CStatus::Fail;
+  indexSet.SetIndices(frame_->indices);
   return CStatus::OK;
 }
 CStatus ICENodeContext::ReleaseIndexSet(CIndexSet& indexSet) const {
@@ -100,7 +100,7 @@ namespace {
 const PortValues* matchingInput(const EvalFrame* frame, ULONG port, ULONG instance,
                                 siICENodeDataType type, bool array) {
   if (!frame) return nullptr;
-  const ResolvedInput* info = frame->findInput(port, instance);
+  const ResolvedInput* info = frame->FindInput(port, instance);
   if (!info || !info->values) return nullptr;
   if (info->values->type != ULONG(type) || info->values->array != array) return nullptr;
   return info->values;
@@ -114,14 +114,14 @@ bool matchingOutput(const EvalFrame* frame, siICENodeDataType type, bool array) 
 }  // namespace
 
 CStatus ICENodeContext::AcquireInputDataArray(CBaseDataArray& a, ULONG portID, ULONG instance) {
-  a.m_context = this;
-  a.m_output = false;
-  const PortValues* values = matchingInput(m_frame, portID, instance, a.m_type, false);
+  a.context_ = this;
+  a.output_ = false;
+  const PortValues* values = matchingInput(frame_, portID, instance, a.type_, false);
   if (!values) return CStatus::Fail;
-  a.m_buffer = const_cast<PortValues*>(values);
-  a.m_data = const_cast<std::byte*>(values->flat.data());
-  a.m_count = values->count;
-  a.m_constant = values->constant;
+  a.buffer_ = const_cast<PortValues*>(values);
+  a.data_ = const_cast<std::byte*>(values->flat.data());
+  a.count_ = values->count;
+  a.constant_ = values->constant;
   return CStatus::OK;
 }
 
@@ -129,31 +129,30 @@ CStatus ICENodeContext::CopyFromInputDataArray(CBaseDataArray& a, ULONG portID, 
   const CStatus status = AcquireInputDataArray(a, portID, instance);
   if (status != CStatus::OK) return status;
   // The copy lives as long as the evaluation frame, like the host's own buffers.
-  m_frame->copies.push_back(std::make_unique<PortValues>(*static_cast<PortValues*>(a.m_buffer)));
-  a.m_buffer = m_frame->copies.back().get();
-  a.m_data = m_frame->copies.back()->flat.data();
+  frame_->copies.push_back(std::make_unique<PortValues>(*static_cast<PortValues*>(a.buffer_)));
+  a.buffer_ = frame_->copies.back().get();
+  a.data_ = frame_->copies.back()->flat.data();
   return CStatus::OK;
 }
 
 CStatus ICENodeContext::AcquireOutputDataArray(CBaseDataArray& a) {
-  a.m_context = this;
-  a.m_output = true;
-  if (!matchingOutput(m_frame, a.m_type, false)) return CStatus::Fail;
-  a.m_buffer = m_frame->output;
-  a.m_data = m_frame->output->flat.data();
-  a.m_count = m_frame->output->count;
+  a.context_ = this;
+  a.output_ = true;
+  if (!matchingOutput(frame_, a.type_, false)) return CStatus::Fail;
+  a.buffer_ = frame_->output;
+  a.data_ = frame_->output->flat.data();
+  a.count_ = frame_->output->count;
   return CStatus::OK;
 }
 
-CStatus ICENodeContext::AcquireInputDataArray2D(CBaseDataArray2D& a, ULONG portID,
-                                                ULONG instance) {
-  a.m_context = this;
-  a.m_output = false;
-  const PortValues* values = matchingInput(m_frame, portID, instance, a.m_type, true);
+CStatus ICENodeContext::AcquireInputDataArray2D(CBaseDataArray2D& a, ULONG portID, ULONG instance) {
+  a.context_ = this;
+  a.output_ = false;
+  const PortValues* values = matchingInput(frame_, portID, instance, a.type_, true);
   if (!values) return CStatus::Fail;
-  a.m_buffer = const_cast<PortValues*>(values);
-  a.m_count = values->count;
-  a.m_constant = values->constant;
+  a.buffer_ = const_cast<PortValues*>(values);
+  a.count_ = values->count;
+  a.constant_ = values->constant;
   return CStatus::OK;
 }
 
@@ -161,31 +160,31 @@ CStatus ICENodeContext::CopyFromInputDataArray2D(CBaseDataArray2D& a, ULONG port
                                                  ULONG instance) {
   const CStatus status = AcquireInputDataArray2D(a, portID, instance);
   if (status != CStatus::OK) return status;
-  m_frame->copies.push_back(std::make_unique<PortValues>(*static_cast<PortValues*>(a.m_buffer)));
-  a.m_buffer = m_frame->copies.back().get();
+  frame_->copies.push_back(std::make_unique<PortValues>(*static_cast<PortValues*>(a.buffer_)));
+  a.buffer_ = frame_->copies.back().get();
   return CStatus::OK;
 }
 
 CStatus ICENodeContext::AcquireOutputDataArray2D(CBaseDataArray2D& a) {
-  a.m_context = this;
-  a.m_output = true;
-  if (!matchingOutput(m_frame, a.m_type, true)) return CStatus::Fail;
-  a.m_buffer = m_frame->output;
-  a.m_count = m_frame->output->count;
+  a.context_ = this;
+  a.output_ = true;
+  if (!matchingOutput(frame_, a.type_, true)) return CStatus::Fail;
+  a.buffer_ = frame_->output;
+  a.count_ = frame_->output->count;
   return CStatus::OK;
 }
 
 CStatus ICENodeContext::ReleaseDataArray(CBaseDataArray& a) {
-  a.m_context = nullptr;
-  a.m_buffer = nullptr;
-  a.m_data = nullptr;
-  a.m_count = 0;
+  a.context_ = nullptr;
+  a.buffer_ = nullptr;
+  a.data_ = nullptr;
+  a.count_ = 0;
   return CStatus::OK;
 }
 CStatus ICENodeContext::ReleaseDataArray(CBaseDataArray2D& a) {
-  a.m_context = nullptr;
-  a.m_buffer = nullptr;
-  a.m_count = 0;
+  a.context_ = nullptr;
+  a.buffer_ = nullptr;
+  a.count_ = 0;
   return CStatus::OK;
 }
 
@@ -205,34 +204,34 @@ CStatus ICENodeContext::GetSubArray(const CBaseDataArray2D& a, ULONG index, cons
                                     ULONG& count) const {
   data = nullptr;
   count = 0;
-  const auto* values = static_cast<const PortValues*>(a.m_buffer);
+  const auto* values = static_cast<const PortValues*>(a.buffer_);
   ULONG item = 0;
   if (!itemIndex(values, index, item)) return CStatus::Fail;
-  if (values->isString()) {
+  if (values->IsString()) {
     count = static_cast<ULONG>(values->stringArrays[item].size());
     return CStatus::OK;
   }
-  const std::size_t size = xsihost::valueSize(values->type);
+  const std::size_t size = xsihost::ValueSize(values->type);
   data = values->arrays[item].data();
   count = static_cast<ULONG>(values->arrays[item].size() / size);
   return CStatus::OK;
 }
 
-CStatus ICENodeContext::ResizeSubArray(CBaseDataArray2D& a, ULONG index, ULONG count,
-                                       void*& data, ULONG& outCount) {
+CStatus ICENodeContext::ResizeSubArray(CBaseDataArray2D& a, ULONG index, ULONG count, void*& data,
+                                       ULONG& outCount) {
   data = nullptr;
   outCount = 0;
-  auto* values = static_cast<PortValues*>(a.m_buffer);
-  if (!a.m_output || !values || index >= values->count) return CStatus::Fail;
+  auto* values = static_cast<PortValues*>(a.buffer_);
+  if (!a.output_ || !values || index >= values->count) return CStatus::Fail;
   // A negative count arrives here as a huge unsigned value; the host refuses it and leaves
   // the element's array empty (and written).
   constexpr ULONG kMaxEntries = 1u << 28;
   values->written[index] = 1;
-  if (values->isString()) {
+  if (values->IsString()) {
     values->stringArrays[index].assign(count <= kMaxEntries ? count : 0, std::wstring());
   } else {
-    values->arrays[index].assign(count <= kMaxEntries ? count * xsihost::valueSize(values->type) : 0,
-                                 std::byte{0});
+    values->arrays[index].assign(
+        count <= kMaxEntries ? count * xsihost::ValueSize(values->type) : 0, std::byte{0});
     data = values->arrays[index].data();
   }
   if (count > kMaxEntries) return CStatus::InvalidArgument;
@@ -244,10 +243,9 @@ CStatus ICENodeContext::GetStringData(const CBaseDataArray& a, ULONG index, cons
                                       ULONG& length) const {
   text = nullptr;
   length = 0;
-  const auto* values = static_cast<const PortValues*>(a.m_buffer);
+  const auto* values = static_cast<const PortValues*>(a.buffer_);
   ULONG item = 0;
-  if (!itemIndex(values, index, item) || !values->isString() || values->array)
-    return CStatus::Fail;
+  if (!itemIndex(values, index, item) || !values->IsString() || values->array) return CStatus::Fail;
   text = values->strings[item].c_str();
   length = static_cast<ULONG>(values->strings[item].size());
   return CStatus::OK;
@@ -255,8 +253,8 @@ CStatus ICENodeContext::GetStringData(const CBaseDataArray& a, ULONG index, cons
 
 CStatus ICENodeContext::SetStringData(CBaseDataArray& a, ULONG index, const wchar_t* text,
                                       ULONG length) {
-  auto* values = static_cast<PortValues*>(a.m_buffer);
-  if (!a.m_output || !values || !values->isString() || values->array || index >= values->count)
+  auto* values = static_cast<PortValues*>(a.buffer_);
+  if (!a.output_ || !values || !values->IsString() || values->array || index >= values->count)
     return CStatus::Fail;
   values->strings[index].assign(text ? text : L"", text ? length : 0);
   values->written[index] = 1;
@@ -267,9 +265,9 @@ CStatus ICENodeContext::GetStringData2D(const CBaseDataArray2D& a, ULONG index, 
                                         const wchar_t*& text, ULONG& length) const {
   text = nullptr;
   length = 0;
-  const auto* values = static_cast<const PortValues*>(a.m_buffer);
+  const auto* values = static_cast<const PortValues*>(a.buffer_);
   ULONG item = 0;
-  if (!itemIndex(values, index, item) || !values->isString() || !values->array ||
+  if (!itemIndex(values, index, item) || !values->IsString() || !values->array ||
       subIndex >= values->stringArrays[item].size())
     return CStatus::Fail;
   text = values->stringArrays[item][subIndex].c_str();
@@ -279,8 +277,8 @@ CStatus ICENodeContext::GetStringData2D(const CBaseDataArray2D& a, ULONG index, 
 
 CStatus ICENodeContext::SetStringData2D(CBaseDataArray2D& a, ULONG index, ULONG subIndex,
                                         const wchar_t* text, ULONG length) {
-  auto* values = static_cast<PortValues*>(a.m_buffer);
-  if (!a.m_output || !values || !values->isString() || !values->array || index >= values->count ||
+  auto* values = static_cast<PortValues*>(a.buffer_);
+  if (!a.output_ || !values || !values->IsString() || !values->array || index >= values->count ||
       subIndex >= values->stringArrays[index].size())
     return CStatus::Fail;
   values->stringArrays[index][subIndex].assign(text ? text : L"", text ? length : 0);
@@ -288,14 +286,14 @@ CStatus ICENodeContext::SetStringData2D(CBaseDataArray2D& a, ULONG index, ULONG 
 }
 
 bool CICEPortState::IsDirty(int /*stateMask*/) const {
-  EvalFrame* frame = m_context->GetFrame();
-  return frame && frame->instance ? frame->instance->isDirty(m_portID, m_instance) : false;
+  EvalFrame* frame = context_->GetFrame();
+  return frame && frame->instance ? frame->instance->IsDirty(portID_, instance_) : false;
 }
 
 CStatus CICEPortState::ClearState() {
-  EvalFrame* frame = m_context->GetFrame();
+  EvalFrame* frame = context_->GetFrame();
   if (!frame || !frame->instance) return CStatus::Fail;
-  frame->instance->clearState(m_portID, m_instance);
+  frame->instance->ClearState(portID_, instance_);
   return CStatus::OK;
 }
 

@@ -3,14 +3,13 @@
 #include <xsi_icenodedef.h>
 #include <xsi_pluginregistrar.h>
 
-
 #include <xsihost/definitions.h>
 
 namespace XSI {
 
-using host_detail::GroupRecord;
-using host_detail::NodeDefinitionRecord;
-using host_detail::PortRecord;
+using xsihost::GroupRecord;
+using xsihost::NodeDefinitionRecord;
+using xsihost::PortRecord;
 
 ICENodeDef Factory::CreateICENodeDef(const CString& name, const CString& category) const {
   auto record = std::make_shared<NodeDefinitionRecord>();
@@ -20,18 +19,18 @@ ICENodeDef Factory::CreateICENodeDef(const CString& name, const CString& categor
 }
 
 CStatus ICENodeDef::PutThreadingModel(siICENodeThreadingModel model) {
-  if (!m_record || (model != siICENodeSingleThreading && model != siICENodeMultiThreading))
+  if (!record_ || (model != siICENodeSingleThreading && model != siICENodeMultiThreading))
     return CStatus::InvalidArgument;
-  m_record->threadingModel = model;
+  record_->threadingModel = model;
   return CStatus::OK;
 }
 
 CStatus ICENodeDef::AddPortGroup(ULONG groupID, ULONG minInstances, ULONG maxInstances,
                                  const CString& name) {
-  if (!m_record || minInstances > maxInstances) return CStatus::InvalidArgument;
-  for (const GroupRecord& g : m_record->groups)
+  if (!record_ || minInstances > maxInstances) return CStatus::InvalidArgument;
+  for (const GroupRecord& g : record_->groups)
     if (g.id == groupID) return CStatus::InvalidArgument;
-  m_record->groups.push_back({groupID, minInstances, maxInstances, name.Wide()});
+  record_->groups.push_back({groupID, minInstances, maxInstances, name.Wide()});
   return CStatus::OK;
 }
 
@@ -39,7 +38,7 @@ namespace {
 
 // A port needs a unique ID, at least one type, structure and context bit, and names.
 bool acceptablePort(const NodeDefinitionRecord& node, const PortRecord& port) {
-  if (node.findPort(port.id) != nullptr) return false;
+  if (node.FindPort(port.id) != nullptr) return false;
   if (port.dataTypes == 0 || port.structures == 0 || port.structures > 3 || port.contexts == 0)
     return false;
   return !port.scriptName.empty() && !port.displayName.empty();
@@ -52,80 +51,89 @@ CStatus ICENodeDef::AddInputPort(ULONG portID, ULONG groupID, ULONG dataTypes, U
                                  const CString& scriptName, const CValue& defaultValue,
                                  ULONG typeConstraint, ULONG structureConstraint,
                                  ULONG contextConstraint) {
-  if (!m_record) return CStatus::Fail;
+  if (!record_) return CStatus::Fail;
   bool groupExists = false;
-  for (const GroupRecord& g : m_record->groups) groupExists |= g.id == groupID;
-  PortRecord port{portID, true, groupID, dataTypes, structures, contexts, displayName.Wide(),
-                  scriptName.Wide(), defaultValue, typeConstraint, structureConstraint,
+  for (const GroupRecord& g : record_->groups) groupExists |= g.id == groupID;
+  PortRecord port{portID,
+                  true,
+                  groupID,
+                  dataTypes,
+                  structures,
+                  contexts,
+                  displayName.Wide(),
+                  scriptName.Wide(),
+                  defaultValue,
+                  typeConstraint,
+                  structureConstraint,
                   contextConstraint};
-  if (!groupExists || !acceptablePort(*m_record, port)) return CStatus::InvalidArgument;
-  m_record->inputs.push_back(std::move(port));
+  if (!groupExists || !acceptablePort(*record_, port)) return CStatus::InvalidArgument;
+  record_->inputs.push_back(std::move(port));
   return CStatus::OK;
 }
 
-CStatus ICENodeDef::AddOutputPort(ULONG portID, ULONG dataTypes, ULONG structures,
-                                  ULONG contexts, const CString& displayName,
-                                  const CString& scriptName, ULONG typeConstraint,
-                                  ULONG structureConstraint, ULONG contextConstraint) {
-  if (!m_record) return CStatus::Fail;
-  PortRecord port{portID, false, 0xFFFFFFFFu, dataTypes, structures, contexts, displayName.Wide(),
-                  scriptName.Wide(), CValue(), typeConstraint, structureConstraint,
-                  contextConstraint};
-  if (!acceptablePort(*m_record, port)) return CStatus::InvalidArgument;
-  m_record->outputs.push_back(std::move(port));
+CStatus ICENodeDef::AddOutputPort(ULONG portID, ULONG dataTypes, ULONG structures, ULONG contexts,
+                                  const CString& displayName, const CString& scriptName,
+                                  ULONG typeConstraint, ULONG structureConstraint,
+                                  ULONG contextConstraint) {
+  if (!record_) return CStatus::Fail;
+  PortRecord port{portID,     false,          0xFFFFFFFFu,         dataTypes,
+                  structures, contexts,       displayName.Wide(),  scriptName.Wide(),
+                  CValue(),   typeConstraint, structureConstraint, contextConstraint};
+  if (!acceptablePort(*record_, port)) return CStatus::InvalidArgument;
+  record_->outputs.push_back(std::move(port));
   return CStatus::OK;
 }
 
 CStatus PluginRegistrar::PutAuthor(const CString& author) {
-  if (!m_record) return CStatus::Fail;
-  m_record->author = author.Wide();
-  m_record->calls.push_back(L"author");
+  if (!record_) return CStatus::Fail;
+  record_->author = author.Wide();
+  record_->calls.push_back(L"author");
   return CStatus::OK;
 }
 CStatus PluginRegistrar::PutName(const CString& name) {
-  if (!m_record) return CStatus::Fail;
-  m_record->name = name.Wide();
-  m_record->calls.push_back(L"name");
+  if (!record_) return CStatus::Fail;
+  record_->name = name.Wide();
+  record_->calls.push_back(L"name");
   return CStatus::OK;
 }
 CString PluginRegistrar::GetName() const {
-  return m_record ? CString(m_record->name.c_str()) : CString();
+  return record_ ? CString(record_->name.c_str()) : CString();
 }
 CStatus PluginRegistrar::PutEmail(const CString& email) {
-  if (!m_record) return CStatus::Fail;
-  m_record->email = email.Wide();
-  m_record->calls.push_back(L"email");
+  if (!record_) return CStatus::Fail;
+  record_->email = email.Wide();
+  record_->calls.push_back(L"email");
   return CStatus::OK;
 }
 CStatus PluginRegistrar::PutURL(const CString& url) {
-  if (!m_record) return CStatus::Fail;
-  m_record->url = url.Wide();
-  m_record->calls.push_back(L"url");
+  if (!record_) return CStatus::Fail;
+  record_->url = url.Wide();
+  record_->calls.push_back(L"url");
   return CStatus::OK;
 }
 CStatus PluginRegistrar::PutVersion(LONG major, LONG minor) {
-  if (!m_record) return CStatus::Fail;
-  m_record->versionMajor = major;
-  m_record->versionMinor = minor;
-  m_record->calls.push_back(L"version");
+  if (!record_) return CStatus::Fail;
+  record_->versionMajor = major;
+  record_->versionMinor = minor;
+  record_->calls.push_back(L"version");
   return CStatus::OK;
 }
 
 PluginItem PluginRegistrar::RegisterCommand(const CString& name, const CString& /*scriptName*/) {
-  if (!m_record || name.IsEmpty()) return PluginItem();
-  m_record->commands.push_back(name.Wide());
-  m_record->calls.push_back(L"command:" + name.Wide());
+  if (!record_ || name.IsEmpty()) return PluginItem();
+  record_->commands.push_back(name.Wide());
+  record_->calls.push_back(L"command:" + name.Wide());
   return PluginItem();
 }
 
 PluginItem PluginRegistrar::RegisterICENode(const ICENodeDef& definition) {
   const auto& node = definition.GetRecord();
-  if (!m_record || !node || node->threadingModel == 0 || node->outputs.empty() ||
-      m_record->findNode(node->name) != nullptr)
+  if (!record_ || !node || node->threadingModel == 0 || node->outputs.empty() ||
+      record_->FindNode(node->name) != nullptr)
     return PluginItem();
   node->registered = true;
-  m_record->nodes.push_back(node);
-  m_record->calls.push_back(L"node:" + node->name);
+  record_->nodes.push_back(node);
+  record_->calls.push_back(L"node:" + node->name);
   return PluginItem();
 }
 

@@ -32,10 +32,10 @@ namespace {
 // The points of a geometry: mesh vertices, or the control points of every curve in order.
 std::vector<CVector3> pointsOf(const SceneObject& o) {
   std::vector<CVector3> out;
-  if (o.m_mesh) {
-    for (const auto& p : o.m_mesh->points) out.emplace_back(p[0], p[1], p[2]);
+  if (o.mesh_) {
+    for (const auto& p : o.mesh_->points) out.emplace_back(p[0], p[1], p[2]);
   } else {
-    for (const auto& c : o.m_curves)
+    for (const auto& c : o.curves_)
       for (const auto& p : c->data().points) out.emplace_back(p[0], p[1], p[2]);
   }
   return out;
@@ -44,19 +44,19 @@ std::vector<CVector3> pointsOf(const SceneObject& o) {
 CVector3 toVector(const xsihost::Vec3d& v) { return CVector3(v[0], v[1], v[2]); }
 
 // An ICE attribute as an object: the geometry's owner and the attribute's name.
-class AttributeObject : public host_detail::Object {
+class AttributeObject : public xsihost::Object {
  public:
   AttributeObject(std::shared_ptr<const SceneObject> owner, std::wstring name)
-      : m_owner(std::move(owner)), m_name(std::move(name)) {}
-  std::wstring name() const override { return m_name; }
+      : owner_(std::move(owner)), name_(std::move(name)) {}
+  std::wstring name() const override { return name_; }
   std::wstring typeName() const override { return L"ICEAttribute"; }
   const AttributeData* data() const {
-    if (!m_owner->m_mesh) return nullptr;
-    const auto it = m_owner->m_mesh->attributes.find(m_name);
-    return it == m_owner->m_mesh->attributes.end() ? nullptr : &it->second;
+    if (!owner_->mesh_) return nullptr;
+    const auto it = owner_->mesh_->attributes.find(name_);
+    return it == owner_->mesh_->attributes.end() ? nullptr : &it->second;
   }
-  std::shared_ptr<const SceneObject> m_owner;
-  std::wstring m_name;
+  std::shared_ptr<const SceneObject> owner_;
+  std::wstring name_;
 };
 
 // Möller–Trumbore: the line parameter t and barycentric (u, v) of the hit, if any.
@@ -87,21 +87,21 @@ Geometry::Geometry(const CRef& ref) : SIObject(bindIf(ref, as<GeometryObject>(re
 
 CPointRefArray Geometry::GetPoints() const {
   CPointRefArray out;
-  if (const auto g = as<GeometryObject>(m_ref))
-    for (const CVector3& p : pointsOf(*g->m_owner)) out.m_positions.Add(p);
+  if (const auto g = as<GeometryObject>(ref_))
+    for (const CVector3& p : pointsOf(*g->owner_)) out.positions_.Add(p);
   return out;
 }
 
 CTriangleRefArray Geometry::GetTriangles() const {
   CTriangleRefArray out;
-  const auto g = as<GeometryObject>(m_ref);
-  if (!g || !g->m_owner->m_mesh) return out;
-  const auto& mesh = *g->m_owner->m_mesh;
-  const auto& derived = *g->m_owner->m_meshDerived;
+  const auto g = as<GeometryObject>(ref_);
+  if (!g || !g->owner_->mesh_) return out;
+  const auto& mesh = *g->owner_->mesh_;
+  const auto& derived = *g->owner_->meshDerived_;
   for (std::size_t t = 0; t < derived.triangles.size(); ++t) {
     for (int k = 0; k < 3; ++k) {
-      out.m_positions.Add(toVector(mesh.points[static_cast<std::size_t>(derived.triangles[t][k])]));
-      out.m_normals.Add(toVector(
+      out.positions_.Add(toVector(mesh.points[static_cast<std::size_t>(derived.triangles[t][k])]));
+      out.normals_.Add(toVector(
           derived.nodeNormals[static_cast<std::size_t>(derived.triangleNodes[3 * t + k])]));
     }
   }
@@ -111,9 +111,9 @@ CTriangleRefArray Geometry::GetTriangles() const {
 CStatus Geometry::GetBoundingBox(double& centerX, double& centerY, double& centerZ, double& extentX,
                                  double& extentY, double& extentZ,
                                  const CTransformation& transform) const {
-  const auto g = as<GeometryObject>(m_ref);
+  const auto g = as<GeometryObject>(ref_);
   if (!g) return CStatus::Fail;
-  const std::vector<CVector3> points = pointsOf(*g->m_owner);
+  const std::vector<CVector3> points = pointsOf(*g->owner_);
   if (points.empty()) return CStatus::Fail;
   double lo[3], hi[3];
   for (int k = 0; k < 3; ++k) lo[k] = std::numeric_limits<double>::infinity(), hi[k] = -lo[k];
@@ -129,9 +129,9 @@ CStatus Geometry::GetBoundingBox(double& centerX, double& centerY, double& cente
 CStatus Geometry::GetBoundingSphere(double& centerX, double& centerY, double& centerZ,
                                     double& radius, siVolumeCenterMethod method,
                                     const CTransformation& transform) const {
-  const auto g = as<GeometryObject>(m_ref);
+  const auto g = as<GeometryObject>(ref_);
   if (!g) return CStatus::Fail;
-  std::vector<CVector3> points = pointsOf(*g->m_owner);
+  std::vector<CVector3> points = pointsOf(*g->owner_);
   if (points.empty()) return CStatus::Fail;
   for (CVector3& p : points) p = MATH::MapObjectPositionToWorldSpace(transform, p);
   CVector3 center;
@@ -155,18 +155,18 @@ CStatus Geometry::GetBoundingSphere(double& centerX, double& centerY, double& ce
 }
 
 ICEAttribute Geometry::GetICEAttributeFromName(const CString& name) const {
-  const auto g = as<GeometryObject>(m_ref);
+  const auto g = as<GeometryObject>(ref_);
   if (!g) return ICEAttribute();
-  return ICEAttribute(CRef(std::make_shared<AttributeObject>(g->m_owner, name.Wide())));
+  return ICEAttribute(CRef(std::make_shared<AttributeObject>(g->owner_, name.Wide())));
 }
 
 CStatus Geometry::SetupPointLocatorQueries(siClosestLocationMethod /*method*/,
                                            const CTransformation& transform,
                                            const CLongArray& facets, LONG /*pointCacheSize*/) {
-  const auto g = as<GeometryObject>(m_ref);
-  if (!g || !g->m_owner->m_mesh) return CStatus::Fail;
-  m_locatorTransform = transform;
-  m_locatorFacets = facets;
+  const auto g = as<GeometryObject>(ref_);
+  if (!g || !g->owner_->mesh_) return CStatus::Fail;
+  locatorTransform_ = transform;
+  locatorFacets_ = facets;
   return CStatus::OK;
 }
 
@@ -174,26 +174,26 @@ PointLocatorData Geometry::GetRaycastIntersections(LONG count, const double* pos
                                                    const double* directions,
                                                    siLineIntersectionType type) const {
   PointLocatorData out;
-  const auto g = as<GeometryObject>(m_ref);
-  if (!g || !g->m_owner->m_mesh || count < 0 || (count > 0 && (!positions || !directions)))
+  const auto g = as<GeometryObject>(ref_);
+  if (!g || !g->owner_->mesh_ || count < 0 || (count > 0 && (!positions || !directions)))
     return out;
-  const auto& mesh = *g->m_owner->m_mesh;
-  const auto& derived = *g->m_owner->m_meshDerived;
+  const auto& mesh = *g->owner_->mesh_;
+  const auto& derived = *g->owner_->meshDerived_;
   std::vector<bool> allowed;
-  if (m_locatorFacets.GetCount() > 0) {
+  if (locatorFacets_.GetCount() > 0) {
     allowed.assign(mesh.polygons.size(), false);
-    for (LONG i = 0; i < m_locatorFacets.GetCount(); ++i) {
-      const LONG f = m_locatorFacets[i];
+    for (LONG i = 0; i < locatorFacets_.GetCount(); ++i) {
+      const LONG f = locatorFacets_[i];
       if (f >= 0 && static_cast<std::size_t>(f) < allowed.size())
         allowed[static_cast<std::size_t>(f)] = true;
     }
   }
   std::vector<CVector3> points;
   for (const auto& p : mesh.points)
-    points.push_back(MATH::MapObjectPositionToWorldSpace(m_locatorTransform, toVector(p)));
-  out.m_valid = true;
-  out.m_triangles.assign(static_cast<std::size_t>(count), -1);
-  out.m_weights.assign(static_cast<std::size_t>(count) * 3, 0.0);
+    points.push_back(MATH::MapObjectPositionToWorldSpace(locatorTransform_, toVector(p)));
+  out.valid_ = true;
+  out.triangles_.assign(static_cast<std::size_t>(count), -1);
+  out.weights_.assign(static_cast<std::size_t>(count) * 3, 0.0);
   for (LONG r = 0; r < count; ++r) {
     const CVector3 origin(positions[3 * r], positions[3 * r + 1], positions[3 * r + 2]);
     const CVector3 dir(directions[3 * r], directions[3 * r + 1], directions[3 * r + 2]);
@@ -211,10 +211,10 @@ PointLocatorData Geometry::GetRaycastIntersections(LONG count, const double* pos
       if (type == siSegmentIntersection && (hit < 0.0 || hit > 1.0)) continue;
       if (std::fabs(hit) < best) {
         best = std::fabs(hit);
-        out.m_triangles[static_cast<std::size_t>(r)] = static_cast<LONG>(t);
-        out.m_weights[3 * static_cast<std::size_t>(r)] = 1.0 - u - v;
-        out.m_weights[3 * static_cast<std::size_t>(r) + 1] = u;
-        out.m_weights[3 * static_cast<std::size_t>(r) + 2] = v;
+        out.triangles_[static_cast<std::size_t>(r)] = static_cast<LONG>(t);
+        out.weights_[3 * static_cast<std::size_t>(r)] = 1.0 - u - v;
+        out.weights_[3 * static_cast<std::size_t>(r) + 1] = u;
+        out.weights_[3 * static_cast<std::size_t>(r) + 2] = v;
       }
     }
   }
@@ -223,22 +223,22 @@ PointLocatorData Geometry::GetRaycastIntersections(LONG count, const double* pos
 
 CStatus Geometry::EvaluatePositions(const PointLocatorData& locators, LONG count,
                                     const LONG* indices, double* positions) const {
-  const auto g = as<GeometryObject>(m_ref);
-  if (!g || !g->m_owner->m_mesh || count < 0 || (count > 0 && !positions))
+  const auto g = as<GeometryObject>(ref_);
+  if (!g || !g->owner_->mesh_ || count < 0 || (count > 0 && !positions))
     return CStatus::InvalidArgument;
-  const auto& mesh = *g->m_owner->m_mesh;
-  const auto& derived = *g->m_owner->m_meshDerived;
+  const auto& mesh = *g->owner_->mesh_;
+  const auto& derived = *g->owner_->meshDerived_;
   for (LONG i = 0; i < count; ++i) {
     const LONG k = indices ? indices[i] : i;
     CVector3 p;
     if (locators.IsPtLocatorValid(k)) {
       const auto& tri = derived.triangles[static_cast<std::size_t>(
-          locators.m_triangles[static_cast<std::size_t>(k)])];
+          locators.triangles_[static_cast<std::size_t>(k)])];
       for (int c = 0; c < 3; ++c) {
         CVector3 corner = MATH::MapObjectPositionToWorldSpace(
-            m_locatorTransform, toVector(mesh.points[static_cast<std::size_t>(tri[c])]));
+            locatorTransform_, toVector(mesh.points[static_cast<std::size_t>(tri[c])]));
         corner.ScaleInPlace(
-            locators.m_weights[3 * static_cast<std::size_t>(k) + static_cast<std::size_t>(c)]);
+            locators.weights_[3 * static_cast<std::size_t>(k) + static_cast<std::size_t>(c)]);
         p.AddInPlace(corner);
       }
     }
@@ -259,10 +259,10 @@ const AttributeData* attributeData(const CRef& ref) {
 }
 }  // namespace
 
-bool ICEAttribute::IsDefined() const { return attributeData(m_ref) != nullptr; }
+bool ICEAttribute::IsDefined() const { return attributeData(ref_) != nullptr; }
 
 siICENodeDataType ICEAttribute::GetDataType() const {
-  const AttributeData* a = attributeData(m_ref);
+  const AttributeData* a = attributeData(ref_);
   if (!a) return siICENodeDataAny;
   switch (a->type) {
     case AttributeData::Type::Bool:
@@ -280,7 +280,7 @@ siICENodeDataType ICEAttribute::GetDataType() const {
 siICENodeStructureType ICEAttribute::GetStructureType() const { return siICENodeStructureSingle; }
 
 siICENodeContextType ICEAttribute::GetContextType() const {
-  const AttributeData* a = attributeData(m_ref);
+  const AttributeData* a = attributeData(ref_);
   if (!a) return siICENodeContextAny;
   switch (a->context) {
     case AttributeData::Context::Singleton:
@@ -296,47 +296,47 @@ siICENodeContextType ICEAttribute::GetContextType() const {
 }
 
 ULONG ICEAttribute::GetElementCount() const {
-  const AttributeData* a = attributeData(m_ref);
+  const AttributeData* a = attributeData(ref_);
   return a ? static_cast<ULONG>(a->elementCount()) : 0;
 }
 
 bool ICEAttribute::IsConstant() const {
-  const AttributeData* a = attributeData(m_ref);
+  const AttributeData* a = attributeData(ref_);
   return a && a->context == AttributeData::Context::Singleton;
 }
 
 CStatus ICEAttribute::GetDataArray(CBaseICEAttributeDataArray& data) const {
-  const AttributeData* a = attributeData(m_ref);
+  const AttributeData* a = attributeData(ref_);
   if (!a) return CStatus::Fail;
   if (data.GetDataType() != GetDataType()) return CStatus::InvalidArgument;
   const std::size_t n = a->elementCount();
-  data.m_count = static_cast<ULONG>(n);
-  data.m_constant = a->context == AttributeData::Context::Singleton;
+  data.count_ = static_cast<ULONG>(n);
+  data.constant_ = a->context == AttributeData::Context::Singleton;
   switch (a->type) {
     case AttributeData::Type::Bool: {
       auto& out = static_cast<CICEAttributeDataArray<bool>&>(data);
-      out.m_values.clear();
-      for (double v : a->values) out.m_values.push_back({v != 0.0});
+      out.values_.clear();
+      for (double v : a->values) out.values_.push_back({v != 0.0});
       break;
     }
     case AttributeData::Type::Long: {
       auto& out = static_cast<CICEAttributeDataArray<LONG>&>(data);
-      out.m_values.assign(a->values.begin(), a->values.end());
+      out.values_.assign(a->values.begin(), a->values.end());
       break;
     }
     case AttributeData::Type::Float: {
       auto& out = static_cast<CICEAttributeDataArray<float>&>(data);
-      out.m_values.clear();
-      for (double v : a->values) out.m_values.push_back(static_cast<float>(v));
+      out.values_.clear();
+      for (double v : a->values) out.values_.push_back(static_cast<float>(v));
       break;
     }
     case AttributeData::Type::Vector3: {
       auto& out = static_cast<CICEAttributeDataArray<MATH::CVector3f>&>(data);
-      out.m_values.clear();
+      out.values_.clear();
       for (std::size_t i = 0; i < n; ++i)
-        out.m_values.emplace_back(static_cast<float>(a->values[3 * i]),
-                                  static_cast<float>(a->values[3 * i + 1]),
-                                  static_cast<float>(a->values[3 * i + 2]));
+        out.values_.emplace_back(static_cast<float>(a->values[3 * i]),
+                                 static_cast<float>(a->values[3 * i + 1]),
+                                 static_cast<float>(a->values[3 * i + 2]));
       break;
     }
   }
@@ -344,8 +344,8 @@ CStatus ICEAttribute::GetDataArray(CBaseICEAttributeDataArray& data) const {
 }
 
 CStatus ICEAttribute::ReleaseDataArray(CBaseICEAttributeDataArray& data) const {
-  data.m_count = 0;
-  data.m_constant = false;
+  data.count_ = 0;
+  data.constant_ = false;
   return CStatus::OK;
 }
 
@@ -353,16 +353,16 @@ CStatus ICEAttribute::ReleaseDataArray(CBaseICEAttributeDataArray& data) const {
 
 PolygonMesh::PolygonMesh(const CRef& ref) {
   const auto g = as<GeometryObject>(ref);
-  SetObject(g && g->m_owner->m_mesh ? ref : CRef());
+  SetObject(g && g->owner_->mesh_ ? ref : CRef());
 }
 
 CStatus PolygonMesh::Get(CVector3Array& points, CLongArray& polygonData) const {
-  const auto g = as<GeometryObject>(m_ref);
-  if (!g || !g->m_owner->m_mesh) return CStatus::Fail;
+  const auto g = as<GeometryObject>(ref_);
+  if (!g || !g->owner_->mesh_) return CStatus::Fail;
   points.Clear();
   polygonData.Clear();
-  for (const auto& p : g->m_owner->m_mesh->points) points.Add(toVector(p));
-  for (const auto& poly : g->m_owner->m_mesh->polygons) {
+  for (const auto& p : g->owner_->mesh_->points) points.Add(toVector(p));
+  for (const auto& poly : g->owner_->mesh_->polygons) {
     polygonData.Add(static_cast<LONG>(poly.size()));
     for (std::int32_t v : poly) polygonData.Add(v);
   }
@@ -370,77 +370,77 @@ CStatus PolygonMesh::Get(CVector3Array& points, CLongArray& polygonData) const {
 }
 
 LONG PolygonMesh::GetPointCount() const {
-  const auto g = as<GeometryObject>(m_ref);
-  return g && g->m_owner->m_mesh ? static_cast<LONG>(g->m_owner->m_mesh->points.size()) : 0;
+  const auto g = as<GeometryObject>(ref_);
+  return g && g->owner_->mesh_ ? static_cast<LONG>(g->owner_->mesh_->points.size()) : 0;
 }
 
 LONG PolygonMesh::GetPolygonCount() const {
-  const auto g = as<GeometryObject>(m_ref);
-  return g && g->m_owner->m_mesh ? static_cast<LONG>(g->m_owner->m_mesh->polygons.size()) : 0;
+  const auto g = as<GeometryObject>(ref_);
+  return g && g->owner_->mesh_ ? static_cast<LONG>(g->owner_->mesh_->polygons.size()) : 0;
 }
 
 CGeometryAccessor PolygonMesh::GetGeometryAccessor(siConstructionMode /*mode*/,
                                                    LONG /*subdivisionLevel*/) const {
-  const auto g = as<GeometryObject>(m_ref);
-  if (!g || !g->m_owner->m_mesh) return CGeometryAccessor();
+  const auto g = as<GeometryObject>(ref_);
+  if (!g || !g->owner_->mesh_) return CGeometryAccessor();
   return CGeometryAccessor(g);
 }
 
 namespace {
-const GeometryObject* meshOf(const std::shared_ptr<host_detail::Object>& o) {
+const GeometryObject* meshOf(const std::shared_ptr<xsihost::Object>& o) {
   return dynamic_cast<const GeometryObject*>(o.get());
 }
 }  // namespace
 
 LONG CGeometryAccessor::GetVertexCount() const {
-  return m_mesh ? static_cast<LONG>(meshOf(m_mesh)->m_owner->m_mesh->points.size()) : 0;
+  return mesh_ ? static_cast<LONG>(meshOf(mesh_)->owner_->mesh_->points.size()) : 0;
 }
 LONG CGeometryAccessor::GetPolygonCount() const {
-  return m_mesh ? static_cast<LONG>(meshOf(m_mesh)->m_owner->m_mesh->polygons.size()) : 0;
+  return mesh_ ? static_cast<LONG>(meshOf(mesh_)->owner_->mesh_->polygons.size()) : 0;
 }
 LONG CGeometryAccessor::GetPolygonNodeCount() const {
-  return m_mesh ? static_cast<LONG>(meshOf(m_mesh)->m_owner->m_meshDerived->nodeNormals.size()) : 0;
+  return mesh_ ? static_cast<LONG>(meshOf(mesh_)->owner_->meshDerived_->nodeNormals.size()) : 0;
 }
 LONG CGeometryAccessor::GetTriangleCount() const {
-  return m_mesh ? static_cast<LONG>(meshOf(m_mesh)->m_owner->m_meshDerived->triangles.size()) : 0;
+  return mesh_ ? static_cast<LONG>(meshOf(mesh_)->owner_->meshDerived_->triangles.size()) : 0;
 }
 
 CStatus CGeometryAccessor::GetVertexPositions(CDoubleArray& positions) const {
-  if (!m_mesh) return CStatus::Fail;
+  if (!mesh_) return CStatus::Fail;
   positions.Clear();
-  for (const auto& p : meshOf(m_mesh)->m_owner->m_mesh->points)
+  for (const auto& p : meshOf(mesh_)->owner_->mesh_->points)
     for (double c : p) positions.Add(c);
   return CStatus::OK;
 }
 
 CStatus CGeometryAccessor::GetVertexIndices(CLongArray& indices) const {
-  if (!m_mesh) return CStatus::Fail;
+  if (!mesh_) return CStatus::Fail;
   indices.Clear();
-  for (const auto& poly : meshOf(m_mesh)->m_owner->m_mesh->polygons)
+  for (const auto& poly : meshOf(mesh_)->owner_->mesh_->polygons)
     for (std::int32_t v : poly) indices.Add(v);
   return CStatus::OK;
 }
 
 CStatus CGeometryAccessor::GetPolygonVerticesCount(CLongArray& counts) const {
-  if (!m_mesh) return CStatus::Fail;
+  if (!mesh_) return CStatus::Fail;
   counts.Clear();
-  for (const auto& poly : meshOf(m_mesh)->m_owner->m_mesh->polygons)
+  for (const auto& poly : meshOf(mesh_)->owner_->mesh_->polygons)
     counts.Add(static_cast<LONG>(poly.size()));
   return CStatus::OK;
 }
 
 CStatus CGeometryAccessor::GetTriangleVertexIndices(CLongArray& indices) const {
-  if (!m_mesh) return CStatus::Fail;
+  if (!mesh_) return CStatus::Fail;
   indices.Clear();
-  for (const auto& t : meshOf(m_mesh)->m_owner->m_meshDerived->triangles)
+  for (const auto& t : meshOf(mesh_)->owner_->meshDerived_->triangles)
     for (std::int32_t v : t) indices.Add(v);
   return CStatus::OK;
 }
 
 CStatus CGeometryAccessor::GetNodeNormals(CFloatArray& normals) const {
-  if (!m_mesh) return CStatus::Fail;
+  if (!mesh_) return CStatus::Fail;
   normals.Clear();
-  for (const auto& n : meshOf(m_mesh)->m_owner->m_meshDerived->nodeNormals)
+  for (const auto& n : meshOf(mesh_)->owner_->meshDerived_->nodeNormals)
     for (double c : n) normals.Add(static_cast<float>(c));
   return CStatus::OK;
 }
@@ -449,20 +449,20 @@ CStatus CGeometryAccessor::GetNodeNormals(CFloatArray& normals) const {
 
 NurbsCurveList::NurbsCurveList(const CRef& ref) {
   const auto g = as<GeometryObject>(ref);
-  SetObject(g && !g->m_owner->m_curves.empty() ? ref : CRef());
+  SetObject(g && !g->owner_->curves_.empty() ? ref : CRef());
 }
 
 CNurbsCurveRefArray NurbsCurveList::GetCurves() const {
   CNurbsCurveRefArray out;
-  if (const auto g = as<GeometryObject>(m_ref))
-    for (std::size_t i = 0; i < g->m_owner->m_curves.size(); ++i)
-      out.Add(CRef(std::make_shared<xsihost::CurveObject>(g->m_owner, i)));
+  if (const auto g = as<GeometryObject>(ref_))
+    for (std::size_t i = 0; i < g->owner_->curves_.size(); ++i)
+      out.Add(CRef(std::make_shared<xsihost::CurveObject>(g->owner_, i)));
   return out;
 }
 
 LONG NurbsCurveList::GetCurveCount() const {
-  const auto g = as<GeometryObject>(m_ref);
-  return g ? static_cast<LONG>(g->m_owner->m_curves.size()) : 0;
+  const auto g = as<GeometryObject>(ref_);
+  return g ? static_cast<LONG>(g->owner_->curves_.size()) : 0;
 }
 
 NurbsCurve::NurbsCurve(const CRef& ref)
@@ -491,29 +491,29 @@ CStatus sample(const CRef& ref, int mode, double value, CVector3& position, CVec
 
 CStatus NurbsCurve::EvaluatePosition(double u, CVector3& position, CVector3& tangent,
                                      CVector3& normal, CVector3& binormal) const {
-  return sample(m_ref, 0, u, position, tangent, normal, binormal);
+  return sample(ref_, 0, u, position, tangent, normal, binormal);
 }
 
 CStatus NurbsCurve::EvaluateNormalizedPosition(double u, CVector3& position, CVector3& tangent,
                                                CVector3& normal, CVector3& binormal) const {
-  return sample(m_ref, 1, u, position, tangent, normal, binormal);
+  return sample(ref_, 1, u, position, tangent, normal, binormal);
 }
 
 CStatus NurbsCurve::EvaluatePositionFromPercentage(double percentage, CVector3& position,
                                                    CVector3& tangent, CVector3& normal,
                                                    CVector3& binormal) const {
-  return sample(m_ref, 2, percentage, position, tangent, normal, binormal);
+  return sample(ref_, 2, percentage, position, tangent, normal, binormal);
 }
 
 CStatus NurbsCurve::GetLength(double& length) const {
-  const auto c = as<xsihost::CurveObject>(m_ref);
+  const auto c = as<xsihost::CurveObject>(ref_);
   if (!c) return CStatus::Fail;
   length = c->curve().length();
   return CStatus::OK;
 }
 
 CStatus NurbsCurve::GetParameterRange(double& min, double& max) const {
-  const auto c = as<xsihost::CurveObject>(m_ref);
+  const auto c = as<xsihost::CurveObject>(ref_);
   if (!c) return CStatus::Fail;
   min = c->curve().minParameter();
   max = c->curve().maxParameter();
@@ -521,12 +521,12 @@ CStatus NurbsCurve::GetParameterRange(double& min, double& max) const {
 }
 
 bool NurbsCurve::IsClosed() const {
-  const auto c = as<xsihost::CurveObject>(m_ref);
+  const auto c = as<xsihost::CurveObject>(ref_);
   return c && c->curve().data().closed;
 }
 
 LONG NurbsCurve::GetDegree() const {
-  const auto c = as<xsihost::CurveObject>(m_ref);
+  const auto c = as<xsihost::CurveObject>(ref_);
   return c ? c->curve().data().degree : 0;
 }
 

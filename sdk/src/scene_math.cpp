@@ -14,34 +14,34 @@ namespace MATH {
 // ---- CVector3 -----------------------------------------------------------------------------
 
 void CVector3::Get(double& x, double& y, double& z) const {
-  x = m_x;
-  y = m_y;
-  z = m_z;
+  x = x_;
+  y = y_;
+  z = z_;
 }
 
 CVector3& CVector3::Set(double x, double y, double z) {
-  m_x = x;
-  m_y = y;
-  m_z = z;
+  x_ = x;
+  y_ = y;
+  z_ = z;
   return *this;
 }
 
 CVector3& CVector3::SetNull() { return Set(0.0, 0.0, 0.0); }
 
-double CVector3::operator[](short index) const { return index == 0 ? m_x : index == 1 ? m_y : m_z; }
+double CVector3::operator[](short index) const { return index == 0 ? x_ : index == 1 ? y_ : z_; }
 
-double& CVector3::operator[](short index) { return index == 0 ? m_x : index == 1 ? m_y : m_z; }
+double& CVector3::operator[](short index) { return index == 0 ? x_ : index == 1 ? y_ : z_; }
 
-double CVector3::GetLengthSquared() const { return m_x * m_x + m_y * m_y + m_z * m_z; }
+double CVector3::GetLengthSquared() const { return x_ * x_ + y_ * y_ + z_ * z_; }
 
 double CVector3::GetLength() const { return std::sqrt(GetLengthSquared()); }
 
 CStatus CVector3::NormalizeInPlace() {
   const double length = GetLength();
   if (!(length > 0.0) || !std::isfinite(length)) return CStatus::Fail;
-  m_x /= length;
-  m_y /= length;
-  m_z /= length;
+  x_ /= length;
+  y_ /= length;
+  z_ /= length;
   return CStatus::OK;
 }
 
@@ -50,11 +50,10 @@ CStatus CVector3::Normalize(const CVector3& v) {
   return NormalizeInPlace();
 }
 
-double CVector3::Dot(const CVector3& v) const { return m_x * v.m_x + m_y * v.m_y + m_z * v.m_z; }
+double CVector3::Dot(const CVector3& v) const { return x_ * v.x_ + y_ * v.y_ + z_ * v.z_; }
 
 CVector3& CVector3::Cross(const CVector3& a, const CVector3& b) {
-  return Set(a.m_y * b.m_z - a.m_z * b.m_y, a.m_z * b.m_x - a.m_x * b.m_z,
-             a.m_x * b.m_y - a.m_y * b.m_x);
+  return Set(a.y_ * b.z_ - a.z_ * b.y_, a.z_ * b.x_ - a.x_ * b.z_, a.x_ * b.y_ - a.y_ * b.x_);
 }
 
 double CVector3::GetAngle(const CVector3& v) const {
@@ -69,26 +68,24 @@ double CVector3::GetAngle(const CVector3& v) const {
 }
 
 CVector3& CVector3::Add(const CVector3& a, const CVector3& b) {
-  return Set(a.m_x + b.m_x, a.m_y + b.m_y, a.m_z + b.m_z);
+  return Set(a.x_ + b.x_, a.y_ + b.y_, a.z_ + b.z_);
 }
 CVector3& CVector3::AddInPlace(const CVector3& v) { return Add(*this, v); }
 CVector3& CVector3::Sub(const CVector3& a, const CVector3& b) {
-  return Set(a.m_x - b.m_x, a.m_y - b.m_y, a.m_z - b.m_z);
+  return Set(a.x_ - b.x_, a.y_ - b.y_, a.z_ - b.z_);
 }
 CVector3& CVector3::SubInPlace(const CVector3& v) { return Sub(*this, v); }
-CVector3& CVector3::Scale(double s, const CVector3& v) {
-  return Set(s * v.m_x, s * v.m_y, s * v.m_z);
-}
+CVector3& CVector3::Scale(double s, const CVector3& v) { return Set(s * v.x_, s * v.y_, s * v.z_); }
 CVector3& CVector3::ScaleInPlace(double s) { return Scale(s, *this); }
-CVector3& CVector3::Negate(const CVector3& v) { return Set(-v.m_x, -v.m_y, -v.m_z); }
+CVector3& CVector3::Negate(const CVector3& v) { return Set(-v.x_, -v.y_, -v.z_); }
 CVector3& CVector3::NegateInPlace() { return Negate(*this); }
 CVector3& CVector3::Absolute(const CVector3& v) {
-  return Set(std::fabs(v.m_x), std::fabs(v.m_y), std::fabs(v.m_z));
+  return Set(std::fabs(v.x_), std::fabs(v.y_), std::fabs(v.z_));
 }
 CVector3& CVector3::AbsoluteInPlace() { return Absolute(*this); }
 
 CVector3& CVector3::LinearlyInterpolate(const CVector3& a, const CVector3& b, double t) {
-  return Set(a.m_x + t * (b.m_x - a.m_x), a.m_y + t * (b.m_y - a.m_y), a.m_z + t * (b.m_z - a.m_z));
+  return Set(a.x_ + t * (b.x_ - a.x_), a.y_ + t * (b.y_ - a.y_), a.z_ + t * (b.z_ - a.z_));
 }
 
 CVector3& CVector3::MulByTransformation(const CVector3& v, const CTransformation& t) {
@@ -99,7 +96,7 @@ CVector3& CVector3::MulByTransformationInPlace(const CTransformation& t) {
 }
 
 CVector3& CVector3::MulByMatrix3(const CVector3& v, const CMatrix3& m) {
-  const double x = v.m_x, y = v.m_y, z = v.m_z;
+  const double x = v.x_, y = v.y_, z = v.z_;
   return Set(x * m.GetValue(0, 0) + y * m.GetValue(1, 0) + z * m.GetValue(2, 0),
              x * m.GetValue(0, 1) + y * m.GetValue(1, 1) + z * m.GetValue(2, 1),
              x * m.GetValue(0, 2) + y * m.GetValue(1, 2) + z * m.GetValue(2, 2));
@@ -107,7 +104,7 @@ CVector3& CVector3::MulByMatrix3(const CVector3& v, const CMatrix3& m) {
 CVector3& CVector3::MulByMatrix3InPlace(const CMatrix3& m) { return MulByMatrix3(*this, m); }
 
 CVector3& CVector3::MulByMatrix4(const CVector3& v, const CMatrix4& m) {
-  const double x = v.m_x, y = v.m_y, z = v.m_z;
+  const double x = v.x_, y = v.y_, z = v.z_;
   return Set(x * m.GetValue(0, 0) + y * m.GetValue(1, 0) + z * m.GetValue(2, 0) + m.GetValue(3, 0),
              x * m.GetValue(0, 1) + y * m.GetValue(1, 1) + z * m.GetValue(2, 1) + m.GetValue(3, 1),
              x * m.GetValue(0, 2) + y * m.GetValue(1, 2) + z * m.GetValue(2, 2) + m.GetValue(3, 2));
@@ -120,27 +117,25 @@ CVector3& CVector3::MulByRotation(const CVector3& v, const CRotation& r) {
 CVector3& CVector3::MulByRotationInPlace(const CRotation& r) { return MulByRotation(*this, r); }
 
 bool CVector3::EpsilonEquals(const CVector3& v, double epsilon) const {
-  return std::fabs(m_x - v.m_x) <= epsilon && std::fabs(m_y - v.m_y) <= epsilon &&
-         std::fabs(m_z - v.m_z) <= epsilon;
+  return std::fabs(x_ - v.x_) <= epsilon && std::fabs(y_ - v.y_) <= epsilon &&
+         std::fabs(z_ - v.z_) <= epsilon;
 }
 
-bool CVector3::Equals(const CVector3& v) const {
-  return m_x == v.m_x && m_y == v.m_y && m_z == v.m_z;
-}
+bool CVector3::Equals(const CVector3& v) const { return x_ == v.x_ && y_ == v.y_ && z_ == v.z_; }
 
 CStatus CVector3Array::Resize(LONG count) {
   if (count < 0) return CStatus::InvalidArgument;
-  m_items.resize(static_cast<size_t>(count));
+  items_.resize(static_cast<size_t>(count));
   return CStatus::OK;
 }
 
 LONG CVector3Array::Add(const CVector3& v) {
-  m_items.push_back(v);
+  items_.push_back(v);
   return GetCount() - 1;
 }
 
 CStatus CVector3Array::Clear() {
-  m_items.clear();
+  items_.clear();
   return CStatus::OK;
 }
 
@@ -155,17 +150,17 @@ CMatrix3::CMatrix3(double m00, double m01, double m02, double m10, double m11, d
 
 CMatrix3& CMatrix3::Set(double m00, double m01, double m02, double m10, double m11, double m12,
                         double m20, double m21, double m22) {
-  m_v[0][0] = m00, m_v[0][1] = m01, m_v[0][2] = m02;
-  m_v[1][0] = m10, m_v[1][1] = m11, m_v[1][2] = m12;
-  m_v[2][0] = m20, m_v[2][1] = m21, m_v[2][2] = m22;
+  v_[0][0] = m00, v_[0][1] = m01, v_[0][2] = m02;
+  v_[1][0] = m10, v_[1][1] = m11, v_[1][2] = m12;
+  v_[2][0] = m20, v_[2][1] = m21, v_[2][2] = m22;
   return *this;
 }
 
 void CMatrix3::Get(double& m00, double& m01, double& m02, double& m10, double& m11, double& m12,
                    double& m20, double& m21, double& m22) const {
-  m00 = m_v[0][0], m01 = m_v[0][1], m02 = m_v[0][2];
-  m10 = m_v[1][0], m11 = m_v[1][1], m12 = m_v[1][2];
-  m20 = m_v[2][0], m21 = m_v[2][1], m22 = m_v[2][2];
+  m00 = v_[0][0], m01 = v_[0][1], m02 = v_[0][2];
+  m10 = v_[1][0], m11 = v_[1][1], m12 = v_[1][2];
+  m20 = v_[2][0], m21 = v_[2][1], m22 = v_[2][2];
 }
 
 CMatrix3& CMatrix3::SetIdentity() { return Set(1, 0, 0, 0, 1, 0, 0, 0, 1); }
@@ -174,11 +169,11 @@ CMatrix3& CMatrix3::Mul(const CMatrix3& a, const CMatrix3& b) {
   double r[3][3];
   for (int i = 0; i < 3; ++i) {
     for (int j = 0; j < 3; ++j) {
-      r[i][j] = a.m_v[i][0] * b.m_v[0][j] + a.m_v[i][1] * b.m_v[1][j] + a.m_v[i][2] * b.m_v[2][j];
+      r[i][j] = a.v_[i][0] * b.v_[0][j] + a.v_[i][1] * b.v_[1][j] + a.v_[i][2] * b.v_[2][j];
     }
   }
   for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) m_v[i][j] = r[i][j];
+    for (int j = 0; j < 3; ++j) v_[i][j] = r[i][j];
   return *this;
 }
 
@@ -187,22 +182,22 @@ CMatrix3& CMatrix3::MulInPlace(const CMatrix3& m) { return Mul(*this, m); }
 CMatrix3& CMatrix3::Transpose(const CMatrix3& m) {
   const CMatrix3 copy = m;
   for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) m_v[i][j] = copy.m_v[j][i];
+    for (int j = 0; j < 3; ++j) v_[i][j] = copy.v_[j][i];
   return *this;
 }
 
 CMatrix3& CMatrix3::TransposeInPlace() { return Transpose(*this); }
 
 double CMatrix3::GetDeterminant() const {
-  return m_v[0][0] * (m_v[1][1] * m_v[2][2] - m_v[1][2] * m_v[2][1]) -
-         m_v[0][1] * (m_v[1][0] * m_v[2][2] - m_v[1][2] * m_v[2][0]) +
-         m_v[0][2] * (m_v[1][0] * m_v[2][1] - m_v[1][1] * m_v[2][0]);
+  return v_[0][0] * (v_[1][1] * v_[2][2] - v_[1][2] * v_[2][1]) -
+         v_[0][1] * (v_[1][0] * v_[2][2] - v_[1][2] * v_[2][0]) +
+         v_[0][2] * (v_[1][0] * v_[2][1] - v_[1][1] * v_[2][0]);
 }
 
 bool CMatrix3::Invert(const CMatrix3& m) {
   const double det = m.GetDeterminant();
   if (det == 0.0 || !std::isfinite(det)) return false;
-  const auto& v = m.m_v;
+  const auto& v = m.v_;
   const double inv = 1.0 / det;
   Set((v[1][1] * v[2][2] - v[1][2] * v[2][1]) * inv, (v[0][2] * v[2][1] - v[0][1] * v[2][2]) * inv,
       (v[0][1] * v[1][2] - v[0][2] * v[1][1]) * inv, (v[1][2] * v[2][0] - v[1][0] * v[2][2]) * inv,
@@ -220,7 +215,7 @@ bool CMatrix3::InvertInPlace() {
 bool CMatrix3::EpsilonEquals(const CMatrix3& m, double epsilon) const {
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j)
-      if (!(std::fabs(m_v[i][j] - m.m_v[i][j]) <= epsilon)) return false;
+      if (!(std::fabs(v_[i][j] - m.v_[i][j]) <= epsilon)) return false;
   return true;
 }
 
@@ -241,13 +236,13 @@ CMatrix4& CMatrix4::Set(double m00, double m01, double m02, double m03, double m
                         double m30, double m31, double m32, double m33) {
   const double values[16] = {m00, m01, m02, m03, m10, m11, m12, m13,
                              m20, m21, m22, m23, m30, m31, m32, m33};
-  for (int k = 0; k < 16; ++k) m_v[k / 4][k % 4] = values[k];
+  for (int k = 0; k < 16; ++k) v_[k / 4][k % 4] = values[k];
   return *this;
 }
 
 CMatrix4& CMatrix4::SetIdentity() {
   for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j) m_v[i][j] = i == j ? 1.0 : 0.0;
+    for (int j = 0; j < 4; ++j) v_[i][j] = i == j ? 1.0 : 0.0;
   return *this;
 }
 
@@ -255,12 +250,12 @@ CMatrix4& CMatrix4::Mul(const CMatrix4& a, const CMatrix4& b) {
   double r[4][4];
   for (int i = 0; i < 4; ++i) {
     for (int j = 0; j < 4; ++j) {
-      r[i][j] = a.m_v[i][0] * b.m_v[0][j] + a.m_v[i][1] * b.m_v[1][j] + a.m_v[i][2] * b.m_v[2][j] +
-                a.m_v[i][3] * b.m_v[3][j];
+      r[i][j] = a.v_[i][0] * b.v_[0][j] + a.v_[i][1] * b.v_[1][j] + a.v_[i][2] * b.v_[2][j] +
+                a.v_[i][3] * b.v_[3][j];
     }
   }
   for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j) m_v[i][j] = r[i][j];
+    for (int j = 0; j < 4; ++j) v_[i][j] = r[i][j];
   return *this;
 }
 
@@ -269,7 +264,7 @@ CMatrix4& CMatrix4::MulInPlace(const CMatrix4& m) { return Mul(*this, m); }
 CMatrix4& CMatrix4::Transpose(const CMatrix4& m) {
   const CMatrix4 copy = m;
   for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j) m_v[i][j] = copy.m_v[j][i];
+    for (int j = 0; j < 4; ++j) v_[i][j] = copy.v_[j][i];
   return *this;
 }
 
@@ -283,12 +278,12 @@ double CMatrix4::GetDeterminant() const {
     for (int i = 1; i < 4; ++i) {
       int k = 0;
       for (int j = 0; j < 4; ++j) {
-        if (j != c) minor[i - 1][k++] = m_v[i][j];
+        if (j != c) minor[i - 1][k++] = v_[i][j];
       }
     }
     const CMatrix3 m3(minor[0][0], minor[0][1], minor[0][2], minor[1][0], minor[1][1], minor[1][2],
                       minor[2][0], minor[2][1], minor[2][2]);
-    det += ((c % 2) ? -1.0 : 1.0) * m_v[0][c] * m3.GetDeterminant();
+    det += ((c % 2) ? -1.0 : 1.0) * v_[0][c] * m3.GetDeterminant();
   }
   return det;
 }
@@ -298,7 +293,7 @@ bool CMatrix4::Invert(const CMatrix4& m) {
   double a[4][8];
   for (int i = 0; i < 4; ++i) {
     for (int j = 0; j < 4; ++j) {
-      a[i][j] = m.m_v[i][j];
+      a[i][j] = m.v_[i][j];
       a[i][j + 4] = i == j ? 1.0 : 0.0;
     }
   }
@@ -318,7 +313,7 @@ bool CMatrix4::Invert(const CMatrix4& m) {
     }
   }
   for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j) m_v[i][j] = a[i][j + 4];
+    for (int j = 0; j < 4; ++j) v_[i][j] = a[i][j + 4];
   return true;
 }
 
@@ -328,14 +323,13 @@ bool CMatrix4::InvertInPlace() {
 }
 
 void CMatrix4::GetMatrix3(CMatrix3& out) const {
-  out.Set(m_v[0][0], m_v[0][1], m_v[0][2], m_v[1][0], m_v[1][1], m_v[1][2], m_v[2][0], m_v[2][1],
-          m_v[2][2]);
+  out.Set(v_[0][0], v_[0][1], v_[0][2], v_[1][0], v_[1][1], v_[1][2], v_[2][0], v_[2][1], v_[2][2]);
 }
 
 bool CMatrix4::EpsilonEquals(const CMatrix4& m, double epsilon) const {
   for (int i = 0; i < 4; ++i)
     for (int j = 0; j < 4; ++j)
-      if (!(std::fabs(m_v[i][j] - m.m_v[i][j]) <= epsilon)) return false;
+      if (!(std::fabs(v_[i][j] - m.v_[i][j]) <= epsilon)) return false;
   return true;
 }
 
@@ -367,7 +361,7 @@ CRotation::CRotation(double x, double y, double z, siRotationOrder order) {
 }
 
 CRotation& CRotation::SetIdentity() {
-  m_matrix.SetIdentity();
+  matrix_.SetIdentity();
   return *this;
 }
 
@@ -378,10 +372,10 @@ CRotation& CRotation::SetFromXYZAngles(const CVector3& angles, siRotationOrder o
 CRotation& CRotation::SetFromXYZAnglesValues(double x, double y, double z, siRotationOrder order) {
   const double angles[3] = {x, y, z};
   const int o = (order >= siXYZ && order <= siZYX) ? order : siXYZ;
-  m_matrix.SetIdentity();
+  matrix_.SetIdentity();
   for (int k = 0; k < 3; ++k) {
     const int axis = kOrderAxes[o][k];
-    m_matrix.MulInPlace(axisRotation(axis, angles[axis]));
+    matrix_.MulInPlace(axisRotation(axis, angles[axis]));
   }
   return *this;
 }
@@ -395,7 +389,7 @@ CVector3 CRotation::GetXYZAngles(siRotationOrder order) const {
   // Sign of the permutation (a, b, c): +1 for cyclic orders.
   const double sign = ((b - a + 3) % 3 == 1) ? 1.0 : -1.0;
   auto m = [&](int i, int j) {
-    return m_matrix.GetValue(static_cast<short>(i), static_cast<short>(j));
+    return matrix_.GetValue(static_cast<short>(i), static_cast<short>(j));
   };
   double angles[3];
   const double sb = -sign * m(a, c);
@@ -423,31 +417,31 @@ CRotation& CRotation::SetFromAxisAngle(const CVector3& axis, double angle) {
   const double c = std::cos(angle), s = std::sin(angle), t = 1.0 - c;
   const double x = n.GetX(), y = n.GetY(), z = n.GetZ();
   // Column-vector Rodrigues matrix, transposed for row vectors.
-  m_matrix.Set(t * x * x + c, t * x * y + s * z, t * x * z - s * y,  //
-               t * x * y - s * z, t * y * y + c, t * y * z + s * x,  //
-               t * x * z + s * y, t * y * z - s * x, t * z * z + c);
+  matrix_.Set(t * x * x + c, t * x * y + s * z, t * x * z - s * y,  //
+              t * x * y - s * z, t * y * y + c, t * y * z + s * x,  //
+              t * x * z + s * y, t * y * z - s * x, t * z * z + c);
   return *this;
 }
 
 CRotation& CRotation::SetFromMatrix(const CMatrix3& m) {
-  m_matrix = m;
+  matrix_ = m;
   return *this;
 }
 
 CRotation& CRotation::Mul(const CRotation& a, const CRotation& b) {
-  m_matrix.Mul(a.m_matrix, b.m_matrix);
+  matrix_.Mul(a.matrix_, b.matrix_);
   return *this;
 }
 
 CRotation& CRotation::MulInPlace(const CRotation& r) { return Mul(*this, r); }
 
 CRotation& CRotation::InvertInPlace() {
-  m_matrix.TransposeInPlace();
+  matrix_.TransposeInPlace();
   return *this;
 }
 
 bool CRotation::EpsilonEquals(const CRotation& r, double epsilon) const {
-  return m_matrix.EpsilonEquals(r.m_matrix, epsilon);
+  return matrix_.EpsilonEquals(r.matrix_, epsilon);
 }
 
 // ---- CTransformation ----------------------------------------------------------------------
@@ -513,29 +507,29 @@ Decomposition decompose(const CMatrix4& m) {
 
 void CTransformation::Compose(const CVector3& s, const CMatrix3& r, const CVector3& t) {
   for (short i = 0; i < 3; ++i) {
-    for (short j = 0; j < 3; ++j) m_matrix.SetValue(i, j, s[i] * r.GetValue(i, j));
-    m_matrix.SetValue(i, 3, 0.0);
+    for (short j = 0; j < 3; ++j) matrix_.SetValue(i, j, s[i] * r.GetValue(i, j));
+    matrix_.SetValue(i, 3, 0.0);
   }
-  m_matrix.SetValue(3, 0, t.GetX());
-  m_matrix.SetValue(3, 1, t.GetY());
-  m_matrix.SetValue(3, 2, t.GetZ());
-  m_matrix.SetValue(3, 3, 1.0);
+  matrix_.SetValue(3, 0, t.GetX());
+  matrix_.SetValue(3, 1, t.GetY());
+  matrix_.SetValue(3, 2, t.GetZ());
+  matrix_.SetValue(3, 3, 1.0);
 }
 
 CTransformation& CTransformation::SetIdentity() {
-  m_matrix.SetIdentity();
+  matrix_.SetIdentity();
   return *this;
 }
 
 CTransformation& CTransformation::SetMatrix4(const CMatrix4& m) {
-  m_matrix = m;
-  for (short i = 0; i < 3; ++i) m_matrix.SetValue(i, 3, 0.0);
-  m_matrix.SetValue(3, 3, 1.0);
+  matrix_ = m;
+  for (short i = 0; i < 3; ++i) matrix_.SetValue(i, 3, 0.0);
+  matrix_.SetValue(3, 3, 1.0);
   return *this;
 }
 
 CTransformation& CTransformation::SetScaling(const CVector3& s) {
-  const Decomposition d = decompose(m_matrix);
+  const Decomposition d = decompose(matrix_);
   Compose(s, d.rotation, GetTranslation());
   return *this;
 }
@@ -544,14 +538,14 @@ CTransformation& CTransformation::SetScalingFromValues(double x, double y, doubl
   return SetScaling(CVector3(x, y, z));
 }
 
-CVector3 CTransformation::GetScaling() const { return decompose(m_matrix).scaling; }
+CVector3 CTransformation::GetScaling() const { return decompose(matrix_).scaling; }
 
 void CTransformation::GetScalingValues(double& x, double& y, double& z) const {
   GetScaling().Get(x, y, z);
 }
 
 CTransformation& CTransformation::SetRotation(const CRotation& r) {
-  const Decomposition d = decompose(m_matrix);
+  const Decomposition d = decompose(matrix_);
   Compose(d.scaling, r.GetMatrix(), GetTranslation());
   return *this;
 }
@@ -563,33 +557,33 @@ CTransformation& CTransformation::SetRotationFromXYZAnglesValues(double x, doubl
 
 CRotation CTransformation::GetRotation() const {
   CRotation r;
-  r.SetFromMatrix(decompose(m_matrix).rotation);
+  r.SetFromMatrix(decompose(matrix_).rotation);
   return r;
 }
 
 CVector3 CTransformation::GetRotationXYZAngles() const { return GetRotation().GetXYZAngles(); }
 
-CMatrix3 CTransformation::GetRotationMatrix3() const { return decompose(m_matrix).rotation; }
+CMatrix3 CTransformation::GetRotationMatrix3() const { return decompose(matrix_).rotation; }
 
 CTransformation& CTransformation::SetTranslation(const CVector3& t) {
   return SetTranslationFromValues(t.GetX(), t.GetY(), t.GetZ());
 }
 
 CTransformation& CTransformation::SetTranslationFromValues(double x, double y, double z) {
-  m_matrix.SetValue(3, 0, x);
-  m_matrix.SetValue(3, 1, y);
-  m_matrix.SetValue(3, 2, z);
+  matrix_.SetValue(3, 0, x);
+  matrix_.SetValue(3, 1, y);
+  matrix_.SetValue(3, 2, z);
   return *this;
 }
 
-CVector3 CTransformation::GetTranslation() const { return row(m_matrix, 3); }
+CVector3 CTransformation::GetTranslation() const { return row(matrix_, 3); }
 
 void CTransformation::GetTranslationValues(double& x, double& y, double& z) const {
   GetTranslation().Get(x, y, z);
 }
 
 CTransformation& CTransformation::Mul(const CTransformation& a, const CTransformation& b) {
-  m_matrix.Mul(a.m_matrix, b.m_matrix);
+  matrix_.Mul(a.matrix_, b.matrix_);
   return *this;
 }
 
@@ -597,7 +591,7 @@ CTransformation& CTransformation::MulInPlace(const CTransformation& t) { return 
 
 bool CTransformation::Invert(const CTransformation& t) {
   CMatrix4 inverse;
-  if (!inverse.Invert(t.m_matrix)) return false;
+  if (!inverse.Invert(t.matrix_)) return false;
   SetMatrix4(inverse);
   return true;
 }
@@ -608,7 +602,7 @@ bool CTransformation::InvertInPlace() {
 }
 
 bool CTransformation::EpsilonEquals(const CTransformation& t, double epsilon) const {
-  return m_matrix.EpsilonEquals(t.m_matrix, epsilon);
+  return matrix_.EpsilonEquals(t.matrix_, epsilon);
 }
 
 // ---- free functions -----------------------------------------------------------------------

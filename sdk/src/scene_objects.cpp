@@ -45,10 +45,10 @@ std::vector<std::wstring> familiesOf(const std::wstring& type) {
 
 bool matches(const SceneObject& o, const CString& name, const CString& type,
              const CStringArray& families) {
-  if (!name.IsEmpty() && o.m_name != name.Wide()) return false;
-  if (!type.IsEmpty() && o.m_type != type.Wide()) return false;
+  if (!name.IsEmpty() && o.name_ != name.Wide()) return false;
+  if (!type.IsEmpty() && o.type_ != type.Wide()) return false;
   if (families.GetCount() == 0) return true;
-  const std::vector<std::wstring> own = familiesOf(o.m_type);
+  const std::vector<std::wstring> own = familiesOf(o.type_);
   for (LONG i = 0; i < families.GetCount(); ++i)
     if (std::find(own.begin(), own.end(), families[i].Wide()) != own.end()) return true;
   return false;
@@ -61,8 +61,8 @@ CRefArray search(const CRef& from, const CString& name, const CString& type,
   CRefArray found;
   const auto start = as<SceneObject>(from);
   if (!start) return found;
-  std::vector<std::shared_ptr<SceneObject>> stack(start->m_children.rbegin(),
-                                                  start->m_children.rend());
+  std::vector<std::shared_ptr<SceneObject>> stack(start->children_.rbegin(),
+                                                  start->children_.rend());
   while (!stack.empty()) {
     const std::shared_ptr<SceneObject> o = stack.back();
     stack.pop_back();
@@ -70,7 +70,7 @@ CRefArray search(const CRef& from, const CString& name, const CString& type,
       found.Add(CRef(o));
       if (firstOnly) break;
     }
-    if (recursive) stack.insert(stack.end(), o->m_children.rbegin(), o->m_children.rend());
+    if (recursive) stack.insert(stack.end(), o->children_.rbegin(), o->children_.rend());
   }
   return found;
 }
@@ -80,7 +80,7 @@ CRefArray search(const CRef& from, const CString& name, const CString& type,
 // ---- SceneItem, Property ------------------------------------------------------------------
 
 Property SceneItem::GetPropertyFromName(const CString& name) const {
-  const auto o = as<SceneObject>(m_ref);
+  const auto o = as<SceneObject>(ref_);
   if (!o) return Property();
   if (name.Wide() == L"Visibility")
     return Property(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Visibility)));
@@ -91,7 +91,7 @@ Property SceneItem::GetPropertyFromName(const CString& name) const {
 
 CRefArray SceneItem::GetProperties() const {
   CRefArray out;
-  if (const auto o = as<SceneObject>(m_ref)) {
+  if (const auto o = as<SceneObject>(ref_)) {
     out.Add(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Kinematics)));
     out.Add(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Visibility)));
   }
@@ -102,7 +102,7 @@ Property::Property(const CRef& ref) : SceneItem(bindIf(ref, as<PropertyObject>(r
 
 CValue Property::GetParameterValue(const CString& name, double frame) const {
   CValue value;
-  if (const auto p = as<PropertyObject>(m_ref)) p->parameterAt(name.Wide(), frame, value);
+  if (const auto p = as<PropertyObject>(ref_)) p->parameterAt(name.Wide(), frame, value);
   return value;
 }
 
@@ -112,38 +112,38 @@ X3DObject::X3DObject(const CRef& ref) : SceneItem(bindIf(ref, as<SceneObject>(re
 
 X3DObject X3DObject::FindChild2(const CString& name, const CString& type,
                                 const CStringArray& families, bool recursive) const {
-  const CRefArray found = search(m_ref, name, type, families, recursive, true);
+  const CRefArray found = search(ref_, name, type, families, recursive, true);
   return found.GetCount() ? X3DObject(found[0]) : X3DObject();
 }
 
 CRefArray X3DObject::FindChildren2(const CString& name, const CString& type,
                                    const CStringArray& families, bool recursive) const {
-  return search(m_ref, name, type, families, recursive, false);
+  return search(ref_, name, type, families, recursive, false);
 }
 
 CRefArray X3DObject::GetChildren() const {
   CRefArray out;
-  if (const auto o = as<SceneObject>(m_ref))
-    for (const auto& c : o->m_children) out.Add(CRef(c));
+  if (const auto o = as<SceneObject>(ref_))
+    for (const auto& c : o->children_) out.Add(CRef(c));
   return out;
 }
 
 Primitive X3DObject::GetActivePrimitive() const {
-  const auto o = as<SceneObject>(m_ref);
+  const auto o = as<SceneObject>(ref_);
   if (!o || o->isModel()) return Primitive();
   return Primitive(CRef(std::make_shared<PrimitiveObject>(o)));
 }
 
 Kinematics X3DObject::GetKinematics() const {
-  const auto o = as<SceneObject>(m_ref);
+  const auto o = as<SceneObject>(ref_);
   if (!o) return Kinematics();
   return Kinematics(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Kinematics)));
 }
 
 CRef X3DObject::GetModel() const {
-  const auto o = as<SceneObject>(m_ref);
+  const auto o = as<SceneObject>(ref_);
   if (!o) return CRef();
-  for (auto p = o->m_parent.lock(); p; p = p->m_parent.lock())
+  for (auto p = o->parent_.lock(); p; p = p->parent_.lock())
     if (p->isModel()) return CRef(p);
   return CRef();
 }
@@ -157,36 +157,36 @@ Model::Model(const CRef& ref) {
 
 Kinematics::Kinematics(const CRef& ref) {
   const auto p = as<PropertyObject>(ref);
-  SetObject(p && p->m_kind == PropertyObject::Kind::Kinematics ? ref : CRef());
+  SetObject(p && p->kind_ == PropertyObject::Kind::Kinematics ? ref : CRef());
 }
 
 KinematicState Kinematics::GetGlobal() const {
-  const auto p = as<PropertyObject>(m_ref);
+  const auto p = as<PropertyObject>(ref_);
   if (!p) return KinematicState();
   return KinematicState(
-      CRef(std::make_shared<PropertyObject>(p->m_owner, PropertyObject::Kind::GlobalState)));
+      CRef(std::make_shared<PropertyObject>(p->owner_, PropertyObject::Kind::GlobalState)));
 }
 
 KinematicState Kinematics::GetLocal() const {
-  const auto p = as<PropertyObject>(m_ref);
+  const auto p = as<PropertyObject>(ref_);
   if (!p) return KinematicState();
   return KinematicState(
-      CRef(std::make_shared<PropertyObject>(p->m_owner, PropertyObject::Kind::LocalState)));
+      CRef(std::make_shared<PropertyObject>(p->owner_, PropertyObject::Kind::LocalState)));
 }
 
 KinematicState::KinematicState(const CRef& ref) {
   const auto p = as<PropertyObject>(ref);
-  SetObject(p && (p->m_kind == PropertyObject::Kind::GlobalState ||
-                  p->m_kind == PropertyObject::Kind::LocalState)
+  SetObject(p && (p->kind_ == PropertyObject::Kind::GlobalState ||
+                  p->kind_ == PropertyObject::Kind::LocalState)
                 ? ref
                 : CRef());
 }
 
 MATH::CTransformation KinematicState::GetTransform(double frame) const {
-  const auto p = as<PropertyObject>(m_ref);
+  const auto p = as<PropertyObject>(ref_);
   if (!p) return MATH::CTransformation();
-  return p->m_kind == PropertyObject::Kind::GlobalState ? p->m_owner->globalAt(frame)
-                                                        : p->m_owner->localAt(frame);
+  return p->kind_ == PropertyObject::Kind::GlobalState ? p->owner_->globalAt(frame)
+                                                       : p->owner_->localAt(frame);
 }
 
 // ---- Primitive ----------------------------------------------------------------------------
@@ -196,27 +196,27 @@ Primitive::Primitive(const CRef& ref)
 
 CValue Primitive::GetParameterValue(const CString& name, double frame) const {
   CValue value;
-  if (const auto p = as<PrimitiveObject>(m_ref)) p->parameterAt(name.Wide(), frame, value);
+  if (const auto p = as<PrimitiveObject>(ref_)) p->parameterAt(name.Wide(), frame, value);
   return value;
 }
 
 Geometry Primitive::GetGeometry(double /*frame*/, siConstructionMode /*mode*/) const {
-  const auto p = as<PrimitiveObject>(m_ref);
-  if (!p || (!p->m_owner->m_mesh && p->m_owner->m_curves.empty())) return Geometry();
-  return Geometry(CRef(std::make_shared<xsihost::GeometryObject>(p->m_owner)));
+  const auto p = as<PrimitiveObject>(ref_);
+  if (!p || (!p->owner_->mesh_ && p->owner_->curves_.empty())) return Geometry();
+  return Geometry(CRef(std::make_shared<xsihost::GeometryObject>(p->owner_)));
 }
 
 // ---- Selection ----------------------------------------------------------------------------
 
 CStatus Selection::Add(const CRef& item) {
   if (!item.IsValid()) return CStatus::InvalidArgument;
-  auto& items = xsihost::selection();
+  auto& items = xsihost::Selection();
   if (std::find(items.begin(), items.end(), item) == items.end()) items.push_back(item);
   return CStatus::OK;
 }
 
 CStatus Selection::Remove(const CRef& item) {
-  auto& items = xsihost::selection();
+  auto& items = xsihost::Selection();
   const auto it = std::find(items.begin(), items.end(), item);
   if (it == items.end()) return CStatus::Fail;
   items.erase(it);
@@ -224,21 +224,21 @@ CStatus Selection::Remove(const CRef& item) {
 }
 
 CStatus Selection::Clear() {
-  xsihost::selection().clear();
+  xsihost::Selection().clear();
   return CStatus::OK;
 }
 
-LONG Selection::GetCount() const { return static_cast<LONG>(xsihost::selection().size()); }
+LONG Selection::GetCount() const { return static_cast<LONG>(xsihost::Selection().size()); }
 
 CRef Selection::GetItem(LONG index) const {
-  const auto& items = xsihost::selection();
+  const auto& items = xsihost::Selection();
   if (index < 0 || static_cast<std::size_t>(index) >= items.size()) return CRef();
   return items[static_cast<std::size_t>(index)];
 }
 
 CRefArray Selection::GetArray() const {
   CRefArray out;
-  for (const CRef& r : xsihost::selection()) out.Add(r);
+  for (const CRef& r : xsihost::Selection()) out.Add(r);
   return out;
 }
 
@@ -248,16 +248,16 @@ Plugin::Plugin(const CRef& ref)
     : SIObject(bindIf(ref, as<xsihost::PluginObject>(ref) != nullptr)) {}
 
 CString Plugin::GetOriginPath() const {
-  const auto p = as<xsihost::PluginObject>(m_ref);
+  const auto p = as<xsihost::PluginObject>(ref_);
   if (!p) return CString();
-  std::string folder = std::filesystem::path(p->m_path).parent_path().string();
+  std::string folder = std::filesystem::path(p->path_).parent_path().string();
   if (folder.empty() || folder.back() != '/') folder += '/';
   return CString(folder.c_str());
 }
 
 CString Plugin::GetFilename() const {
-  const auto p = as<xsihost::PluginObject>(m_ref);
-  return p ? CString(p->m_path.c_str()) : CString();
+  const auto p = as<xsihost::PluginObject>(ref_);
+  return p ? CString(p->path_.c_str()) : CString();
 }
 
 CString CUtils::BuildPath(const CString& p1, const CString& p2, const CString& p3,

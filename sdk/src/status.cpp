@@ -8,12 +8,12 @@ namespace XSI {
 
 void CStatus::AssertSucceeded(const CString& message) const {
   if (Succeeded()) return;
-  xsihost::countFailedAssertion();
+  xsihost::CountFailedAssertion();
   char code[32];
-  std::snprintf(code, sizeof code, "0x%08X", m_code);
+  std::snprintf(code, sizeof code, "0x%08X", code_);
   std::wstring text = L"Assertion failed (status " + CString(code).Wide() + L")";
   if (!message.IsEmpty()) text += L": " + message.Wide();
-  xsihost::hostLog().add(siErrorMsg, std::move(text));
+  xsihost::HostLog().Add(siErrorMsg, std::move(text));
 }
 
 }  // namespace XSI

@@ -16,72 +16,72 @@ std::wstring widen(const char* text) {
 
 }  // namespace
 
-CString::CString(const wchar_t* text) : m_text(text ? text : L"") {}
+CString::CString(const wchar_t* text) : text_(text ? text : L"") {}
 CString::CString(const wchar_t* text, ULONG length) {
-  if (text != nullptr) m_text.assign(text, length);
+  if (text != nullptr) text_.assign(text, length);
 }
-CString::CString(const char* text) : m_text(widen(text)) {}
+CString::CString(const char* text) : text_(widen(text)) {}
 CString::CString(const CValue& value) : CString(value.GetAsText()) {}
 
 CString& CString::operator=(const wchar_t* text) {
-  m_text = text ? text : L"";
+  text_ = text ? text : L"";
   return *this;
 }
 CString& CString::operator=(const char* text) {
-  m_text = widen(text);
+  text_ = widen(text);
   return *this;
 }
 
 CString CString::operator+(const CString& other) const {
   CString out(*this);
-  out.m_text += other.m_text;
+  out.text_ += other.text_;
   return out;
 }
 CString CString::operator+(const wchar_t* text) const { return *this + CString(text); }
 CString CString::operator+(const char* text) const { return *this + CString(text); }
 CString& CString::operator+=(const CString& other) {
-  m_text += other.m_text;
+  text_ += other.text_;
   return *this;
 }
 CString& CString::operator+=(const wchar_t* text) {
-  if (text) m_text += text;
+  if (text) text_ += text;
   return *this;
 }
 CString& CString::operator+=(const char* text) {
-  m_text += widen(text);
+  text_ += widen(text);
   return *this;
 }
 CString& CString::operator+=(wchar_t c) {
-  m_text.push_back(c);
+  text_.push_back(c);
   return *this;
 }
 
 CString& CString::Lower() {
-  for (wchar_t& c : m_text)
+  for (wchar_t& c : text_)
     if (c < 256) c = static_cast<wchar_t>(std::towlower(static_cast<wint_t>(c)));
   return *this;
 }
 
 ULONG CString::FindString(const CString& sub, ULONG start) const {
-  const std::size_t at = m_text.find(sub.m_text, start);
+  const std::size_t at = text_.find(sub.text_, start);
   return at == std::wstring::npos ? 0xFFFFFFFFu : static_cast<ULONG>(at);
 }
 
 CString CString::GetSubString(ULONG start, ULONG length) const {
-  if (start >= m_text.size()) return CString();
-  const std::wstring part = m_text.substr(start, length);
+  if (start >= text_.size()) return CString();
+  const std::wstring part = text_.substr(start, length);
   return CString(part.c_str(), static_cast<ULONG>(part.size()));
 }
 
 // Characters beyond the 8-bit range have no narrow form and become '?'.
 const char* CString::GetAsciiString() const {
-  m_ascii.clear();
-  m_ascii.reserve(m_text.size());
-  for (wchar_t c : m_text) m_ascii.push_back(c < 256 ? static_cast<char>(c) : '?');
-  return m_ascii.c_str();
+  ascii_.clear();
+  ascii_.reserve(text_.size());
+  for (wchar_t c : text_) ascii_.push_back(c < 256 ? static_cast<char>(c) : '?');
+  return ascii_.c_str();
 }
 
-void CString::PutAsciiString(const char* text) { m_text = widen(text); }
+void CString::PutAsciiString(const char* text) { text_ = widen(text); }
 
 CString operator+(const wchar_t* text, const CString& string) { return CString(text) + string; }
 

@@ -9,7 +9,7 @@ namespace quillix::test {
 namespace {
 
 TEST(PluginEntry, IdentityIsPutInOrderWithVersionAsTwoIntegers) {
-  const auto& record = plugin().record();
+  const auto& record = plugin().Record();
   EXPECT_EQ(record.name, L"Quillix Plugin");
   EXPECT_FALSE(record.author.empty());
   EXPECT_FALSE(record.email.empty());
@@ -22,21 +22,23 @@ TEST(PluginEntry, IdentityIsPutInOrderWithVersionAsTwoIntegers) {
 }
 
 TEST(PluginEntry, CommandsComeFirstThenNodesInCatalogueOrder) {
-  const auto& record = plugin().record();
-  EXPECT_EQ(record.commands, (std::vector<std::wstring>{L"Quillix__FindMatchingObjects", L"Quillix__OpenMostRecentScene"}));
+  const auto& record = plugin().Record();
+  EXPECT_EQ(record.commands, (std::vector<std::wstring>{L"Quillix__FindMatchingObjects",
+                                                        L"Quillix__OpenMostRecentScene"}));
   ASSERT_GE(record.calls.size(), 7u);
   EXPECT_EQ(record.calls[5], L"command:Quillix__FindMatchingObjects");
   EXPECT_EQ(record.calls[6], L"command:Quillix__OpenMostRecentScene");
   std::vector<std::wstring> names;
   for (const auto& node : record.nodes) names.push_back(node->name);
-  EXPECT_TRUE(std::is_sorted(names.begin(), names.end())) << "nodes register alphabetically by short name";
-  EXPECT_NE(record.findNode(L"Quillix_divi"), nullptr);
+  EXPECT_TRUE(std::is_sorted(names.begin(), names.end()))
+      << "nodes register alphabetically by short name";
+  EXPECT_NE(record.FindNode(L"Quillix_divi"), nullptr);
   // Every definition step passed its assertion.
-  EXPECT_EQ(xsihost::failedAssertions(), 0u);
+  EXPECT_EQ(xsihost::FailedAssertions(), 0u);
 }
 
 TEST(PluginEntry, EveryNodeFollowsThePortVocabulary) {
-  for (const auto& node : plugin().record().nodes) {
+  for (const auto& node : plugin().Record().nodes) {
     SCOPED_TRACE(std::string(node->name.begin(), node->name.end()));
     EXPECT_TRUE(node->threadingModel == 1 || node->threadingModel == 2);
     ASSERT_EQ(node->groups.size(), 1u);
@@ -78,10 +80,10 @@ TEST(PluginEntry, DiviRegistersItsExactPortTable) {
 
 TEST(PluginEntry, UnloadLogsTheRegisteredNameOnce) {
   std::string error;
-  auto second = xsihost::LoadedPlugin::load(pluginPath(), error);
+  auto second = xsihost::LoadedPlugin::Load(pluginPath(), error);
   ASSERT_NE(second, nullptr) << error;
   takeLog();
-  second->unload();
+  second->Unload();
   const auto log = takeLog();
   ASSERT_EQ(log.size(), 1u);
   EXPECT_EQ(log[0].severity, 32);
@@ -90,9 +92,9 @@ TEST(PluginEntry, UnloadLogsTheRegisteredNameOnce) {
 
 TEST(PluginEntry, UnloadMessageFollowsTheRegisteredName) {
   using UnloadFunction = XSI::CStatus (*)(const XSI::PluginRegistrar&);
-  auto unload = reinterpret_cast<UnloadFunction>(plugin().symbol("XSIUnloadPlugin"));
+  auto unload = reinterpret_cast<UnloadFunction>(plugin().Symbol("XSIUnloadPlugin"));
   ASSERT_NE(unload, nullptr);
-  XSI::host_detail::PluginRecord renamed;
+  xsihost::PluginRecord renamed;
   XSI::PluginRegistrar registrar(&renamed);
   registrar.PutName(L"Other Name");
   takeLog();
@@ -104,9 +106,9 @@ TEST(PluginEntry, UnloadMessageFollowsTheRegisteredName) {
 
 TEST(PluginEntry, MissingOrForeignFilesAreRefusedWithAReason) {
   std::string error;
-  EXPECT_EQ(xsihost::LoadedPlugin::load("/nonexistent/libQuillix.so", error), nullptr);
+  EXPECT_EQ(xsihost::LoadedPlugin::Load("/nonexistent/libQuillix.so", error), nullptr);
   EXPECT_NE(error.find("/nonexistent/libQuillix.so"), std::string::npos);
-  EXPECT_EQ(xsihost::LoadedPlugin::load("/etc/hostname", error), nullptr);
+  EXPECT_EQ(xsihost::LoadedPlugin::Load("/etc/hostname", error), nullptr);
   EXPECT_NE(error.find("cannot load"), std::string::npos);
 }
 

@@ -24,14 +24,16 @@ ULONG elementsFor(const NodeDefinitionRecord& node) {
 
 // Nodes that end a batch early at an empty or short array input, a kept behaviour: their
 // written elements are a leading run of the batch, never empty.
-bool endsBatchEarly(const std::wstring& node) { return node == L"Quillix_ntoa" || node == L"Quillix_btoa"; }
+bool endsBatchEarly(const std::wstring& node) {
+  return node == L"Quillix_ntoa" || node == L"Quillix_btoa";
+}
 
 class DegenerateInputs : public ::testing::TestWithParam<Fill> {};
 
 TEST_P(DegenerateInputs, EveryNodeAnswersEveryElementWithoutFaulting) {
   const Fill fill = GetParam();
   InputMaker maker(static_cast<unsigned>(fill) + 17);
-  const auto& nodes = plugin().record().nodes;
+  const auto& nodes = plugin().Record().nodes;
   ASSERT_EQ(nodes.size(), 29u);
   for (const auto& node : nodes) {
     SCOPED_TRACE(narrow(node->name) + " with " + fillName(fill) + " inputs");
@@ -44,12 +46,14 @@ TEST_P(DegenerateInputs, EveryNodeAnswersEveryElementWithoutFaulting) {
       EXPECT_EQ(out.status, 0u) << "port " << out.port;
       ASSERT_EQ(out.values.count, elements) << "port " << out.port;
       ULONG written = 0;
-      while (written < elements && out.values.wasWritten(written)) ++written;
+      while (written < elements && out.values.WasWritten(written)) ++written;
       if (endsBatchEarly(node->name)) {
         EXPECT_GE(written, 1u) << "port " << out.port;
-        for (ULONG e = written; e < elements; ++e) EXPECT_FALSE(out.values.wasWritten(e)) << "port " << out.port;
+        for (ULONG e = written; e < elements; ++e)
+          EXPECT_FALSE(out.values.WasWritten(e)) << "port " << out.port;
       } else {
-        EXPECT_EQ(written, elements) << "port " << out.port << ": element " << written << " not written";
+        EXPECT_EQ(written, elements)
+            << "port " << out.port << ": element " << written << " not written";
       }
     }
     takeLog();
@@ -57,9 +61,10 @@ TEST_P(DegenerateInputs, EveryNodeAnswersEveryElementWithoutFaulting) {
 }
 
 INSTANTIATE_TEST_SUITE_P(AllFills, DegenerateInputs,
-                         ::testing::Values(Fill::Ordinary, Fill::EmptyArrays, Fill::SingleEntries, Fill::NaN,
-                                           Fill::Infinite, Fill::Zero, Fill::Singular, Fill::Negative, Fill::Huge,
-                                           Fill::IntMin, Fill::WideStrings, Fill::MismatchedLengths),
+                         ::testing::Values(Fill::Ordinary, Fill::EmptyArrays, Fill::SingleEntries,
+                                           Fill::NaN, Fill::Infinite, Fill::Zero, Fill::Singular,
+                                           Fill::Negative, Fill::Huge, Fill::IntMin,
+                                           Fill::WideStrings, Fill::MismatchedLengths),
                          [](const auto& info) {
                            std::string name = fillName(info.param);
                            for (char& c : name)
@@ -72,45 +77,49 @@ using Vec3 = XSI::MATH::CVector3f;
 
 TEST(DegenerateDefinedValues, EmptyAndShortLinesGiveTheirDefinedResults) {
   // Reversing an empty array gives an empty array.
-  auto out = evaluate(L"Quillix_arrrev", requestFor({{1010, PortValues::arraysOf<XSI::LONG>({{}})}}), 2010);
-  ASSERT_TRUE(out.values.wasWritten(0));
-  EXPECT_TRUE(out.values.arrayAt<XSI::LONG>(0).empty());
+  auto out = evaluate(L"Quillix_arrrev",
+                      requestFor({{1010, PortValues::ArraysOf<XSI::LONG>({{}})}}), 2010);
+  ASSERT_TRUE(out.values.WasWritten(0));
+  EXPECT_TRUE(out.values.ArrayAt<XSI::LONG>(0).empty());
 
   // Resampling fewer than two points gives no points, whatever the count asked for.
   for (float count : {5.0f, -2.0f, std::numeric_limits<float>::quiet_NaN(), 3.0e38f}) {
     out = evaluate(L"Quillix_rlins",
-                   requestFor({{1010, PortValues::arraysOf<Vec3>({{Vec3{1, 2, 3}}})},
-                               {1020, PortValues::singles<float>({count})}}),
+                   requestFor({{1010, PortValues::ArraysOf<Vec3>({{Vec3{1, 2, 3}}})},
+                               {1020, PortValues::Singles<float>({count})}}),
                    2010);
-    ASSERT_TRUE(out.values.wasWritten(0));
+    ASSERT_TRUE(out.values.WasWritten(0));
     EXPECT_TRUE(out.values.arrays[0].empty()) << count;
   }
   // A count beyond a host array on a real line gives no points either, without allocating them.
   out = evaluate(L"Quillix_rlins",
-                 requestFor({{1010, PortValues::arraysOf<Vec3>({{Vec3{0, 0, 0}, Vec3{1, 0, 0}}})},
-                             {1020, PortValues::singles<float>({3.0e38f})}}),
+                 requestFor({{1010, PortValues::ArraysOf<Vec3>({{Vec3{0, 0, 0}, Vec3{1, 0, 0}}})},
+                             {1020, PortValues::Singles<float>({3.0e38f})}}),
                  2010);
-  ASSERT_TRUE(out.values.wasWritten(0));
+  ASSERT_TRUE(out.values.WasWritten(0));
   EXPECT_TRUE(out.values.arrays[0].empty());
 
   // Simplifying an empty line with a NaN tolerance leaves it empty.
-  out = evaluate(L"Quillix_slins",
-                 requestFor({{1010, PortValues::arraysOf<Vec3>({{}})},
-                             {1020, PortValues::singles<float>({std::numeric_limits<float>::quiet_NaN()})},
-                             {1040, boolSingle(false)}}),
-                 2010);
-  ASSERT_TRUE(out.values.wasWritten(0));
+  out = evaluate(
+      L"Quillix_slins",
+      requestFor({{1010, PortValues::ArraysOf<Vec3>({{}})},
+                  {1020, PortValues::Singles<float>({std::numeric_limits<float>::quiet_NaN()})},
+                  {1040, boolSingle(false)}}),
+      2010);
+  ASSERT_TRUE(out.values.WasWritten(0));
   EXPECT_TRUE(out.values.arrays[0].empty());
 }
 
 TEST(DegenerateDefinedValues, FloatClassesOfNaNAndInfinities) {
-  const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
-  const auto results = evaluate(L"Quillix_nan2", requestFor({{1010, PortValues::singles<float>({nan, inf, -inf, 0.0f})}}, 4),
-                                {2010, 2020, 2030});
+  const float nan = std::numeric_limits<float>::quiet_NaN(),
+              inf = std::numeric_limits<float>::infinity();
+  const auto results = evaluate(
+      L"Quillix_nan2", requestFor({{1010, PortValues::Singles<float>({nan, inf, -inf, 0.0f})}}, 4),
+      {2010, 2020, 2030});
   ASSERT_EQ(results.size(), 3u);
   const auto ints = [](const OutputResult& r) {
     std::vector<XSI::LONG> v;
-    for (ULONG i = 0; i < r.values.count; ++i) v.push_back(r.values.single<XSI::LONG>(i));
+    for (ULONG i = 0; i < r.values.count; ++i) v.push_back(r.values.Single<XSI::LONG>(i));
     return v;
   };
   EXPECT_EQ(ints(results[0])[0] != 0, true);
@@ -122,12 +131,13 @@ TEST(DegenerateDefinedValues, FloatClassesOfNaNAndInfinities) {
 }
 
 TEST(DegenerateDefinedValues, DisabledPathNodeReturnsMinusTwoAndNoPaths) {
-  auto r = requestFor({{1010, boolSingle(false)}, {1040, PortValues::arraysOf<XSI::LONG>({{0, 1}})}});
+  auto r =
+      requestFor({{1010, boolSingle(false)}, {1040, PortValues::ArraysOf<XSI::LONG>({{0, 1}})}});
   const auto results = evaluate(L"Quillix_fpom", r, {2010, 2020});
   ASSERT_EQ(results.size(), 2u);
-  ASSERT_TRUE(results[0].values.wasWritten(0));
-  EXPECT_EQ(results[0].values.single<XSI::LONG>(0), -2);
-  ASSERT_TRUE(results[1].values.wasWritten(0));
+  ASSERT_TRUE(results[0].values.WasWritten(0));
+  EXPECT_EQ(results[0].values.Single<XSI::LONG>(0), -2);
+  ASSERT_TRUE(results[1].values.WasWritten(0));
   EXPECT_TRUE(results[1].values.arrays[0].empty());
   takeLog();
 }

@@ -27,26 +27,26 @@ EvaluationRequest pathRequest(bool enable, float scale) {
   std::vector<CVector3f> points;
   for (const auto& p : kPoints) points.emplace_back(p.GetX() * scale, p.GetY() * scale, p.GetZ());
   EvaluationRequest r = requestFor({{1010, boolSingle(enable)},
-                                    {1020, PortValues::arraysOf<CVector3f>({points})},
-                                    {1030, PortValues::arraysOf<XSI::LONG>({kDescription})},
-                                    {1040, PortValues::arraysOf<XSI::LONG>({{1, 3}})}});
+                                    {1020, PortValues::ArraysOf<CVector3f>({points})},
+                                    {1030, PortValues::ArraysOf<XSI::LONG>({kDescription})},
+                                    {1040, PortValues::ArraysOf<XSI::LONG>({{1, 3}})}});
   return r;
 }
 
 // One lifecycle: Init with the first evaluation, the same inputs again, disabled, then
 // enabled again on a changed mesh (a rebuild), and Term.
-void runCycle(const XSI::host_detail::NodeDefinitionRecord& node, int i) {
+void runCycle(const xsihost::NodeDefinitionRecord& node, int i) {
   xsihost::NodeInstance instance(plugin(), node);
   const std::vector<ULONG> ports = {2010, 2020};
-  auto out = instance.evaluate(pathRequest(true, 1.0f), ports);
-  ASSERT_EQ(out[0].values.single<XSI::LONG>(0), 0);
-  ASSERT_EQ(out[1].values.arrayAt<XSI::LONG>(0).size(), 3u);
-  out = instance.evaluate(pathRequest(true, 1.0f), ports);
-  ASSERT_EQ(out[1].values.arrayAt<XSI::LONG>(0).size(), 3u);
-  out = instance.evaluate(pathRequest(false, 1.0f), ports);
-  ASSERT_EQ(out[0].values.single<XSI::LONG>(0), -2);
-  out = instance.evaluate(pathRequest(true, 2.0f + float(i % 3)), ports);
-  ASSERT_EQ(out[1].values.arrayAt<XSI::LONG>(0).size(), 3u);
+  auto out = instance.Evaluate(pathRequest(true, 1.0f), ports);
+  ASSERT_EQ(out[0].values.Single<XSI::LONG>(0), 0);
+  ASSERT_EQ(out[1].values.ArrayAt<XSI::LONG>(0).size(), 3u);
+  out = instance.Evaluate(pathRequest(true, 1.0f), ports);
+  ASSERT_EQ(out[1].values.ArrayAt<XSI::LONG>(0).size(), 3u);
+  out = instance.Evaluate(pathRequest(false, 1.0f), ports);
+  ASSERT_EQ(out[0].values.Single<XSI::LONG>(0), -2);
+  out = instance.Evaluate(pathRequest(true, 2.0f + float(i % 3)), ports);
+  ASSERT_EQ(out[1].values.ArrayAt<XSI::LONG>(0).size(), 3u);
 }
 
 TEST(Lifecycle, TenThousandPathNodeCyclesThroughThePlugInLeaveNoHeapBehind) {
@@ -65,7 +65,8 @@ TEST(Lifecycle, TenThousandPathNodeCyclesThroughThePlugInLeaveNoHeapBehind) {
   const std::size_t after = heapBytesInUse();
   // A leak of even one small block per cycle would show as 10^4 blocks; allow the noise of
   // the log's and the allocator's own bookkeeping.
-  EXPECT_LT(after, before + 64 * 1024) << "heap grew from " << before << " to " << after << " bytes";
+  EXPECT_LT(after, before + 64 * 1024)
+      << "heap grew from " << before << " to " << after << " bytes";
 }
 
 TEST(Lifecycle, PathNodeMemoryContextReturnsToZeroWheneverTheMeshIsReleased) {
@@ -110,11 +111,11 @@ TEST(Lifecycle, ThousandLoadUnloadCyclesOfThePlugIn) {
   std::size_t before = 0;
   for (int i = 0; i < 1000; ++i) {
     std::string error;
-    auto loaded = xsihost::LoadedPlugin::load(pluginPath(), error);
+    auto loaded = xsihost::LoadedPlugin::Load(pluginPath(), error);
     ASSERT_NE(loaded, nullptr) << error;
-    ASSERT_EQ(loaded->record().nodes.size(), 29u);
-    ASSERT_EQ(loaded->record().commands.size(), 2u);
-    loaded->unload();
+    ASSERT_EQ(loaded->Record().nodes.size(), 29u);
+    ASSERT_EQ(loaded->Record().commands.size(), 2u);
+    loaded->Unload();
     loaded.reset();
     const auto lines = takeLog();
     ASSERT_FALSE(lines.empty());

@@ -17,27 +17,28 @@
 
 namespace quillix::test {
 
-using XSI::host_detail::NodeDefinitionRecord;
-using XSI::host_detail::PortRecord;
+using xsihost::NodeDefinitionRecord;
+using xsihost::PortRecord;
 
 enum class Fill {
-  Ordinary,          // small random values, a few entries per array
-  EmptyArrays,       // every array empty
-  SingleEntries,     // every array of one entry
-  NaN,               // floats NaN
-  Infinite,          // floats +inf and -inf
-  Zero,              // zero values, zero matrices
-  Singular,          // matrices with equal rows, vectors along one line
-  Negative,          // negative counts and sizes
-  Huge,              // huge counts, sizes and magnitudes
-  IntMin,            // -2147483648 wherever an integer goes
-  WideStrings,       // characters beyond 8 bits (and beyond 16)
-  MismatchedLengths, // arrays of different lengths per port and element
+  Ordinary,           // small random values, a few entries per array
+  EmptyArrays,        // every array empty
+  SingleEntries,      // every array of one entry
+  NaN,                // floats NaN
+  Infinite,           // floats +inf and -inf
+  Zero,               // zero values, zero matrices
+  Singular,           // matrices with equal rows, vectors along one line
+  Negative,           // negative counts and sizes
+  Huge,               // huge counts, sizes and magnitudes
+  IntMin,             // -2147483648 wherever an integer goes
+  WideStrings,        // characters beyond 8 bits (and beyond 16)
+  MismatchedLengths,  // arrays of different lengths per port and element
 };
 
 inline const char* fillName(Fill f) {
-  static const char* const kNames[] = {"ordinary", "empty arrays", "single entries", "NaN",
-                                       "infinite", "zero", "singular", "negative", "huge",
+  static const char* const kNames[] = {"ordinary",    "empty arrays", "single entries",
+                                       "NaN",         "infinite",     "zero",
+                                       "singular",    "negative",     "huge",
                                        "-2147483648", "wide strings", "mismatched lengths"};
   return kNames[static_cast<int>(f)];
 }
@@ -54,7 +55,9 @@ inline ULONG typeFor(const PortRecord& port, Fill fill) {
   };
   ULONG t = 0;
   switch (fill) {
-    case Fill::WideStrings: t = prefer({XSI::siICENodeDataString}); break;
+    case Fill::WideStrings:
+      t = prefer({XSI::siICENodeDataString});
+      break;
     case Fill::NaN:
     case Fill::Infinite:
     case Fill::Zero:
@@ -63,19 +66,23 @@ inline ULONG typeFor(const PortRecord& port, Fill fill) {
       break;
     case Fill::Negative:
     case Fill::Huge:
-    case Fill::IntMin: t = prefer({XSI::siICENodeDataLong, XSI::siICENodeDataFloat}); break;
-    default: break;
+    case Fill::IntMin:
+      t = prefer({XSI::siICENodeDataLong, XSI::siICENodeDataFloat});
+      break;
+    default:
+      break;
   }
   if (t != 0) return t;
   for (ULONG bit = 1; bit != 0; bit <<= 1)
-    if ((port.dataTypes & bit) && xsihost::isValueType(bit)) return bit;
+    if ((port.dataTypes & bit) && xsihost::IsValueType(bit)) return bit;
   return XSI::siICENodeDataLong;
 }
 
 inline bool arrayFor(const PortRecord& port, Fill fill) {
   if (port.structures == XSI::siICENodeStructureArray) return true;
   if (port.structures == XSI::siICENodeStructureSingle) return false;
-  return fill == Fill::EmptyArrays || fill == Fill::SingleEntries || fill == Fill::MismatchedLengths;
+  return fill == Fill::EmptyArrays || fill == Fill::SingleEntries ||
+         fill == Fill::MismatchedLengths;
 }
 
 class InputMaker {
@@ -87,11 +94,13 @@ class InputMaker {
     xsihost::PortValues p;
     p.type = typeFor(port, fill);
     p.array = arrayFor(port, fill);
-    p.resize(elements);
+    p.Resize(elements);
     for (ULONG e = 0; e < elements; ++e) {
       if (!p.array) {
-        if (p.isString()) p.strings[e] = text(fill);
-        else fillValue(p.type, fill, p.flat.data() + e * xsihost::valueSize(p.type));
+        if (p.IsString())
+          p.strings[e] = text(fill);
+        else
+          fillValue(p.type, fill, p.flat.data() + e * xsihost::ValueSize(p.type));
         continue;
       }
       std::size_t n = 4;
@@ -99,10 +108,10 @@ class InputMaker {
       if (fill == Fill::SingleEntries) n = 1;
       if (fill == Fill::MismatchedLengths) n = (k * 3 + e) % 6;
       if (fill == Fill::Ordinary) n = std::uniform_int_distribution<std::size_t>(0, 7)(rng_);
-      if (p.isString()) {
+      if (p.IsString()) {
         p.stringArrays[e].assign(n, text(fill));
       } else {
-        const std::size_t size = xsihost::valueSize(p.type);
+        const std::size_t size = xsihost::ValueSize(p.type);
         p.arrays[e].assign(n * size, std::byte{0});
         for (std::size_t i = 0; i < n; ++i) fillValue(p.type, fill, p.arrays[e].data() + i * size);
       }
@@ -114,7 +123,8 @@ class InputMaker {
   EvaluationRequest request(const NodeDefinitionRecord& node, Fill fill, ULONG elements) {
     EvaluationRequest r;
     r.elements = elements;
-    for (std::size_t k = 0; k < node.inputs.size(); ++k) r.setInput(node.inputs[k].id, make(node.inputs[k], k, fill, elements));
+    for (std::size_t k = 0; k < node.inputs.size(); ++k)
+      r.SetInput(node.inputs[k].id, make(node.inputs[k], k, fill, elements));
     return r;
   }
 
@@ -127,32 +137,43 @@ class InputMaker {
 
   float number(Fill fill) {
     switch (fill) {
-      case Fill::NaN: return std::numeric_limits<float>::quiet_NaN();
+      case Fill::NaN:
+        return std::numeric_limits<float>::quiet_NaN();
       case Fill::Infinite:
         flip_ ^= 1;
-        return flip_ ? std::numeric_limits<float>::infinity() : -std::numeric_limits<float>::infinity();
-      case Fill::Zero: return 0.0f;
-      case Fill::Negative: return -3.5f;
-      case Fill::Huge: return 3.0e38f;
-      case Fill::IntMin: return -2147483648.0f;
-      default: return std::uniform_real_distribution<float>(-10.0f, 10.0f)(rng_);
+        return flip_ ? std::numeric_limits<float>::infinity()
+                     : -std::numeric_limits<float>::infinity();
+      case Fill::Zero:
+        return 0.0f;
+      case Fill::Negative:
+        return -3.5f;
+      case Fill::Huge:
+        return 3.0e38f;
+      case Fill::IntMin:
+        return -2147483648.0f;
+      default:
+        return std::uniform_real_distribution<float>(-10.0f, 10.0f)(rng_);
     }
   }
 
   std::int32_t integer(Fill fill) {
     switch (fill) {
-      case Fill::Zero: return 0;
-      case Fill::Negative: return -1 - std::int32_t(rng_() % 5);
+      case Fill::Zero:
+        return 0;
+      case Fill::Negative:
+        return -1 - std::int32_t(rng_() % 5);
       case Fill::Huge:
         flip_ ^= 1;
         return flip_ ? std::numeric_limits<std::int32_t>::max() : 1 << 30;
-      case Fill::IntMin: return std::numeric_limits<std::int32_t>::min();
-      default: return std::uniform_int_distribution<std::int32_t>(-3, 12)(rng_);
+      case Fill::IntMin:
+        return std::numeric_limits<std::int32_t>::min();
+      default:
+        return std::uniform_int_distribution<std::int32_t>(-3, 12)(rng_);
     }
   }
 
   void fillValue(ULONG type, Fill fill, std::byte* out) {
-    const std::size_t size = xsihost::valueSize(type);
+    const std::size_t size = xsihost::ValueSize(type);
     if (type == XSI::siICENodeDataBool) {
       const bool b = (rng_() & 1) != 0;
       std::memcpy(out, &b, 1);
@@ -163,7 +184,9 @@ class InputMaker {
       std::memset(out, 0, size);  // enumerations inside: only the zero pattern is valid for sure
     } else if (fill == Fill::Singular) {
       // Every row the same (1, 2, 3, ...): rank one, no inverse; vectors all on one line.
-      const std::size_t floats = size / 4, width = type == XSI::siICENodeDataMatrix44 ? 4 : type == XSI::siICENodeDataMatrix33 ? 3 : floats;
+      const std::size_t floats = size / 4, width = type == XSI::siICENodeDataMatrix44   ? 4
+                                                   : type == XSI::siICENodeDataMatrix33 ? 3
+                                                                                        : floats;
       for (std::size_t i = 0; i < floats; ++i) {
         const float v = float(i % width + 1);
         std::memcpy(out + 4 * i, &v, 4);
@@ -188,18 +211,18 @@ inline std::vector<ULONG> outputPorts(const NodeDefinitionRecord& node) {
 }
 
 // A request over `elements` elements with the given inputs.
-inline EvaluationRequest requestFor(std::initializer_list<std::pair<ULONG, xsihost::PortValues>> inputs,
-                                    ULONG elements = 1) {
+inline EvaluationRequest requestFor(
+    std::initializer_list<std::pair<ULONG, xsihost::PortValues>> inputs, ULONG elements = 1) {
   EvaluationRequest r;
   r.elements = elements;
-  for (const auto& [port, values] : inputs) r.setInput(port, values);
+  for (const auto& [port, values] : inputs) r.SetInput(port, values);
   return r;
 }
 
 inline xsihost::PortValues boolSingle(bool value) {
   xsihost::PortValues p;
   p.type = XSI::siICENodeDataBool;
-  p.resize(1);
+  p.Resize(1);
   std::memcpy(p.flat.data(), &value, 1);
   return p;
 }

@@ -11,17 +11,19 @@
 namespace quillix::test {
 namespace {
 
-void expectSameResults(const std::vector<OutputResult>& single, const std::vector<OutputResult>& threaded) {
+void expectSameResults(const std::vector<OutputResult>& single,
+                       const std::vector<OutputResult>& threaded) {
   ASSERT_EQ(single.size(), threaded.size());
   for (std::size_t k = 0; k < single.size(); ++k) {
     SCOPED_TRACE("port " + std::to_string(single[k].port));
     EXPECT_EQ(single[k].status, threaded[k].status);
-    EXPECT_TRUE(single[k].values.sameData(threaded[k].values));
+    EXPECT_TRUE(single[k].values.SameData(threaded[k].values));
     EXPECT_EQ(single[k].values.written, threaded[k].values.written);
   }
 }
 
-std::vector<OutputResult> evaluateWith(const std::wstring& node, EvaluationRequest r, unsigned threads) {
+std::vector<OutputResult> evaluateWith(const std::wstring& node, EvaluationRequest r,
+                                       unsigned threads) {
   r.threads = threads;
   r.batchSize = 7;
   auto results = evaluate(node, r, outputPorts(*nodeDefinition(node)));
@@ -31,7 +33,7 @@ std::vector<OutputResult> evaluateWith(const std::wstring& node, EvaluationReque
 
 TEST(ThreadedNodes, EveryMultiThreadedNodeMatchesItsSingleThreadedRun) {
   int compared = 0;
-  for (const auto& node : plugin().record().nodes) {
+  for (const auto& node : plugin().Record().nodes) {
     if (node->threadingModel != 2 || node->name == L"Quillix_fpom") continue;
     SCOPED_TRACE(narrow(node->name));
     for (Fill fill : {Fill::Ordinary, Fill::MismatchedLengths, Fill::NaN}) {
@@ -49,11 +51,13 @@ TEST(ThreadedNodes, PathSearchesOnOneSharedMeshMatchTheSingleThreadedRun) {
   constexpr int kSide = 9;
   std::vector<XSI::MATH::CVector3f> points;
   for (int y = 0; y < kSide; ++y)
-    for (int x = 0; x < kSide; ++x) points.emplace_back(float(x), float(y), float((x * y) % 3) * 0.25f);
+    for (int x = 0; x < kSide; ++x)
+      points.emplace_back(float(x), float(y), float((x * y) % 3) * 0.25f);
   std::vector<XSI::LONG> description;
   for (int y = 0; y + 1 < kSide; ++y)
     for (int x = 0; x + 1 < kSide; ++x)
-      description.insert(description.end(), {y * kSide + x, y * kSide + x + 1, (y + 1) * kSide + x + 1, (y + 1) * kSide + x, -1});
+      description.insert(description.end(), {y * kSide + x, y * kSide + x + 1,
+                                             (y + 1) * kSide + x + 1, (y + 1) * kSide + x, -1});
   std::mt19937 rng(5);
   std::vector<std::vector<XSI::LONG>> inits;
   for (int e = 0; e < 300; ++e) {
@@ -63,9 +67,9 @@ TEST(ThreadedNodes, PathSearchesOnOneSharedMeshMatchTheSingleThreadedRun) {
   }
   EvaluationRequest r;
   r.elements = 300;
-  r.setInput(1020, PortValues::arraysOf<XSI::MATH::CVector3f>({points}).asConstant());
-  r.setInput(1030, PortValues::arraysOf<XSI::LONG>({description}).asConstant());
-  r.setInput(1040, PortValues::arraysOf<XSI::LONG>(inits));
+  r.SetInput(1020, PortValues::ArraysOf<XSI::MATH::CVector3f>({points}).AsConstant());
+  r.SetInput(1030, PortValues::ArraysOf<XSI::LONG>({description}).AsConstant());
+  r.SetInput(1040, PortValues::ArraysOf<XSI::LONG>(inits));
   const auto single = evaluateWith(L"Quillix_fpom", r, 1);
   const auto threaded = evaluateWith(L"Quillix_fpom", r, 4);
   expectSameResults(single, threaded);

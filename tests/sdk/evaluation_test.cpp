@@ -39,10 +39,10 @@ TEST(Evaluation, MissingInputsReadTheirPortDefaults) {
   // Divide By defaults to 1, so the quotient is the value itself.
   EvaluationRequest r;
   r.elements = 2;
-  r.setInput(1010, PortValues::singles<XSI::LONG>({5, -8}));
+  r.SetInput(1010, PortValues::Singles<XSI::LONG>({5, -8}));
   const auto out = evaluate(L"Quillix_divi", r, 2010);
-  EXPECT_EQ(out.values.single<XSI::LONG>(0), 5);
-  EXPECT_EQ(out.values.single<XSI::LONG>(1), -8);
+  EXPECT_EQ(out.values.Single<XSI::LONG>(0), 5);
+  EXPECT_EQ(out.values.Single<XSI::LONG>(1), -8);
 }
 
 TEST(Evaluation, PortInfoOverridesChangeTheNodesPath) {
@@ -51,21 +51,21 @@ TEST(Evaluation, PortInfoOverridesChangeTheNodesPath) {
   // instead of reading out of bounds.
   EvaluationRequest r;
   r.elements = 1;
-  r.setInput(1010, PortValues::singles<XSI::LONG>({5}));
+  r.SetInput(1010, PortValues::Singles<XSI::LONG>({5}));
   r.portInfo[1010].structure = 2;
   const auto out = evaluate(L"Quillix_divi", r, 2010);
   ASSERT_TRUE(out.values.array);
-  EXPECT_TRUE(out.values.wasWritten(0));
-  EXPECT_TRUE(out.values.arrayAt<XSI::LONG>(0).empty());
+  EXPECT_TRUE(out.values.WasWritten(0));
+  EXPECT_TRUE(out.values.ArrayAt<XSI::LONG>(0).empty());
 }
 
 TEST(Evaluation, EmptyIndexSetWritesNothing) {
   EvaluationRequest r;
   r.elements = 3;
   r.batch = std::vector<ULONG>{};
-  r.setInput(1010, PortValues::singles<XSI::LONG>({1, 2, 3}));
+  r.SetInput(1010, PortValues::Singles<XSI::LONG>({1, 2, 3}));
   const auto out = evaluate(L"Quillix_divi", r, 2010);
-  for (ULONG i = 0; i < 3; ++i) EXPECT_FALSE(out.values.wasWritten(i));
+  for (ULONG i = 0; i < 3; ++i) EXPECT_FALSE(out.values.WasWritten(i));
 }
 
 }  // namespace

@@ -51,29 +51,29 @@ class Commands : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     std::string error;
-    s_plugin = xsihost::LoadedPlugin::load(SCENE_TEST_PLUGIN_PATH, error).release();
+    s_plugin = xsihost::LoadedPlugin::Load(SCENE_TEST_PLUGIN_PATH, error).release();
     ASSERT_NE(s_plugin, nullptr) << error;  // loading runs the commands' Init
   }
   static void TearDownTestSuite() { delete s_plugin; }
   void SetUp() override {
-    m_home = fs::temp_directory_path() / ("scene_command_test_" + std::to_string(::getpid()));
-    fs::remove_all(m_home);
-    fs::create_directories(m_home);
-    ::setenv("XSI_USERHOME", m_home.c_str(), 1);
-    writeFile(m_home / "a.json", R"({"objects": [{"name": "cone", "type": "null"}]})");
-    writeFile(m_home / "b.json", R"({"objects": [{"name": "box", "type": "cube"}]})");
-    xsihost::setActiveScene(nullptr);
-    xsihost::hostLog().take();
+    home_ = fs::temp_directory_path() / ("scene_command_test_" + std::to_string(::getpid()));
+    fs::remove_all(home_);
+    fs::create_directories(home_);
+    ::setenv("XSI_USERHOME", home_.c_str(), 1);
+    writeFile(home_ / "a.json", R"({"objects": [{"name": "cone", "type": "null"}]})");
+    writeFile(home_ / "b.json", R"({"objects": [{"name": "box", "type": "cube"}]})");
+    xsihost::SetActiveScene(nullptr);
+    xsihost::HostLog().Take();
   }
   void TearDown() override {
     ::unsetenv("XSI_USERHOME");
-    fs::remove_all(m_home);
-    xsihost::setActiveScene(nullptr);
+    fs::remove_all(home_);
+    xsihost::SetActiveScene(nullptr);
   }
-  fs::path listFile() const { return m_home / "Data" / "Preferences" / "RecentFileMenus.xml"; }
+  fs::path listFile() const { return home_ / "Data" / "Preferences" / "RecentFileMenus.xml"; }
 
   static xsihost::LoadedPlugin* s_plugin;
-  fs::path m_home;
+  fs::path home_;
 };
 
 xsihost::LoadedPlugin* Commands::s_plugin = nullptr;
@@ -105,27 +105,27 @@ TEST_F(Commands, ExecuteCommandRoundTripWithArgumentsByPosition) {
   EXPECT_EQ(static_cast<double>(result), 1.25);
   EXPECT_EQ(static_cast<LONG>(xsihost::FindCommand(L"SceneTest__Sum")->m_arguments[0].value), 1);
 
-  const auto log = xsihost::hostLog().take();
+  const auto log = xsihost::HostLog().Take();
   ASSERT_EQ(log.size(), 3u);
   EXPECT_EQ(log[0], (xsihost::LogLine{siInfoMsg, L"SceneTest__Sum(4, 2.5, \"\")"}));
 }
 
 TEST_F(Commands, UserDataPersistsBetweenCallsOfOneCommand) {
   const auto sum = xsihost::FindCommand(L"SceneTest__Sum");
-  sum->m_userData = CValue(10);
+  sum->userData_ = CValue(10);
   CValue result;
   Application().ExecuteCommand(L"SceneTest__Sum", CValueArray(), result);
   Application().ExecuteCommand(L"SceneTest__Sum", CValueArray(), result);
-  EXPECT_EQ(static_cast<LONG>(sum->m_userData), 12);
+  EXPECT_EQ(static_cast<LONG>(sum->userData_), 12);
 }
 
 TEST_F(Commands, CommandsSelectSceneObjectsAndReportFailures) {
   writeFile(
-      m_home / "c.json",
+      home_ / "c.json",
       R"({"objects": [{"name": "a", "type": "null"}, {"name": "b", "type": "null", "parent": "a"}]})");
   CValue result;
   CValueArray open;
-  open.Add(pathValue(m_home / "c.json"));
+  open.Add(pathValue(home_ / "c.json"));
   ASSERT_EQ(Application().ExecuteCommand(L"OpenScene", open, result), CStatus(CStatus::OK));
   CValueArray arguments(3);
   arguments[2] = CValue(L"b");
@@ -143,7 +143,7 @@ TEST_F(Commands, CommandsSelectSceneObjectsAndReportFailures) {
             CStatus(CStatus::Fail));
   EXPECT_EQ(Application().ExecuteCommand(L"SceneTest__Nothing", CValueArray(), result),
             CStatus(CStatus::Fail));
-  const auto log = xsihost::hostLog().take();
+  const auto log = xsihost::HostLog().Take();
   ASSERT_GE(log.size(), 3u);
   EXPECT_EQ(log[log.size() - 2],
             (xsihost::LogLine{siErrorMsg,
@@ -155,24 +155,24 @@ TEST_F(Commands, OpenSceneLoadsTheFileAndPutsItAtTheTopOfTheRecentList) {
   CValue result;
   for (const char* name : {"a.json", "b.json", "a.json"}) {
     CValueArray arguments;
-    arguments.Add(pathValue(m_home / name));
+    arguments.Add(pathValue(home_ / name));
     ASSERT_EQ(Application().ExecuteCommand(L"OpenScene", arguments, result), CStatus(CStatus::OK));
   }
   EXPECT_TRUE(Application().GetActiveSceneRoot().FindChild2(L"cone").IsValid());
   const std::string list = readFile(listFile());
-  EXPECT_EQ(mostRecentScene(list), (m_home / "a.json").string());
+  EXPECT_EQ(mostRecentScene(list), (home_ / "a.json").string());
   // a.json appears once: re-opening moves it up instead of repeating it.
   EXPECT_EQ(list.find("a.json"), list.rfind("a.json"));
-  EXPECT_NE(list.find((m_home / "b.json").string()), std::string::npos);
+  EXPECT_NE(list.find((home_ / "b.json").string()), std::string::npos);
 }
 
 TEST_F(Commands, OpenSceneFromInsideAPluginCommandWithoutLoggingTheOuterCall) {
-  xsihost::FindCommand(L"SceneTest__Quiet")->m_userData = pathValue(m_home / "b.json");
+  xsihost::FindCommand(L"SceneTest__Quiet")->userData_ = pathValue(home_ / "b.json");
   CValue result;
   ASSERT_EQ(Application().ExecuteCommand(L"SceneTest__Quiet", CValueArray(), result),
             CStatus(CStatus::OK));
   EXPECT_TRUE(Application().GetActiveSceneRoot().FindChild2(L"box").IsValid());
-  const auto log = xsihost::hostLog().take();
+  const auto log = xsihost::HostLog().Take();
   ASSERT_EQ(log.size(), 1u);  // only OpenScene's own call line
   EXPECT_EQ(log[0].text.rfind(L"OpenScene(", 0), 0u);
 }
@@ -180,16 +180,16 @@ TEST_F(Commands, OpenSceneFromInsideAPluginCommandWithoutLoggingTheOuterCall) {
 TEST_F(Commands, OpenSceneOfABadFileKeepsTheSceneAndTheList) {
   CValue result;
   CValueArray good;
-  good.Add(pathValue(m_home / "a.json"));
+  good.Add(pathValue(home_ / "a.json"));
   Application().ExecuteCommand(L"OpenScene", good, result);
-  writeFile(m_home / "bad.json", "{\"objects\": [ {\"name\": \"x\" } ]}");
+  writeFile(home_ / "bad.json", "{\"objects\": [ {\"name\": \"x\" } ]}");
   CValueArray bad;
-  bad.Add(pathValue(m_home / "bad.json"));
-  xsihost::hostLog().take();
+  bad.Add(pathValue(home_ / "bad.json"));
+  xsihost::HostLog().Take();
   EXPECT_EQ(Application().ExecuteCommand(L"OpenScene", bad, result), CStatus(CStatus::Fail));
   EXPECT_TRUE(Application().GetActiveSceneRoot().FindChild2(L"cone").IsValid());
-  EXPECT_EQ(mostRecentScene(readFile(listFile())), (m_home / "a.json").string());
-  const auto log = xsihost::hostLog().take();
+  EXPECT_EQ(mostRecentScene(readFile(listFile())), (home_ / "a.json").string());
+  const auto log = xsihost::HostLog().Take();
   ASSERT_EQ(log.size(), 2u);
   EXPECT_EQ(log[1].severity, siErrorMsg);
   EXPECT_NE(log[1].text.find(L"bad.json: /objects/0: missing \"type\""), std::wstring::npos);
@@ -199,10 +199,10 @@ TEST_F(Commands, OpenSceneWithoutAUserHomeOnlyWarns) {
   ::unsetenv("XSI_USERHOME");
   CValue result;
   CValueArray arguments;
-  arguments.Add(pathValue(m_home / "b.json"));
+  arguments.Add(pathValue(home_ / "b.json"));
   EXPECT_EQ(Application().ExecuteCommand(L"OpenScene", arguments, result), CStatus(CStatus::OK));
   EXPECT_TRUE(Application().GetActiveSceneRoot().FindChild2(L"box").IsValid());
-  EXPECT_EQ(xsihost::hostLog().take().back().severity, siWarningMsg);
+  EXPECT_EQ(xsihost::HostLog().Take().back().severity, siWarningMsg);
   EXPECT_FALSE(fs::exists(listFile()));
 }
 
@@ -213,10 +213,10 @@ TEST_F(Commands, AttachingAgainKeepsTheDefinitionsAndUnloadingForgetsThem) {
   EXPECT_EQ(Application().GetPlugins().GetCount(), 1);
 
   std::string error;
-  auto second = xsihost::LoadedPlugin::load(SCENE_TEST_PLUGIN_PATH, error);
+  auto second = xsihost::LoadedPlugin::Load(SCENE_TEST_PLUGIN_PATH, error);
   ASSERT_NE(second, nullptr) << error;
   EXPECT_EQ(Application().GetPlugins().GetCount(), 2);
-  second->unload();
+  second->Unload();
   EXPECT_EQ(Application().GetPlugins().GetCount(), 1);
   // The second load's definitions replaced the first's and left with it.
   EXPECT_EQ(xsihost::FindCommand(L"SceneTest__Sum"), nullptr);

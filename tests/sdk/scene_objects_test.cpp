@@ -28,7 +28,7 @@ void loadScene(const std::string& json) {
   std::string error;
   auto scene = xsihost::ParseSceneText(json, ".", "test.json", error);
   ASSERT_NE(scene, nullptr) << error;
-  xsihost::setActiveScene(scene);
+  xsihost::SetActiveScene(scene);
 }
 
 X3DObject object(const wchar_t* fullName) {
@@ -76,7 +76,7 @@ const char* const kScene = R"({
 class SceneObjects : public ::testing::Test {
  protected:
   void SetUp() override { loadScene(kScene); }
-  void TearDown() override { xsihost::setActiveScene(nullptr); }
+  void TearDown() override { xsihost::SetActiveScene(nullptr); }
 };
 
 TEST_F(SceneObjects, GlobalTransformComposesThroughThreeLevels) {

@@ -8,24 +8,24 @@ namespace quillix::test {
 
 std::string pluginPath() { return QUILLIX_PLUGIN_PATH; }
 
-xsihost::LoadedPlugin& plugin() {
-  // The log must outlive the plug-in, whose unload at exit logs a line.
-  xsihost::hostLog();
-  static std::unique_ptr<xsihost::LoadedPlugin> loaded = [] {
+xsihost::Host& host() {
+  static std::unique_ptr<xsihost::Host> loaded = [] {
     std::string error;
-    auto p = xsihost::LoadedPlugin::load(pluginPath(), error);
-    if (!p) {
+    auto h = xsihost::Host::Load(pluginPath(), error);
+    if (!h) {
       ADD_FAILURE() << error;
       std::abort();
     }
-    xsihost::hostLog().take();
-    return p;
+    h->TakeLog();
+    return h;
   }();
   return *loaded;
 }
 
-const XSI::host_detail::NodeDefinitionRecord* nodeDefinition(const std::wstring& node) {
-  const auto* definition = plugin().findNode(node);
+const xsihost::LoadedPlugin& plugin() { return host().Loaded(); }
+
+const xsihost::NodeDefinitionRecord* nodeDefinition(const std::wstring& node) {
+  const auto* definition = host().FindNode(node);
   if (definition == nullptr) ADD_FAILURE() << "node not registered";
   return definition;
 }
@@ -43,6 +43,7 @@ OutputResult evaluate(const std::wstring& node, const EvaluationRequest& request
   return results.empty() ? OutputResult{} : std::move(results.front());
 }
 
-std::vector<xsihost::LogLine> takeLog() { return xsihost::hostLog().take(); }
+// Reads the log without loading the shared plug-in: some tests load their own.
+std::vector<xsihost::LogLine> takeLog() { return xsihost::HostLog().Take(); }
 
 }  // namespace quillix::test

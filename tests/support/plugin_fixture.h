@@ -4,10 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <xsihost/evaluation.h>
-#include <xsihost/plugin_host.h>
-#include <xsihost/port_values.h>
-#include <xsihost/session.h>
+#include <xsihost/host.h>
 
 namespace quillix::test {
 
@@ -17,11 +14,12 @@ using xsihost::OutputResult;
 using xsihost::PortValues;
 
 // The plug-in built with the tests, loaded once per test process.
-xsihost::LoadedPlugin& plugin();
+xsihost::Host& host();
+const xsihost::LoadedPlugin& plugin();
 std::string pluginPath();
 
 // The registered definition of `node`; fails the test (and returns null) when missing.
-const XSI::host_detail::NodeDefinitionRecord* nodeDefinition(const std::wstring& node);
+const xsihost::NodeDefinitionRecord* nodeDefinition(const std::wstring& node);
 
 // Evaluates `ports` of a fresh instance of `node` (Init, Begin, Evaluate, End, Term).
 std::vector<OutputResult> evaluate(const std::wstring& node, const EvaluationRequest& request,

@@ -42,9 +42,9 @@ TEST(SceneFile, TheShowcaseLoadsWithEveryKindOfObject) {
   const auto p = bone3->globalAt(1.0).GetTranslation();
   EXPECT_NEAR(p.GetX(), -5 + 2 + 1.5 * std::sqrt(3.0) / 2, 1e-12);
   EXPECT_NEAR(p.GetY(), 0.75, 1e-12);
-  EXPECT_EQ(scene->find(L"props.crate")->m_mesh->polygons.size(), 6u);
-  EXPECT_FALSE(scene->find(L"props.crate_hidden")->m_visible.at(1.0));
-  EXPECT_EQ(scene->find(L"track")->m_curves.size(), 2u);
+  EXPECT_EQ(scene->find(L"props.crate")->mesh_->polygons.size(), 6u);
+  EXPECT_FALSE(scene->find(L"props.crate_hidden")->visible_.at(1.0));
+  EXPECT_EQ(scene->find(L"track")->curves_.size(), 2u);
   EXPECT_EQ(scene->currentFrame(), 1.0);
 }
 
@@ -232,7 +232,7 @@ TEST(SceneFile, FullNamesCarryTheEnclosingModels) {
   EXPECT_EQ(scene->find(L"outer.inner.mid.leaf"), nullptr);  // only models prefix names
   EXPECT_NE(scene->find(L"outer.inner.mid"), nullptr);
   EXPECT_EQ(scene->find(L"outer.inner.leaf")->fullName(), L"outer.inner.leaf");
-  EXPECT_EQ(scene->find(L"outer.inner")->m_name, L"inner");
+  EXPECT_EQ(scene->find(L"outer.inner")->name_, L"inner");
   EXPECT_NE(scene->find(L"top"), nullptr);
 }
 
@@ -244,11 +244,11 @@ TEST(SceneFile, KnotVectorsWithoutEndKnotsOrWithoutKnotsAtAll) {
       {"name": "loop", "type": "crvlist", "curves": [{"degree": 3, "closed": true, "points": [[1,0,0],[0,1,0],[-1,0,0],[0,-1,0]]}]})"),
                                     ".", "s.json", error);
   ASSERT_NE(scene, nullptr) << error;
-  EXPECT_EQ(scene->find(L"short")->m_curves[0]->data().knots,
+  EXPECT_EQ(scene->find(L"short")->curves_[0]->data().knots,
             (std::vector<double>{0, 0, 0, 1, 1, 1}));
-  EXPECT_EQ(scene->find(L"open")->m_curves[0]->data().knots,
+  EXPECT_EQ(scene->find(L"open")->curves_[0]->data().knots,
             (std::vector<double>{0, 0, 0, 0, 1, 2, 2, 2, 2}));
-  const auto& loop = *scene->find(L"loop")->m_curves[0];
+  const auto& loop = *scene->find(L"loop")->curves_[0];
   EXPECT_EQ(loop.data().points.size(), 7u);
   EXPECT_EQ(loop.minParameter(), 0.0);
   EXPECT_EQ(loop.maxParameter(), 4.0);

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <xsihost/plugin_host.h>
+#include <xsihost/host.h>
 
 namespace quillix::tool {
 
@@ -19,11 +19,11 @@ struct EvalOptions {
 };
 
 // Prints identity, commands and node definitions.
-int runList(xsihost::LoadedPlugin& plugin, bool asJson, std::ostream& out);
+int RunList(const xsihost::PluginRecord& plugin, bool asJson, std::ostream& out);
 
 // Evaluates the requests of a JSON file into `out` ({"results", "shutdownLog"}); bad input
 // prints one message to `err` and returns 2.
-int runEval(xsihost::LoadedPlugin& plugin, const EvalOptions& options, nlohmann::json& out,
+int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out,
             std::ostream& err);
 
 }  // namespace quillix::tool

@@ -14,7 +14,7 @@ using nlohmann::json;
 using XSI::ULONG;
 using xsihost::PortValues;
 
-std::wstring utf8ToWide(const std::string& text) {
+std::wstring Utf8ToWide(const std::string& text) {
   std::wstring out;
   for (std::size_t i = 0; i < text.size();) {
     const unsigned char c = static_cast<unsigned char>(text[i]);
@@ -25,14 +25,15 @@ std::wstring utf8ToWide(const std::string& text) {
       continue;
     }
     std::uint32_t code = extra == 0 ? c : c & (0x3F >> extra);
-    for (int k = 1; k <= extra; ++k) code = (code << 6) | (static_cast<unsigned char>(text[i + k]) & 0x3F);
+    for (int k = 1; k <= extra; ++k)
+      code = (code << 6) | (static_cast<unsigned char>(text[i + k]) & 0x3F);
     out.push_back(static_cast<wchar_t>(code));
     i += extra + 1;
   }
   return out;
 }
 
-std::string wideToUtf8(const std::wstring& text) {
+std::string WideToUtf8(const std::wstring& text) {
   std::string out;
   for (wchar_t wc : text) {
     std::uint32_t c = static_cast<std::uint32_t>(wc);
@@ -58,7 +59,7 @@ std::string wideToUtf8(const std::wstring& text) {
 
 namespace {
 
-float readFloat(const json& j, const std::string& place) {
+float ReadFloat(const json& j, const std::string& place) {
   if (j.is_number()) {
     const double d = j.get<double>();
     if (std::isfinite(d) && std::fabs(d) > double(std::numeric_limits<float>::max()))
@@ -72,12 +73,13 @@ float readFloat(const json& j, const std::string& place) {
       const unsigned long bits = std::strtoul(s.c_str() + 2, &end, 16);
       if (end && *end == '\0') return std::bit_cast<float>(static_cast<std::uint32_t>(bits));
     }
-    throw InputError(place, "expected a number or a float's bits as \"0x7FC00000\", got \"" + s + "\"");
+    throw InputError(place,
+                     "expected a number or a float's bits as \"0x7FC00000\", got \"" + s + "\"");
   }
   throw InputError(place, "expected a number, got " + std::string(j.type_name()));
 }
 
-XSI::LONG readInt(const json& j, const std::string& place) {
+XSI::LONG ReadInt(const json& j, const std::string& place) {
   if (j.is_number_integer()) {
     const std::int64_t v = j.get<std::int64_t>();
     if (v < std::numeric_limits<XSI::LONG>::min() || v > std::numeric_limits<XSI::LONG>::max())
@@ -90,72 +92,83 @@ XSI::LONG readInt(const json& j, const std::string& place) {
       throw InputError(place, "integer out of the 32-bit range");
     return static_cast<XSI::LONG>(v);
   }
-  throw InputError(place, "expected an integer, got " + std::string(j.is_number() ? "a fraction" : j.type_name()));
+  throw InputError(place, "expected an integer, got " +
+                              std::string(j.is_number() ? "a fraction" : j.type_name()));
 }
 
 // Reads `count` floats from a list, or, for matrices, from a list of rows.
 std::vector<float> readFloats(const json& j, std::size_t count, std::size_t rows,
                               const std::string& place) {
-  if (!j.is_array()) throw InputError(place, "expected a list of " + std::to_string(count) + " numbers");
+  if (!j.is_array())
+    throw InputError(place, "expected a list of " + std::to_string(count) + " numbers");
   std::vector<float> out;
   if (rows > 1 && j.size() == rows && j[0].is_array()) {
     for (std::size_t r = 0; r < rows; ++r) {
       const json& row = j[r];
       if (!row.is_array() || row.size() != count / rows)
-        throw InputError(place + "[" + std::to_string(r) + "]", "expected a row of " + std::to_string(count / rows) + " numbers");
+        throw InputError(place + "[" + std::to_string(r) + "]",
+                         "expected a row of " + std::to_string(count / rows) + " numbers");
       for (std::size_t c = 0; c < row.size(); ++c)
-        out.push_back(readFloat(row[c], place + "[" + std::to_string(r) + "][" + std::to_string(c) + "]"));
+        out.push_back(
+            ReadFloat(row[c], place + "[" + std::to_string(r) + "][" + std::to_string(c) + "]"));
     }
     return out;
   }
   if (j.size() != count)
-    throw InputError(place, "expected " + std::to_string(count) + " numbers, got " + std::to_string(j.size()));
-  for (std::size_t i = 0; i < count; ++i) out.push_back(readFloat(j[i], place + "[" + std::to_string(i) + "]"));
+    throw InputError(
+        place, "expected " + std::to_string(count) + " numbers, got " + std::to_string(j.size()));
+  for (std::size_t i = 0; i < count; ++i)
+    out.push_back(ReadFloat(j[i], place + "[" + std::to_string(i) + "]"));
   return out;
 }
 
 // Appends the bytes of one value of `type` to `out`.
-void readValue(const json& j, ULONG type, const std::string& place, std::vector<std::byte>& out) {
+void ReadValue(const json& j, ULONG type, const std::string& place, std::vector<std::byte>& out) {
   auto append = [&out](const void* data, std::size_t size) {
     const auto* b = static_cast<const std::byte*>(data);
     out.insert(out.end(), b, b + size);
   };
   switch (type) {
     case XSI::siICENodeDataBool: {
-      if (!j.is_boolean()) throw InputError(place, "expected true or false, got " + std::string(j.type_name()));
+      if (!j.is_boolean())
+        throw InputError(place, "expected true or false, got " + std::string(j.type_name()));
       const bool b = j.get<bool>();
       append(&b, sizeof b);
       return;
     }
     case XSI::siICENodeDataLong: {
-      const XSI::LONG v = readInt(j, place);
+      const XSI::LONG v = ReadInt(j, place);
       append(&v, sizeof v);
       return;
     }
     case XSI::siICENodeDataFloat: {
-      const float f = readFloat(j, place);
+      const float f = ReadFloat(j, place);
       append(&f, sizeof f);
       return;
     }
     case XSI::siICENodeDataShape: {
-      if (!j.is_array() || j.size() != 4) throw InputError(place, "expected a shape as [type, p0, p1, p2]");
-      const std::int32_t shapeType = readInt(j[0], place + "[0]");
+      if (!j.is_array() || j.size() != 4)
+        throw InputError(place, "expected a shape as [type, p0, p1, p2]");
+      const std::int32_t shapeType = ReadInt(j[0], place + "[0]");
       append(&shapeType, sizeof shapeType);
       for (int k = 1; k < 4; ++k) {
-        const float f = readFloat(j[k], place + "[" + std::to_string(k) + "]");
+        const float f = ReadFloat(j[k], place + "[" + std::to_string(k) + "]");
         append(&f, sizeof f);
       }
       return;
     }
-    default: break;
+    default:
+      break;
   }
-  const std::size_t count = xsihost::valueSize(type) / sizeof(float);
-  const std::size_t rows = type == XSI::siICENodeDataMatrix33 ? 3 : type == XSI::siICENodeDataMatrix44 ? 4 : 1;
+  const std::size_t count = xsihost::ValueSize(type) / sizeof(float);
+  const std::size_t rows = type == XSI::siICENodeDataMatrix33   ? 3
+                           : type == XSI::siICENodeDataMatrix44 ? 4
+                                                                : 1;
   const std::vector<float> floats = readFloats(j, count, rows, place);
   append(floats.data(), floats.size() * sizeof(float));
 }
 
-json writeFloat(float f) {
+json WriteFloat(float f) {
   if (!std::isfinite(f)) {
     char bits[16];
     std::snprintf(bits, sizeof bits, "0x%08X", std::bit_cast<std::uint32_t>(f));
@@ -167,7 +180,7 @@ json writeFloat(float f) {
   return std::strtod(text, nullptr);
 }
 
-json writeValue(const std::byte* data, ULONG type) {
+json WriteValue(const std::byte* data, ULONG type) {
   switch (type) {
     case XSI::siICENodeDataBool: {
       bool b;
@@ -182,29 +195,33 @@ json writeValue(const std::byte* data, ULONG type) {
     case XSI::siICENodeDataFloat: {
       float f;
       std::memcpy(&f, data, sizeof f);
-      return writeFloat(f);
+      return WriteFloat(f);
     }
     case XSI::siICENodeDataShape: {
       std::int32_t shapeType;
       float p[3];
       std::memcpy(&shapeType, data, sizeof shapeType);
       std::memcpy(p, data + sizeof shapeType, sizeof p);
-      return json::array({shapeType, writeFloat(p[0]), writeFloat(p[1]), writeFloat(p[2])});
+      return json::array({shapeType, WriteFloat(p[0]), WriteFloat(p[1]), WriteFloat(p[2])});
     }
-    default: break;
+    default:
+      break;
   }
-  const std::size_t count = xsihost::valueSize(type) / sizeof(float);
-  const std::size_t rows = type == XSI::siICENodeDataMatrix33 ? 3 : type == XSI::siICENodeDataMatrix44 ? 4 : 1;
+  const std::size_t count = xsihost::ValueSize(type) / sizeof(float);
+  const std::size_t rows = type == XSI::siICENodeDataMatrix33   ? 3
+                           : type == XSI::siICENodeDataMatrix44 ? 4
+                                                                : 1;
   std::vector<float> floats(count);
   std::memcpy(floats.data(), data, count * sizeof(float));
   json out = json::array();
   if (rows == 1) {
-    for (float f : floats) out.push_back(writeFloat(f));
+    for (float f : floats) out.push_back(WriteFloat(f));
     return out;
   }
   for (std::size_t r = 0; r < rows; ++r) {
     json row = json::array();
-    for (std::size_t c = 0; c < count / rows; ++c) row.push_back(writeFloat(floats[r * (count / rows) + c]));
+    for (std::size_t c = 0; c < count / rows; ++c)
+      row.push_back(WriteFloat(floats[r * (count / rows) + c]));
     out.push_back(row);
   }
   return out;
@@ -212,20 +229,21 @@ json writeValue(const std::byte* data, ULONG type) {
 
 }  // namespace
 
-PortValues readPortValues(const json& values, ULONG type, bool array, const std::string& place) {
+PortValues ReadPortValues(const json& values, ULONG type, bool array, const std::string& place) {
   if (!values.is_array()) throw InputError(place, "expected a list with one value per element");
   PortValues p;
   p.type = type;
   p.array = array;
-  p.resize(static_cast<ULONG>(values.size()));
+  p.Resize(static_cast<ULONG>(values.size()));
   for (std::size_t i = 0; i < values.size(); ++i) {
     const std::string at = place + "[" + std::to_string(i) + "]";
     const json& item = values[i];
     if (array && !item.is_array()) throw InputError(at, "expected a list (an array per element)");
-    if (p.isString()) {
+    if (p.IsString()) {
       auto readString = [](const json& s, const std::string& where) {
-        if (!s.is_string()) throw InputError(where, "expected a string, got " + std::string(s.type_name()));
-        return utf8ToWide(s.get<std::string>());
+        if (!s.is_string())
+          throw InputError(where, "expected a string, got " + std::string(s.type_name()));
+        return Utf8ToWide(s.get<std::string>());
       };
       if (array) {
         for (std::size_t k = 0; k < item.size(); ++k)
@@ -235,43 +253,49 @@ PortValues readPortValues(const json& values, ULONG type, bool array, const std:
       }
     } else if (array) {
       for (std::size_t k = 0; k < item.size(); ++k)
-        readValue(item[k], type, at + "[" + std::to_string(k) + "]", p.arrays[i]);
+        ReadValue(item[k], type, at + "[" + std::to_string(k) + "]", p.arrays[i]);
     } else {
       std::vector<std::byte> bytes;
-      readValue(item, type, at, bytes);
+      ReadValue(item, type, at, bytes);
       std::memcpy(p.flat.data() + i * bytes.size(), bytes.data(), bytes.size());
     }
   }
   return p;
 }
 
-json writePortValues(const PortValues& values, bool outputsOnly) {
+json WritePortValues(const PortValues& values, bool outputsOnly) {
   json out = json::array();
-  const std::size_t size = xsihost::valueSize(values.type);
+  const std::size_t size = xsihost::ValueSize(values.type);
   for (ULONG i = 0; i < values.count; ++i) {
-    if (outputsOnly && !values.wasWritten(i)) {
+    if (outputsOnly && !values.WasWritten(i)) {
       out.push_back(nullptr);
       continue;
     }
-    if (values.isString()) {
+    if (values.IsString()) {
       if (values.array) {
         json list = json::array();
-        for (const std::wstring& s : values.stringArrays[i]) list.push_back(wideToUtf8(s));
+        for (const std::wstring& s : values.stringArrays[i]) list.push_back(WideToUtf8(s));
         out.push_back(list);
       } else {
-        out.push_back(wideToUtf8(values.strings[i]));
+        out.push_back(WideToUtf8(values.strings[i]));
       }
     } else if (values.array) {
       json list = json::array();
       const auto& bytes = values.arrays[i];
       for (std::size_t at = 0; at + size <= bytes.size(); at += size)
-        list.push_back(writeValue(bytes.data() + at, values.type));
+        list.push_back(WriteValue(bytes.data() + at, values.type));
       out.push_back(list);
     } else {
-      out.push_back(writeValue(values.flat.data() + std::size_t(i) * size, values.type));
+      out.push_back(WriteValue(values.flat.data() + std::size_t(i) * size, values.type));
     }
   }
   return out;
+}
+
+json LogJson(const std::vector<xsihost::LogLine>& lines) {
+  json log = json::array();
+  for (const auto& line : lines) log.push_back({line.severity, WideToUtf8(line.text)});
+  return log;
 }
 
 }  // namespace quillix::tool

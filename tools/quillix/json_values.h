@@ -8,9 +8,11 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
-#include <nlohmann/json.hpp>
 #include <xsihost/port_values.h>
+#include <xsihost/session.h>
+#include <nlohmann/json.hpp>
 
 namespace quillix::tool {
 
@@ -23,13 +25,16 @@ class InputError : public std::runtime_error {
 
 // Reads `values` (one entry per item) of data type `type` into a PortValues of `items`
 // items, single-valued or arrays per item. Throws InputError naming `place`.
-xsihost::PortValues readPortValues(const nlohmann::json& values, XSI::ULONG type, bool array,
+xsihost::PortValues ReadPortValues(const nlohmann::json& values, XSI::ULONG type, bool array,
                                    const std::string& place);
 
 // One entry per item: the value, or null where the item was not written (outputs) .
-nlohmann::json writePortValues(const xsihost::PortValues& values, bool outputsOnly);
+nlohmann::json WritePortValues(const xsihost::PortValues& values, bool outputsOnly);
 
-std::wstring utf8ToWide(const std::string& text);
-std::string wideToUtf8(const std::wstring& text);
+// Log lines as [[severity, "text"], ...].
+nlohmann::json LogJson(const std::vector<xsihost::LogLine>& lines);
+
+std::wstring Utf8ToWide(const std::string& text);
+std::string WideToUtf8(const std::wstring& text);
 
 }  // namespace quillix::tool

@@ -1,7 +1,7 @@
 #include <ostream>
 
-#include <nlohmann/json.hpp>
 #include <xsihost/port_values.h>
+#include <nlohmann/json.hpp>
 
 #include "tools/quillix/commands.h"
 #include "tools/quillix/json_values.h"
@@ -10,27 +10,31 @@ namespace quillix::tool {
 
 using nlohmann::json;
 using XSI::ULONG;
-using XSI::host_detail::NodeDefinitionRecord;
-using XSI::host_detail::PortRecord;
+using xsihost::NodeDefinitionRecord;
+using xsihost::PortRecord;
 
 namespace {
 
-json typeNames(ULONG bits) {
+json TypeNames(ULONG bits) {
   json names = json::array();
   for (ULONG bit = 1; bit != 0 && bit <= bits; bit <<= 1)
-    if ((bits & bit) && xsihost::isValueType(bit)) names.push_back(xsihost::typeName(bit));
+    if ((bits & bit) && xsihost::IsValueType(bit)) names.push_back(xsihost::TypeName(bit));
   return names;
 }
 
 json link(ULONG id) { return id == 0xFFFFFFFFu ? json(nullptr) : json(id); }
 
-json defaultJson(const XSI::CValue& v) {
+json DefaultJson(const XSI::CValue& v) {
   switch (v.GetType()) {
-    case XSI::CValue::siEmpty: return nullptr;
-    case XSI::CValue::siBool: return static_cast<bool>(v);
+    case XSI::CValue::siEmpty:
+      return nullptr;
+    case XSI::CValue::siBool:
+      return static_cast<bool>(v);
     case XSI::CValue::siFloat:
-    case XSI::CValue::siDouble: return static_cast<double>(v);
-    case XSI::CValue::siString: return wideToUtf8(v.GetAsText().Wide());
+    case XSI::CValue::siDouble:
+      return static_cast<double>(v);
+    case XSI::CValue::siString:
+      return WideToUtf8(v.GetAsText().Wide());
     case XSI::CValue::siVector3f: {
       const auto p = v.GetVector3f();
       return json::array({p.GetX(), p.GetY(), p.GetZ()});
@@ -39,69 +43,84 @@ json defaultJson(const XSI::CValue& v) {
       const auto m = v.GetMatrix4f();
       json rows = json::array();
       for (short r = 0; r < 4; ++r)
-        rows.push_back(json::array({m.GetValue(r, 0), m.GetValue(r, 1), m.GetValue(r, 2), m.GetValue(r, 3)}));
+        rows.push_back(
+            json::array({m.GetValue(r, 0), m.GetValue(r, 1), m.GetValue(r, 2), m.GetValue(r, 3)}));
       return rows;
     }
-    default: return static_cast<std::int64_t>(v);
+    default:
+      return static_cast<std::int64_t>(v);
   }
 }
 
-json portJson(const PortRecord& p) {
+json PortJson(const PortRecord& p) {
   json j = {{"id", p.id},
-            {"scriptName", wideToUtf8(p.scriptName)},
-            {"displayName", wideToUtf8(p.displayName)},
+            {"scriptName", WideToUtf8(p.scriptName)},
+            {"displayName", WideToUtf8(p.displayName)},
             {"dataTypes", p.dataTypes},
-            {"types", typeNames(p.dataTypes)},
+            {"types", TypeNames(p.dataTypes)},
             {"structures", p.structures},
             {"contexts", p.contexts},
-            {"links", {{"type", link(p.typeLink)}, {"structure", link(p.structureLink)}, {"context", link(p.contextLink)}}}};
-  if (p.input) j["default"] = defaultJson(p.defaultValue);
+            {"links",
+             {{"type", link(p.typeLink)},
+              {"structure", link(p.structureLink)},
+              {"context", link(p.contextLink)}}}};
+  if (p.input) j["default"] = DefaultJson(p.defaultValue);
   return j;
 }
 
-json nodeJson(const NodeDefinitionRecord& n) {
+json NodeJson(const NodeDefinitionRecord& n) {
   json groups = json::array();
   for (const auto& g : n.groups)
-    groups.push_back({{"id", g.id}, {"name", wideToUtf8(g.name)}, {"min", g.minInstances}, {"max", g.maxInstances}});
+    groups.push_back({{"id", g.id},
+                      {"name", WideToUtf8(g.name)},
+                      {"min", g.minInstances},
+                      {"max", g.maxInstances}});
   json inputs = json::array(), outputs = json::array();
-  for (const auto& p : n.inputs) inputs.push_back(portJson(p));
-  for (const auto& p : n.outputs) outputs.push_back(portJson(p));
-  return {{"name", wideToUtf8(n.name)}, {"threadingModel", n.threadingModel}, {"groups", groups},
-          {"inputs", inputs}, {"outputs", outputs}};
+  for (const auto& p : n.inputs) inputs.push_back(PortJson(p));
+  for (const auto& p : n.outputs) outputs.push_back(PortJson(p));
+  return {{"name", WideToUtf8(n.name)},
+          {"threadingModel", n.threadingModel},
+          {"groups", groups},
+          {"inputs", inputs},
+          {"outputs", outputs}};
 }
 
 const char* structureName(ULONG s) { return s == 1 ? "single" : s == 2 ? "array" : "any"; }
 
 }  // namespace
 
-int runList(xsihost::LoadedPlugin& plugin, bool asJson, std::ostream& out) {
-  const auto& r = plugin.record();
+int RunList(const xsihost::PluginRecord& plugin, bool asJson, std::ostream& out) {
+  const auto& r = plugin;
   if (asJson) {
     json commands = json::array(), nodes = json::array();
-    for (const auto& c : r.commands) commands.push_back(wideToUtf8(c));
-    for (const auto& n : r.nodes) nodes.push_back(nodeJson(*n));
+    for (const auto& c : r.commands) commands.push_back(WideToUtf8(c));
+    for (const auto& n : r.nodes) nodes.push_back(NodeJson(*n));
     json j = {{"plugin",
-               {{"name", wideToUtf8(r.name)}, {"author", wideToUtf8(r.author)}, {"email", wideToUtf8(r.email)},
-                {"url", wideToUtf8(r.url)}, {"version", {r.versionMajor, r.versionMinor}}}},
+               {{"name", WideToUtf8(r.name)},
+                {"author", WideToUtf8(r.author)},
+                {"email", WideToUtf8(r.email)},
+                {"url", WideToUtf8(r.url)},
+                {"version", {r.versionMajor, r.versionMinor}}}},
               {"commands", commands},
               {"nodes", nodes}};
     out << j.dump(2) << '\n';
     return 0;
   }
-  out << wideToUtf8(r.name) << " " << r.versionMajor << "." << r.versionMinor << " by " << wideToUtf8(r.author)
-      << " <" << wideToUtf8(r.email) << "> " << wideToUtf8(r.url) << "\n\n";
+  out << WideToUtf8(r.name) << " " << r.versionMajor << "." << r.versionMinor << " by "
+      << WideToUtf8(r.author) << " <" << WideToUtf8(r.email) << "> " << WideToUtf8(r.url) << "\n\n";
   out << "Commands:\n";
-  for (const auto& c : r.commands) out << "  " << wideToUtf8(c) << '\n';
+  for (const auto& c : r.commands) out << "  " << WideToUtf8(c) << '\n';
   out << "\nNodes (" << r.nodes.size() << "):\n";
   for (const auto& n : r.nodes) {
-    out << "  " << wideToUtf8(n->name) << "  (threading model " << n->threadingModel << ")\n";
+    out << "  " << WideToUtf8(n->name) << "  (threading model " << n->threadingModel << ")\n";
     for (const auto& g : n->groups)
-      out << "    group " << g.id << " \"" << wideToUtf8(g.name) << "\" " << g.minInstances << ".." << g.maxInstances << '\n';
+      out << "    group " << g.id << " \"" << WideToUtf8(g.name) << "\" " << g.minInstances << ".."
+          << g.maxInstances << '\n';
     auto printPort = [&out](const PortRecord& p) {
-      out << "    " << (p.input ? "in  " : "out ") << p.id << " " << wideToUtf8(p.scriptName) << " \""
-          << wideToUtf8(p.displayName) << "\" types " << typeNames(p.dataTypes).dump() << " "
-          << structureName(p.structures) << " context " << p.contexts;
-      if (p.input) out << " default " << defaultJson(p.defaultValue).dump();
+      out << "    " << (p.input ? "in  " : "out ") << p.id << " " << WideToUtf8(p.scriptName)
+          << " \"" << WideToUtf8(p.displayName) << "\" types " << TypeNames(p.dataTypes).dump()
+          << " " << structureName(p.structures) << " context " << p.contexts;
+      if (p.input) out << " default " << DefaultJson(p.defaultValue).dump();
       out << '\n';
     };
     for (const auto& p : n->inputs) printPort(p);

@@ -4,10 +4,9 @@
 #include <memory>
 #include <string>
 
+#include <xsihost/host.h>
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
-#include <xsihost/plugin_host.h>
-#include <xsihost/session.h>
 
 #include "tools/quillix/commands.h"
 #include "tools/quillix/json_values.h"
@@ -15,33 +14,32 @@
 
 namespace {
 
-nlohmann::json takeLog() {
-  nlohmann::json log = nlohmann::json::array();
-  for (const auto& line : xsihost::hostLog().take())
-    log.push_back({line.severity, quillix::tool::wideToUtf8(line.text)});
-  return log;
-}
-
-int run(int argc, char** argv) {
-  CLI::App app{"quillix: runs the Quillix plug-in's nodes and commands outside the host application"};
+int Run(int argc, char** argv) {
+  CLI::App app{
+      "quillix: runs the Quillix plug-in's nodes and commands outside the host application"};
   app.require_subcommand(1);
-  std::string pluginPath = xsihost::defaultPluginPath(argv[0]);
+  std::string pluginPath = xsihost::DefaultPluginPath(argv[0]);
   app.add_option("--plugin", pluginPath, "Plug-in to load (default: libQuillix.so beside quillix)");
 
   bool listJson = false;
-  CLI::App* list = app.add_subcommand("list", "Show the plug-in's identity, commands and nodes with their ports");
+  CLI::App* list = app.add_subcommand(
+      "list", "Show the plug-in's identity, commands and nodes with their ports");
   list->add_flag("--json", listJson, "Print as JSON");
 
   quillix::tool::EvalOptions evalOptions;
-  CLI::App* eval = app.add_subcommand("eval", "Evaluate node outputs described by a JSON request file");
-  eval->add_option("request", evalOptions.requestPath, "Request file, or - for standard input")->required();
-  eval->add_option("--threads", evalOptions.threads, "Threads for multi-threaded nodes")->check(CLI::Range(1, 256));
-  eval->add_option("--batch-size", evalOptions.batchSize, "Elements per batch")->check(CLI::PositiveNumber);
+  CLI::App* eval =
+      app.add_subcommand("eval", "Evaluate node outputs described by a JSON request file");
+  eval->add_option("request", evalOptions.requestPath, "Request file, or - for standard input")
+      ->required();
+  eval->add_option("--threads", evalOptions.threads, "Threads for multi-threaded nodes")
+      ->check(CLI::Range(1, 256));
+  eval->add_option("--batch-size", evalOptions.batchSize, "Elements per batch")
+      ->check(CLI::PositiveNumber);
   std::string evalScene;
   eval->add_option("--scene", evalScene, "Scene file for the nodes that read the scene");
   quillix::tool::RunOptions runOptions;
   quillix::tool::SceneOptions sceneOptions;
-  quillix::tool::addSceneSubcommands(app, runOptions, sceneOptions);
+  quillix::tool::AddSceneSubcommands(app, runOptions, sceneOptions);
 
   try {
     app.parse(argc, argv);
@@ -52,33 +50,35 @@ int run(int argc, char** argv) {
     return 2;
   }
 
-  if (app.got_subcommand("scene")) return quillix::tool::runScene(sceneOptions, std::cout, std::cerr);
-  if (!evalScene.empty() && !quillix::tool::loadActiveScene(evalScene, std::cerr)) return 2;
+  if (app.got_subcommand("scene"))
+    return quillix::tool::RunScene(sceneOptions, std::cout, std::cerr);
+  if (!evalScene.empty() && !quillix::tool::LoadActiveScene(evalScene, std::cerr)) return 2;
   evalOptions.sceneGiven = !evalScene.empty();
 
   std::string error;
-  std::unique_ptr<xsihost::LoadedPlugin> plugin = xsihost::LoadedPlugin::load(pluginPath, error);
-  if (!plugin) {
+  std::unique_ptr<xsihost::Host> host = xsihost::Host::Load(pluginPath, error);
+  if (!host) {
     std::cerr << "quillix: " << error << '\n';
     return 2;
   }
-  const nlohmann::json loadLog = takeLog();
+  const nlohmann::json loadLog = quillix::tool::LogJson(host->TakeLog());
 
   int status = 0;
   if (*list) {
-    status = quillix::tool::runList(*plugin, listJson, std::cout);
-    plugin->unload();
-    for (const auto& line : takeLog()) std::cerr << "log " << line[0] << ": " << line[1].get<std::string>() << '\n';
+    status = quillix::tool::RunList(host->Plugin(), listJson, std::cout);
+    host->Unload();
+    for (const auto& line : host->TakeLog())
+      std::cerr << "log " << line.severity << ": " << quillix::tool::WideToUtf8(line.text) << '\n';
   } else if (app.got_subcommand("run")) {
-    status = quillix::tool::runCommand(*plugin, runOptions, std::cout, std::cerr);
-    plugin->unload();
+    status = quillix::tool::RunCommand(*host, runOptions, std::cout, std::cerr);
+    host->Unload();
   } else if (*eval) {
     nlohmann::json out;
-    status = quillix::tool::runEval(*plugin, evalOptions, out, std::cerr);
-    plugin->unload();
+    status = quillix::tool::RunEval(*host, evalOptions, out, std::cerr);
+    host->Unload();
     if (status == 0) {
       out["loadLog"] = loadLog;
-      out["unloadLog"] = takeLog();
+      out["unloadLog"] = quillix::tool::LogJson(host->TakeLog());
       std::cout << out.dump(2) << '\n';
     }
   }
@@ -89,7 +89,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
-    return run(argc, argv);
+    return Run(argc, argv);
   } catch (const std::exception& e) {
     std::cerr << "quillix: " << e.what() << '\n';
     return 2;

@@ -10,8 +10,6 @@
 #include <xsi_math.h>
 #include <xsihost/scene.h>
 #include <xsihost/scene_commands.h>
-#include <xsihost/scene_file.h>
-#include <xsihost/session.h>
 #include <nlohmann/json.hpp>
 
 #include "tools/quillix/json_values.h"
@@ -23,10 +21,10 @@ using XSI::CValue;
 
 namespace {
 
-std::string text(const std::wstring& s) { return wideToUtf8(s); }
+std::string Text(const std::wstring& s) { return WideToUtf8(s); }
 
 // Reads `value` as the type of the argument's default; false when it does not parse.
-bool convert(const std::string& value, const CValue& defaultValue, CValue& out) {
+bool Convert(const std::string& value, const CValue& defaultValue, CValue& out) {
   auto parseDouble = [&](double& d) {
     const char* end = value.data() + value.size();
     const auto [ptr, ec] = std::from_chars(value.data(), end, d);
@@ -65,12 +63,12 @@ bool convert(const std::string& value, const CValue& defaultValue, CValue& out) 
       return true;
     }
     default:
-      out = CValue(XSI::CString(utf8ToWide(value).c_str()));
+      out = CValue(XSI::CString(Utf8ToWide(value).c_str()));
       return true;
   }
 }
 
-const char* typeName(const CValue& v) {
+const char* ArgumentTypeName(const CValue& v) {
   switch (v.GetType()) {
     case CValue::siBool:
       return "a boolean (true or false)";
@@ -84,7 +82,7 @@ const char* typeName(const CValue& v) {
   }
 }
 
-json valueJson(const CValue& v) {
+json ValueJson(const CValue& v) {
   switch (v.GetType()) {
     case CValue::siEmpty:
       return nullptr;
@@ -99,11 +97,11 @@ json valueJson(const CValue& v) {
     case CValue::siDouble:
       return static_cast<double>(v);
     default:
-      return text(v.GetAsText().Wide());
+      return Text(v.GetAsText().Wide());
   }
 }
 
-std::string position(const XSI::MATH::CVector3& p) {
+std::string Position(const XSI::MATH::CVector3& p) {
   std::ostringstream s;
   s << std::setprecision(6) << "(" << p.GetX() << ", " << p.GetY() << ", " << p.GetZ() << ")";
   return s.str();
@@ -111,7 +109,7 @@ std::string position(const XSI::MATH::CVector3& p) {
 
 }  // namespace
 
-void addSceneSubcommands(CLI::App& app, RunOptions& run, SceneOptions& scene) {
+void AddSceneSubcommands(CLI::App& app, RunOptions& run, SceneOptions& scene) {
   CLI::App* runCmd = app.add_subcommand(
       "run", "Run a command over a scene and print its log, return value and selection");
   runCmd->add_option("command", run.command, "Command name (a plug-in command or OpenScene)")
@@ -129,25 +127,20 @@ void addSceneSubcommands(CLI::App& app, RunOptions& run, SceneOptions& scene) {
   sceneCmd->add_flag("--json", scene.asJson, "Print as JSON");
 }
 
-bool loadActiveScene(const std::string& path, std::ostream& err) {
+bool LoadActiveScene(const std::string& path, std::ostream& err) {
   std::string error;
-  std::shared_ptr<xsihost::Scene> scene = xsihost::LoadSceneFile(path, error);
-  if (!scene) {
-    err << "quillix: " << error << '\n';
-    return false;
-  }
-  xsihost::setActiveScene(std::move(scene));
-  return true;
+  if (xsihost::Host::LoadScene(path, error)) return true;
+  err << "quillix: " << error << '\n';
+  return false;
 }
 
-int runCommand(xsihost::LoadedPlugin& plugin, const RunOptions& options, std::ostream& out,
+int RunCommand(xsihost::Host& host, const RunOptions& options, std::ostream& out,
                std::ostream& err) {
-  if (!options.scenePath.empty() && !loadActiveScene(options.scenePath, err)) return 2;
+  if (!options.scenePath.empty() && !LoadActiveScene(options.scenePath, err)) return 2;
   // The plug-in's commands were defined (their Init run) when it was loaded.
-  (void)plugin;
-  xsihost::hostLog().take();  // lines of the load are not this command's
+  host.TakeLog();  // lines of the load are not this command's
 
-  const std::wstring name = utf8ToWide(options.command);
+  const std::wstring name = Utf8ToWide(options.command);
   const auto definition = xsihost::FindCommand(name);
   if (!definition) {
     err << "quillix: run: unknown command \"" << options.command << "\"\n";
@@ -160,7 +153,7 @@ int runCommand(xsihost::LoadedPlugin& plugin, const RunOptions& options, std::os
       err << "quillix: run: argument \"" << assignment << "\" is not of the form name=value\n";
       return 2;
     }
-    const std::wstring argName = utf8ToWide(assignment.substr(0, eq));
+    const std::wstring argName = Utf8ToWide(assignment.substr(0, eq));
     std::size_t index = 0;
     while (index < definition->m_arguments.size() && definition->m_arguments[index].name != argName)
       ++index;
@@ -171,34 +164,33 @@ int runCommand(xsihost::LoadedPlugin& plugin, const RunOptions& options, std::os
     }
     const std::string value = assignment.substr(eq + 1);
     CValue converted;
-    if (!convert(value, definition->m_arguments[index].value, converted)) {
+    if (!Convert(value, definition->m_arguments[index].value, converted)) {
       err << "quillix: run: argument \"" << assignment.substr(0, eq) << "\": \"" << value
-          << "\" is not " << typeName(definition->m_arguments[index].value) << '\n';
+          << "\" is not " << ArgumentTypeName(definition->m_arguments[index].value) << '\n';
       return 2;
     }
     arguments[static_cast<XSI::LONG>(index)] = converted;
   }
 
-  CValue result;
-  const XSI::CStatus status = xsihost::ExecuteCommand(name, arguments, result);
-  const auto log = xsihost::hostLog().take();
+  const xsihost::CommandOutcome outcome = host.RunCommand(name, arguments);
+  const XSI::CStatus status(outcome.status);
   std::vector<std::string> selected;
-  for (const XSI::CRef& r : xsihost::selection()) selected.push_back(text(r.GetAsText().Wide()));
+  for (const std::wstring& s : outcome.selection) selected.push_back(Text(s));
 
   if (options.asJson) {
     json j;
     j["command"] = options.command;
     j["status"] = status.GetCode();
-    j["returnValue"] = valueJson(result);
-    j["log"] = json::array();
-    for (const auto& line : log) j["log"].push_back({line.severity, text(line.text)});
+    j["returnValue"] = ValueJson(outcome.returnValue);
+    j["log"] = LogJson(outcome.log);
     j["selection"] = selected;
     out << j.dump(2) << '\n';
   } else {
-    for (const auto& line : log) out << "log " << line.severity << ": " << text(line.text) << '\n';
+    for (const auto& line : outcome.log)
+      out << "log " << line.severity << ": " << Text(line.text) << '\n';
     out << "status: " << (status.Succeeded() ? "OK" : "failed") << " (0x" << std::hex
         << status.GetCode() << std::dec << ")\n";
-    out << "return value: " << valueJson(result).dump() << '\n';
+    out << "return value: " << ValueJson(outcome.returnValue).dump() << '\n';
     out << "selection:";
     for (const std::string& s : selected) out << ' ' << s;
     out << '\n';
@@ -206,9 +198,9 @@ int runCommand(xsihost::LoadedPlugin& plugin, const RunOptions& options, std::os
   return status.Succeeded() ? 0 : 1;
 }
 
-int runScene(const SceneOptions& options, std::ostream& out, std::ostream& err) {
-  if (!loadActiveScene(options.scenePath, err)) return 2;
-  const xsihost::Scene& scene = xsihost::activeScene();
+int RunScene(const SceneOptions& options, std::ostream& out, std::ostream& err) {
+  if (!LoadActiveScene(options.scenePath, err)) return 2;
+  const xsihost::Scene& scene = xsihost::ActiveScene();
   // Depth-first over the hierarchy with an explicit stack, children in file order.
   std::vector<std::pair<std::shared_ptr<const xsihost::SceneObject>, int>> stack{{scene.root(), 0}};
   json objects = json::array();
@@ -217,27 +209,27 @@ int runScene(const SceneOptions& options, std::ostream& out, std::ostream& err) 
     stack.pop_back();
     const XSI::MATH::CVector3 p = o->globalAt(options.frame).GetTranslation();
     std::string detail;
-    if (o->m_mesh) {
-      detail = std::to_string(o->m_mesh->points.size()) + " points, " +
-               std::to_string(o->m_mesh->polygons.size()) + " polygons";
-    } else if (!o->m_curves.empty()) {
-      detail = std::to_string(o->m_curves.size()) + " curve(s)";
+    if (o->mesh_) {
+      detail = std::to_string(o->mesh_->points.size()) + " points, " +
+               std::to_string(o->mesh_->polygons.size()) + " polygons";
+    } else if (!o->curves_.empty()) {
+      detail = std::to_string(o->curves_.size()) + " curve(s)";
     }
-    const bool visible = o->m_visible.at(o->resolveTime(options.frame));
+    const bool visible = o->visible_.at(o->resolveTime(options.frame));
     if (options.asJson) {
-      objects.push_back({{"name", text(o->fullName())},
-                         {"type", text(o->m_type)},
+      objects.push_back({{"name", Text(o->fullName())},
+                         {"type", Text(o->type_)},
                          {"depth", depth},
                          {"position", {p.GetX(), p.GetY(), p.GetZ()}},
                          {"visible", visible}});
     } else {
-      out << std::string(2 * static_cast<std::size_t>(depth), ' ') << text(o->m_name) << " ["
-          << text(o->m_type) << "] at " << position(p);
+      out << std::string(2 * static_cast<std::size_t>(depth), ' ') << Text(o->name_) << " ["
+          << Text(o->type_) << "] at " << Position(p);
       if (!detail.empty()) out << ", " << detail;
       if (!visible) out << ", hidden";
       out << '\n';
     }
-    for (auto it = o->m_children.rbegin(); it != o->m_children.rend(); ++it)
+    for (auto it = o->children_.rbegin(); it != o->children_.rend(); ++it)
       stack.push_back({*it, depth + 1});
   }
   if (options.asJson)

@@ -8,7 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include <xsihost/plugin_host.h>
+#include <xsihost/host.h>
 
 namespace quillix::tool {
 
@@ -26,18 +26,18 @@ struct SceneOptions {
 };
 
 /// Adds the `run` and `scene` subcommands, filling `run` and `scene`.
-void addSceneSubcommands(CLI::App& app, RunOptions& run, SceneOptions& scene);
+void AddSceneSubcommands(CLI::App& app, RunOptions& run, SceneOptions& scene);
 
 /// Loads `path` as the active scene; on failure prints one message to `err` and returns false.
-bool loadActiveScene(const std::string& path, std::ostream& err);
+bool LoadActiveScene(const std::string& path, std::ostream& err);
 
-/// Runs a command of the loaded `plugin` (or of the host) over the scene and prints its log,
+/// Runs a command of the loaded plug-in (or of the host) over the scene and prints its log,
 /// status, return value and resulting selection. Returns 0 when the command succeeded, 1 when it
 /// failed, 2 for bad input.
-int runCommand(xsihost::LoadedPlugin& plugin, const RunOptions& options, std::ostream& out,
+int RunCommand(xsihost::Host& host, const RunOptions& options, std::ostream& out,
                std::ostream& err);
 
 /// Prints the scene as a tree with types and global positions. Returns 0, or 2 for bad input.
-int runScene(const SceneOptions& options, std::ostream& out, std::ostream& err);
+int RunScene(const SceneOptions& options, std::ostream& out, std::ostream& err);
 
 }  // namespace quillix::tool

@@ -1,26 +1,26 @@
 #include <xsihost/definitions.h>
 
-namespace XSI::host_detail {
+namespace xsihost {
 
-const PortRecord* NodeDefinitionRecord::findInput(ULONG id) const {
+const PortRecord* NodeDefinitionRecord::FindInput(ULONG id) const {
   for (const PortRecord& p : inputs)
     if (p.id == id) return &p;
   return nullptr;
 }
-const PortRecord* NodeDefinitionRecord::findOutput(ULONG id) const {
+const PortRecord* NodeDefinitionRecord::FindOutput(ULONG id) const {
   for (const PortRecord& p : outputs)
     if (p.id == id) return &p;
   return nullptr;
 }
-const PortRecord* NodeDefinitionRecord::findPort(ULONG id) const {
-  const PortRecord* p = findInput(id);
-  return p ? p : findOutput(id);
+const PortRecord* NodeDefinitionRecord::FindPort(ULONG id) const {
+  const PortRecord* p = FindInput(id);
+  return p ? p : FindOutput(id);
 }
 
-const NodeDefinitionRecord* PluginRecord::findNode(const std::wstring& name) const {
+const NodeDefinitionRecord* PluginRecord::FindNode(const std::wstring& name) const {
   for (const auto& n : nodes)
     if (n->name == name) return n.get();
   return nullptr;
 }
 
-}  // namespace XSI::host_detail
+}  // namespace xsihost

@@ -9,13 +9,13 @@
 #include <xsi_icenodecontext.h>
 #include <xsi_ref.h>
 #include <xsi_status.h>
-#include <xsihost/eval_frame.h>
 #include <xsihost/object.h>
 #include <xsihost/session.h>
+#include "eval_frame.h"
 
 namespace XSI::host_detail {
 
-const xsihost::ResolvedInput* EvalFrame::findInput(ULONG port, ULONG instance) const {
+const ResolvedInput* EvalFrame::FindInput(ULONG port, ULONG instance) const {
   if (!inputs) return nullptr;
   auto it = inputs->find({port, instance});
   return it == inputs->end() ? nullptr : &it->second;
@@ -28,11 +28,12 @@ namespace xsihost {
 using XSI::CRef;
 using XSI::CStatus;
 using XSI::ICENodeContext;
-using XSI::host_detail::ContextObject;
 using XSI::host_detail::EvalFrame;
-using XSI::host_detail::NodeDefinitionRecord;
-using XSI::host_detail::Object;
-using XSI::host_detail::PortRecord;
+using XSI::host_detail::ResolvedInput;
+using xsihost::ContextObject;
+using xsihost::NodeDefinitionRecord;
+using xsihost::Object;
+using xsihost::PortRecord;
 
 namespace {
 
@@ -43,14 +44,14 @@ constexpr std::byte kUnwritten{0xA5};  // fill of single-value outputs before ev
 // process.
 class NodeObject : public Object {
  public:
-  NodeObject(std::wstring name, std::uint32_t id) : m_name(std::move(name)), m_id(id) {}
-  std::wstring name() const override { return m_name; }
+  NodeObject(std::wstring name, std::uint32_t id) : name_(std::move(name)), id_(id) {}
+  std::wstring name() const override { return name_; }
   std::wstring typeName() const override { return L"ICENode"; }
-  std::uint32_t objectID() const override { return m_id; }
+  std::uint32_t objectID() const override { return id_; }
 
  private:
-  std::wstring m_name;
-  std::uint32_t m_id;
+  std::wstring name_;
+  std::uint32_t id_;
 };
 
 std::atomic<std::uint32_t> g_nextObjectID{1001};
@@ -58,18 +59,18 @@ std::atomic<std::uint32_t> g_nextObjectID{1001};
 using NodeCallback = CStatus (*)(ICENodeContext&);
 using RefCallback = CStatus (*)(CRef&);
 
-ULONG lowestBit(ULONG bits) { return bits & (~bits + 1u); }
+ULONG LowestBit(ULONG bits) { return bits & (~bits + 1u); }
 
 // The port's default as a constant input: one item, an array of one entry for array ports.
-PortValues defaultValues(const PortRecord& port) {
+PortValues DefaultValues(const PortRecord& port) {
   PortValues p;
-  p.type = lowestBit(port.dataTypes);
-  if (!isValueType(p.type)) p.type = XSI::siICENodeDataLong;
+  p.type = LowestBit(port.dataTypes);
+  if (!IsValueType(p.type)) p.type = XSI::siICENodeDataLong;
   p.array = port.structures == XSI::siICENodeStructureArray;
   p.constant = true;
-  p.resize(1);
+  p.Resize(1);
   const XSI::CValue& d = port.defaultValue;
-  std::vector<std::byte> value(valueSize(p.type), std::byte{0});
+  std::vector<std::byte> value(ValueSize(p.type), std::byte{0});
   switch (p.type) {
     case XSI::siICENodeDataBool: {
       const bool b = static_cast<bool>(d);
@@ -98,9 +99,10 @@ PortValues defaultValues(const PortRecord& port) {
         std::memcpy(value.data(), &v, sizeof v);
       }
       break;
-    default: break;
+    default:
+      break;
   }
-  if (p.isString()) {
+  if (p.IsString()) {
     // Only a string default reads as text; a numeric default (such as 0) is an empty string.
     std::wstring text = d.GetType() == XSI::CValue::siString ? d.GetAsText().Wide() : L"";
     if (p.array)
@@ -116,31 +118,34 @@ PortValues defaultValues(const PortRecord& port) {
 }
 
 // Request data of one input, with exactly one item per element unless it is constant.
-PortValues normalised(const PortValues& given, ULONG elements) {
+PortValues Normalised(const PortValues& given, ULONG elements) {
   if (given.constant) {
     if (given.count >= 1) return given;
     PortValues p = given;
-    p.resize(1);
+    p.Resize(1);
     return p;
   }
   if (given.count == elements) return given;
   PortValues p;
   p.type = given.type;
   p.array = given.array;
-  p.resize(elements);
+  p.Resize(elements);
   for (ULONG i = 0; i < std::min(elements, given.count); ++i) {
-    if (p.isString() && p.array) p.stringArrays[i] = given.stringArrays[i];
-    else if (p.isString()) p.strings[i] = given.strings[i];
-    else if (p.array) p.arrays[i] = given.arrays[i];
+    if (p.IsString() && p.array)
+      p.stringArrays[i] = given.stringArrays[i];
+    else if (p.IsString())
+      p.strings[i] = given.strings[i];
+    else if (p.array)
+      p.arrays[i] = given.arrays[i];
   }
-  if (!p.isString() && !p.array) {
+  if (!p.IsString() && !p.array) {
     const std::size_t bytes = std::min(p.flat.size(), given.flat.size());
     if (bytes) std::memcpy(p.flat.data(), given.flat.data(), bytes);
   }
   return p;
 }
 
-void applyOverride(const std::map<ULONG, PortInfoOverride>& overrides, ULONG port,
+void ApplyOverride(const std::map<ULONG, PortInfoOverride>& overrides, ULONG port,
                    ResolvedInput& info) {
   auto it = overrides.find(port);
   if (it == overrides.end()) return;
@@ -151,7 +156,7 @@ void applyOverride(const std::map<ULONG, PortInfoOverride>& overrides, ULONG por
 
 // Runs `work(chunk)` for every chunk, on up to `threads` threads.
 template <class Work>
-void forEachChunk(std::size_t chunks, unsigned threads, Work work) {
+void ForEachChunk(std::size_t chunks, unsigned threads, Work work) {
   if (threads <= 1 || chunks <= 1) {
     for (std::size_t c = 0; c < chunks; ++c) work(c);
     return;
@@ -170,97 +175,90 @@ void forEachChunk(std::size_t chunks, unsigned threads, Work work) {
 // Calls a plug-in callback; an exception escaping the plug-in is a fault of the plug-in and
 // is reported as a failed status instead of taking the host down.
 template <class Fn, class Arg>
-CStatus callPlugin(Fn fn, Arg& arg, const std::wstring& what) {
+CStatus CallPlugin(Fn fn, Arg& arg, const std::wstring& what) {
   try {
     return fn(arg);
   } catch (...) {
-    hostLog().add(XSI::siErrorMsg, what + L": an exception escaped the plug-in");
+    HostLog().Add(XSI::siErrorMsg, what + L": an exception escaped the plug-in");
     return CStatus::Fail;
   }
 }
 
 }  // namespace
 
-NodeInstance::NodeInstance(const LoadedPlugin& plugin, const NodeDefinitionRecord& node)
-    : m_plugin(plugin),
-      m_node(node),
-      m_object(std::make_shared<NodeObject>(node.name, g_nextObjectID++)) {
-  m_context = std::make_shared<ContextObject>(&m_userData, CRef(m_object));
-}
+// The request resolved against the node's definition: which elements, in which chunks, and
+// what each port reads or reports.
+struct ResolvedEvaluation {
+  ULONG elements = 0;
+  ULONG context = 0;
+  ULONG groupInstances = 1;
+  double time = 1.0;
+  unsigned threads = 1;
+  std::vector<ULONG> indices;
+  std::vector<std::vector<ULONG>> chunks;
+  std::vector<std::unique_ptr<PortValues>> owned;  // the inputs' data
+  std::map<std::pair<ULONG, ULONG>, ResolvedInput> inputs;
+  std::map<ULONG, ResolvedInput> outputs;
+  CRef contextRef;
+};
 
-NodeInstance::~NodeInstance() { terminate(); }
+namespace {
 
-std::uint32_t NodeInstance::objectID() const { return m_object->objectID(); }
-
-void NodeInstance::terminate() {
-  if (!m_initialised) return;
-  m_initialised = false;
-  const std::string name(m_node.name.begin(), m_node.name.end());
-  if (auto term = reinterpret_cast<RefCallback>(m_plugin.symbol(name + "_Term"))) {
-    CRef ref(m_context);
-    callPlugin(term, ref, m_node.name + L"_Term");
-  }
-  m_portStates.clear();
-}
-
-bool NodeInstance::isDirty(ULONG port, ULONG instance) const {
-  auto it = m_portStates.find({port, instance});
-  return it == m_portStates.end() || it->second.dirty;
-}
-
-void NodeInstance::clearState(ULONG port, ULONG instance) {
-  m_portStates[{port, instance}].dirty = false;
-}
-
-std::vector<OutputResult> NodeInstance::evaluate(const EvaluationRequest& request,
-                                                 const std::vector<ULONG>& outputPorts) {
-  const ULONG elements = request.elements;
-  const ULONG defaultContext = elements == 1 ? XSI::siICENodeContextSingleton
-                                             : XSI::siICENodeContextComponent0D;
-  const ULONG context = request.context ? request.context : defaultContext;
+// The batch's element indices: ascending, unique and below the element count.
+std::vector<ULONG> ResolveIndices(const EvaluationRequest& request) {
   std::vector<ULONG> indices;
   if (request.batch) {
     for (ULONG i : *request.batch)
-      if (i < elements) indices.push_back(i);
+      if (i < request.elements) indices.push_back(i);
     std::sort(indices.begin(), indices.end());
     indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
   } else {
-    indices.resize(elements);
-    for (ULONG i = 0; i < elements; ++i) indices[i] = i;
+    indices.resize(request.elements);
+    for (ULONG i = 0; i < request.elements; ++i) indices[i] = i;
   }
+  return indices;
+}
 
+ULONG ResolveGroupInstances(const EvaluationRequest& request) {
   ULONG groupInstances = request.groupInstances;
   if (groupInstances == 0) {
-    for (const auto& [key, values] : request.inputs) groupInstances = std::max(groupInstances, key.second + 1);
+    for (const auto& [key, values] : request.inputs)
+      groupInstances = std::max(groupInstances, key.second + 1);
     groupInstances = std::max<ULONG>(groupInstances, 1);
   }
+  return groupInstances;
+}
 
-  // Inputs: the request's data or the port's default, per group instance.
-  std::vector<std::unique_ptr<PortValues>> owned;
-  std::map<std::pair<ULONG, ULONG>, ResolvedInput> inputs;
-  for (const PortRecord& port : m_node.inputs) {
+// Inputs: the request's data or the port's default, per group instance.
+void ResolveInputs(const NodeDefinitionRecord& node, const EvaluationRequest& request,
+                   ResolvedEvaluation& resolved) {
+  for (const PortRecord& port : node.inputs) {
     ULONG instances = 1;
-    for (const auto& g : m_node.groups)
-      if (g.id == port.groupID && g.maxInstances > 1) instances = groupInstances;
+    for (const auto& g : node.groups)
+      if (g.id == port.groupID && g.maxInstances > 1) instances = resolved.groupInstances;
     for (ULONG k = 0; k < instances; ++k) {
       auto given = request.inputs.find({port.id, k});
-      owned.push_back(std::make_unique<PortValues>(
-          given != request.inputs.end() ? normalised(given->second, elements) : defaultValues(port)));
-      const PortValues* values = owned.back().get();
-      ResolvedInput info{values, values->type, values->array ? 2u : 1u, context,
+      resolved.owned.push_back(std::make_unique<PortValues>(
+          given != request.inputs.end() ? Normalised(given->second, resolved.elements)
+                                        : DefaultValues(port)));
+      const PortValues* values = resolved.owned.back().get();
+      ResolvedInput info{values, values->type, values->array ? 2u : 1u, resolved.context,
                          request.failingPortInfo.count(port.id) > 0};
-      applyOverride(request.portInfo, port.id, info);
-      inputs[{port.id, k}] = info;
+      ApplyOverride(request.portInfo, port.id, info);
+      resolved.inputs[{port.id, k}] = info;
     }
   }
+}
 
-  // Outputs: type and structure follow the linked inputs.
-  std::map<ULONG, ResolvedInput> outputs;
-  for (const PortRecord& port : m_node.outputs) {
+// Outputs: type and structure follow the linked inputs.
+void ResolveOutputs(const NodeDefinitionRecord& node, const EvaluationRequest& request,
+                    ResolvedEvaluation& resolved) {
+  auto& inputs = resolved.inputs;
+  for (const PortRecord& port : node.outputs) {
     ResolvedInput info;
-    info.type = lowestBit(port.dataTypes);
+    info.type = LowestBit(port.dataTypes);
     if (port.typeLink != kNoLink) {
-      for (const PortRecord& in : m_node.inputs)
+      for (const PortRecord& in : node.inputs)
         if (in.typeLink == port.typeLink) {
           info.type = inputs[{in.id, 0}].type;
           break;
@@ -268,110 +266,183 @@ std::vector<OutputResult> NodeInstance::evaluate(const EvaluationRequest& reques
     }
     info.structure = port.structures == XSI::siICENodeStructureArray ? 2 : 1;
     if (port.structures == XSI::siICENodeStructureAny && port.structureLink != kNoLink) {
-      for (const PortRecord& in : m_node.inputs)
+      for (const PortRecord& in : node.inputs)
         if (in.structureLink == port.structureLink && inputs[{in.id, 0}].structure == 2)
           info.structure = 2;
     }
-    info.context = context;
+    info.context = resolved.context;
     info.failsInfo = request.failingPortInfo.count(port.id) > 0;
-    applyOverride(request.portInfo, port.id, info);
-    outputs[port.id] = info;
+    ApplyOverride(request.portInfo, port.id, info);
+    resolved.outputs[port.id] = info;
   }
+}
 
-  // Port states: an input is dirty once its data differ from the previous evaluation's, and
-  // stays dirty until the node clears it.
-  for (const auto& [key, info] : inputs) {
-    PortState& state = m_portStates[key];
-    if (!state.seen || !state.previous.sameData(*info.values)) {
+std::vector<std::vector<ULONG>> CutChunks(const std::vector<ULONG>& indices, ULONG batchSize) {
+  std::vector<std::vector<ULONG>> chunks;
+  for (std::size_t at = 0; at < indices.size(); at += batchSize)
+    chunks.emplace_back(indices.begin() + at,
+                        indices.begin() + std::min(indices.size(), at + batchSize));
+  return chunks;
+}
+
+ResolvedEvaluation Resolve(const NodeDefinitionRecord& node, const EvaluationRequest& request) {
+  ResolvedEvaluation resolved;
+  resolved.elements = request.elements;
+  const ULONG defaultContext =
+      request.elements == 1 ? XSI::siICENodeContextSingleton : XSI::siICENodeContextComponent0D;
+  resolved.context = request.context ? request.context : defaultContext;
+  resolved.time = request.time;
+  resolved.indices = ResolveIndices(request);
+  resolved.groupInstances = ResolveGroupInstances(request);
+  ResolveInputs(node, request, resolved);
+  ResolveOutputs(node, request, resolved);
+  resolved.chunks = CutChunks(resolved.indices, std::max<ULONG>(request.batchSize, 1));
+  resolved.threads =
+      node.threadingModel == XSI::siICENodeMultiThreading ? std::max(1u, request.threads) : 1u;
+  return resolved;
+}
+
+EvalFrame MakeFrame(NodeInstance* instance, const ResolvedEvaluation& resolved, PortValues* output,
+                    ULONG port, const std::vector<ULONG>* batch) {
+  EvalFrame frame;
+  frame.instance = instance;
+  frame.inputs = &resolved.inputs;
+  frame.outputs = &resolved.outputs;
+  frame.output = output;
+  frame.outputPort = port;
+  frame.indices = batch;
+  frame.elements = resolved.elements;
+  frame.groupInstances = resolved.groupInstances;
+  frame.time = resolved.time;
+  return frame;
+}
+
+// The output buffer of `port` before any chunk runs: single values hold the fill byte, so that
+// writes can be told apart afterwards. A port without a value type gets no items.
+PortValues PrepareOutput(const ResolvedEvaluation& resolved, ULONG port) {
+  PortValues out;
+  auto info = resolved.outputs.find(port);
+  if (info != resolved.outputs.end() && IsValueType(info->second.type)) {
+    out.type = info->second.type;
+    out.array = info->second.structure == 2;
+    out.Resize(resolved.elements);
+    std::fill(out.flat.begin(), out.flat.end(), kUnwritten);
+  } else {
+    out.type = 0;
+    out.count = 0;
+  }
+  out.written.assign(out.count, 0);
+  return out;
+}
+
+// Single values are written in place; an element counts as written once any of its bytes
+// differs from the fill.
+void MarkWrittenSingles(PortValues& out) {
+  if (out.array || out.IsString() || out.count == 0) return;
+  const std::size_t size = ValueSize(out.type);
+  for (ULONG i = 0; i < out.count; ++i) {
+    const std::byte* v = out.flat.data() + std::size_t(i) * size;
+    out.written[i] = std::any_of(v, v + size, [](std::byte b) { return b != kUnwritten; });
+  }
+}
+
+}  // namespace
+
+NodeInstance::NodeInstance(const LoadedPlugin& plugin, const NodeDefinitionRecord& node)
+    : plugin_(plugin),
+      node_(node),
+      object_(std::make_shared<NodeObject>(node.name, g_nextObjectID++)) {
+  context_ = std::make_shared<ContextObject>(&userData_, CRef(object_));
+}
+
+NodeInstance::~NodeInstance() { Terminate(); }
+
+std::uint32_t NodeInstance::ObjectID() const { return object_->objectID(); }
+
+std::string NodeInstance::CallbackName(const char* suffix) const {
+  return std::string(node_.name.begin(), node_.name.end()) + suffix;
+}
+
+void NodeInstance::Terminate() {
+  if (!initialised_) return;
+  initialised_ = false;
+  if (auto term = reinterpret_cast<RefCallback>(plugin_.Symbol(CallbackName("_Term")))) {
+    CRef ref(context_);
+    CallPlugin(term, ref, node_.name + L"_Term");
+  }
+  portStates_.clear();
+}
+
+bool NodeInstance::IsDirty(ULONG port, ULONG instance) const {
+  auto it = portStates_.find({port, instance});
+  return it == portStates_.end() || it->second.dirty;
+}
+
+void NodeInstance::ClearState(ULONG port, ULONG instance) {
+  portStates_[{port, instance}].dirty = false;
+}
+
+// An input is dirty once its data differ from the previous evaluation's, and stays dirty until
+// the node clears it.
+void NodeInstance::UpdatePortStates(const ResolvedEvaluation& resolved) {
+  for (const auto& [key, info] : resolved.inputs) {
+    PortState& state = portStates_[key];
+    if (!state.seen || !state.previous.SameData(*info.values)) {
       state.dirty = true;
       state.previous = *info.values;
       state.seen = true;
     }
   }
+}
 
-  const std::string name(m_node.name.begin(), m_node.name.end());
-  CRef contextRef(m_context);
-  if (!m_initialised) {
-    m_initialised = true;
-    if (auto init = reinterpret_cast<RefCallback>(m_plugin.symbol(name + "_Init")))
-      callPlugin(init, contextRef, m_node.name + L"_Init");
+void NodeInstance::InitOnce() {
+  if (initialised_) return;
+  initialised_ = true;
+  if (auto init = reinterpret_cast<RefCallback>(plugin_.Symbol(CallbackName("_Init")))) {
+    CRef contextRef(context_);
+    CallPlugin(init, contextRef, node_.name + L"_Init");
   }
+}
 
-  auto makeFrame = [&](PortValues* output, ULONG port, const std::vector<ULONG>* batch) {
-    EvalFrame frame;
-    frame.instance = this;
-    frame.inputs = &inputs;
-    frame.outputs = &outputs;
-    frame.output = output;
-    frame.outputPort = port;
-    frame.indices = batch;
-    frame.elements = elements;
-    frame.groupInstances = groupInstances;
-    frame.time = request.time;
-    return frame;
-  };
+void NodeInstance::CallBracket(const char* suffix, ResolvedEvaluation& resolved) {
+  auto callback = reinterpret_cast<NodeCallback>(plugin_.Symbol(CallbackName(suffix)));
+  if (!callback) return;
+  EvalFrame frame = MakeFrame(this, resolved, nullptr, 0, &resolved.indices);
+  ICENodeContext ctxt(resolved.contextRef, &frame);
+  const std::wstring what(suffix, suffix + std::strlen(suffix));
+  CallPlugin(callback, ctxt, node_.name + what);
+}
 
-  if (auto begin = reinterpret_cast<NodeCallback>(m_plugin.symbol(name + "_BeginEvaluate"))) {
-    EvalFrame frame = makeFrame(nullptr, 0, &indices);
-    ICENodeContext ctxt(contextRef, &frame);
-    callPlugin(begin, ctxt, m_node.name + L"_BeginEvaluate");
-  }
+OutputResult NodeInstance::EvaluatePort(ULONG port, ResolvedEvaluation& resolved) {
+  auto evaluateFn = reinterpret_cast<NodeCallback>(plugin_.Symbol(CallbackName("_Evaluate")));
+  OutputResult result;
+  result.port = port;
+  result.values = PrepareOutput(resolved, port);
+  std::mutex statusMutex;
+  ForEachChunk(resolved.chunks.size(), resolved.threads, [&](std::size_t c) {
+    EvalFrame frame = MakeFrame(this, resolved, &result.values, port, &resolved.chunks[c]);
+    ICENodeContext ctxt(resolved.contextRef, &frame);
+    const CStatus status = evaluateFn ? CallPlugin(evaluateFn, ctxt, node_.name + L"_Evaluate")
+                                      : CStatus(CStatus::Fail);
+    if (!status.Succeeded()) {
+      std::lock_guard<std::mutex> lock(statusMutex);
+      if (result.status == 0) result.status = status.GetCode();
+    }
+  });
+  MarkWrittenSingles(result.values);
+  return result;
+}
 
-  auto evaluateFn = reinterpret_cast<NodeCallback>(m_plugin.symbol(name + "_Evaluate"));
-  const ULONG batchSize = std::max<ULONG>(request.batchSize, 1);
-  std::vector<std::vector<ULONG>> chunks;
-  for (std::size_t at = 0; at < indices.size(); at += batchSize)
-    chunks.emplace_back(indices.begin() + at,
-                        indices.begin() + std::min(indices.size(), at + batchSize));
-  const unsigned threads = m_node.threadingModel == XSI::siICENodeMultiThreading
-                               ? std::max(1u, request.threads) : 1u;
-
+std::vector<OutputResult> NodeInstance::Evaluate(const EvaluationRequest& request,
+                                                 const std::vector<ULONG>& outputPorts) {
+  ResolvedEvaluation resolved = Resolve(node_, request);
+  UpdatePortStates(resolved);
+  resolved.contextRef = CRef(context_);
+  InitOnce();
+  CallBracket("_BeginEvaluate", resolved);
   std::vector<OutputResult> results;
-  for (ULONG port : outputPorts) {
-    OutputResult result;
-    result.port = port;
-    PortValues& out = result.values;
-    auto info = outputs.find(port);
-    if (info != outputs.end() && isValueType(info->second.type)) {
-      out.type = info->second.type;
-      out.array = info->second.structure == 2;
-      out.resize(elements);
-      std::fill(out.flat.begin(), out.flat.end(), kUnwritten);
-    } else {
-      out.type = 0;
-      out.count = 0;
-    }
-    out.written.assign(out.count, 0);
-
-    std::mutex statusMutex;
-    forEachChunk(chunks.size(), threads, [&](std::size_t c) {
-      EvalFrame frame = makeFrame(&out, port, &chunks[c]);
-      ICENodeContext ctxt(contextRef, &frame);
-      const CStatus status = evaluateFn ? callPlugin(evaluateFn, ctxt, m_node.name + L"_Evaluate")
-                                        : CStatus(CStatus::Fail);
-      if (!status.Succeeded()) {
-        std::lock_guard<std::mutex> lock(statusMutex);
-        if (result.status == 0) result.status = status.GetCode();
-      }
-    });
-
-    // Single values are written in place; an element counts as written once any of its
-    // bytes differs from the fill.
-    if (!out.array && !out.isString() && out.count > 0) {
-      const std::size_t size = valueSize(out.type);
-      for (ULONG i = 0; i < out.count; ++i) {
-        const std::byte* v = out.flat.data() + std::size_t(i) * size;
-        out.written[i] = std::any_of(v, v + size, [](std::byte b) { return b != kUnwritten; });
-      }
-    }
-    results.push_back(std::move(result));
-  }
-
-  if (auto end = reinterpret_cast<NodeCallback>(m_plugin.symbol(name + "_EndEvaluate"))) {
-    EvalFrame frame = makeFrame(nullptr, 0, &indices);
-    ICENodeContext ctxt(contextRef, &frame);
-    callPlugin(end, ctxt, m_node.name + L"_EndEvaluate");
-  }
+  for (ULONG port : outputPorts) results.push_back(EvaluatePort(port, resolved));
+  CallBracket("_EndEvaluate", resolved);
   return results;
 }
 

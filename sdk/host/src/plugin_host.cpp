@@ -15,7 +15,7 @@ using LoadFunction = XSI::CStatus (*)(XSI::PluginRegistrar&);
 using UnloadFunction = XSI::CStatus (*)(const XSI::PluginRegistrar&);
 }  // namespace
 
-std::unique_ptr<LoadedPlugin> LoadedPlugin::load(const std::string& path, std::string& error) {
+std::unique_ptr<LoadedPlugin> LoadedPlugin::Load(const std::string& path, std::string& error) {
   std::error_code ec;
   if (!std::filesystem::is_regular_file(path, ec)) {
     error = path + ": no such plug-in file";
@@ -36,13 +36,13 @@ std::unique_ptr<LoadedPlugin> LoadedPlugin::load(const std::string& path, std::s
     return nullptr;
   }
   std::unique_ptr<LoadedPlugin> plugin(new LoadedPlugin());
-  plugin->m_handle = handle;
-  plugin->m_path = path;
-  plugin->m_record = std::make_unique<XSI::host_detail::PluginRecord>();
-  XSI::PluginRegistrar registrar(plugin->m_record.get());
+  plugin->handle_ = handle;
+  plugin->path_ = path;
+  plugin->record_ = std::make_unique<xsihost::PluginRecord>();
+  XSI::PluginRegistrar registrar(plugin->record_.get());
   const XSI::CStatus status = load(registrar);
   if (!status.Succeeded()) {
-    plugin->unload();
+    plugin->Unload();
     error = path + ": XSILoadPlugin failed";
     return nullptr;
   }
@@ -51,24 +51,24 @@ std::unique_ptr<LoadedPlugin> LoadedPlugin::load(const std::string& path, std::s
   return plugin;
 }
 
-LoadedPlugin::~LoadedPlugin() { unload(); }
+LoadedPlugin::~LoadedPlugin() { Unload(); }
 
-void LoadedPlugin::unload() {
-  if (m_handle == nullptr) return;
+void LoadedPlugin::Unload() {
+  if (handle_ == nullptr) return;
   DetachPluginCommands(*this);
-  if (auto unloadFn = reinterpret_cast<UnloadFunction>(dlsym(m_handle, "XSIUnloadPlugin"))) {
-    XSI::PluginRegistrar registrar(m_record.get());
+  if (auto unloadFn = reinterpret_cast<UnloadFunction>(dlsym(handle_, "XSIUnloadPlugin"))) {
+    XSI::PluginRegistrar registrar(record_.get());
     unloadFn(registrar);
   }
-  dlclose(m_handle);
-  m_handle = nullptr;
+  dlclose(handle_);
+  handle_ = nullptr;
 }
 
-void* LoadedPlugin::symbol(const std::string& name) const {
-  return m_handle ? dlsym(m_handle, name.c_str()) : nullptr;
+void* LoadedPlugin::Symbol(const std::string& name) const {
+  return handle_ ? dlsym(handle_, name.c_str()) : nullptr;
 }
 
-std::string defaultPluginPath(const std::string& executable) {
+std::string DefaultPluginPath(const std::string& executable) {
   std::error_code ec;
   std::filesystem::path exe = std::filesystem::canonical("/proc/self/exe", ec);
   if (ec) exe = std::filesystem::absolute(executable, ec);

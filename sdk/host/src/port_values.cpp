@@ -36,31 +36,31 @@ const TypeEntry* findType(ULONG type) {
 
 }  // namespace
 
-std::size_t valueSize(ULONG type) {
+std::size_t ValueSize(ULONG type) {
   const TypeEntry* e = findType(type);
   return e ? e->size : 0;
 }
 
-bool isValueType(ULONG type) { return findType(type) != nullptr; }
+bool IsValueType(ULONG type) { return findType(type) != nullptr; }
 
-const char* typeName(ULONG type) {
+const char* TypeName(ULONG type) {
   const TypeEntry* e = findType(type);
   return e ? e->name : "";
 }
 
-ULONG typeFromName(const std::string& name) {
+ULONG TypeFromName(const std::string& name) {
   for (const TypeEntry& e : kTypes)
     if (name == e.name) return e.type;
   return 0;
 }
 
-void PortValues::resize(ULONG items) {
+void PortValues::Resize(ULONG items) {
   count = items;
   flat.clear();
   arrays.clear();
   strings.clear();
   stringArrays.clear();
-  if (isString()) {
+  if (IsString()) {
     if (array)
       stringArrays.assign(items, {});
     else
@@ -68,34 +68,34 @@ void PortValues::resize(ULONG items) {
   } else if (array) {
     arrays.assign(items, {});
   } else {
-    flat.assign(std::size_t(items) * valueSize(type), std::byte{0});
+    flat.assign(std::size_t(items) * ValueSize(type), std::byte{0});
   }
 }
 
-ULONG PortValues::arrayLength(ULONG i) const {
+ULONG PortValues::ArrayLength(ULONG i) const {
   if (!array) return 1;
-  if (isString()) return static_cast<ULONG>(stringArrays[i].size());
-  return static_cast<ULONG>(arrays[i].size() / valueSize(type));
+  if (IsString()) return static_cast<ULONG>(stringArrays[i].size());
+  return static_cast<ULONG>(arrays[i].size() / ValueSize(type));
 }
 
-PortValues PortValues::strings1D(const std::vector<std::wstring>& values) {
+PortValues PortValues::Strings1D(const std::vector<std::wstring>& values) {
   PortValues p;
   p.type = XSI::siICENodeDataString;
-  p.resize(static_cast<ULONG>(values.size()));
+  p.Resize(static_cast<ULONG>(values.size()));
   p.strings = values;
   return p;
 }
 
-PortValues PortValues::strings2D(const std::vector<std::vector<std::wstring>>& values) {
+PortValues PortValues::Strings2D(const std::vector<std::vector<std::wstring>>& values) {
   PortValues p;
   p.type = XSI::siICENodeDataString;
   p.array = true;
-  p.resize(static_cast<ULONG>(values.size()));
+  p.Resize(static_cast<ULONG>(values.size()));
   p.stringArrays = values;
   return p;
 }
 
-bool PortValues::sameData(const PortValues& o) const {
+bool PortValues::SameData(const PortValues& o) const {
   return type == o.type && array == o.array && constant == o.constant && count == o.count &&
          flat == o.flat && arrays == o.arrays && strings == o.strings &&
          stringArrays == o.stringArrays;

@@ -108,27 +108,27 @@ MeshDerived DeriveMesh(const MeshData& mesh) {
 // ---- SceneObject ------------------------------------------------------------------------------
 
 double SceneObject::resolveTime(double time) const {
-  if (time > 1e100 || std::isnan(time)) return m_currentFrame ? *m_currentFrame : 1.0;
+  if (time > 1e100 || std::isnan(time)) return currentFrame_ ? *currentFrame_ : 1.0;
   return time;
 }
 
 CTransformation SceneObject::localAt(double time) const {
   time = resolveTime(time);
   CTransformation t;
-  if (m_matrix) return t.SetMatrix4(*m_matrix);
-  const CVector3 r = m_rotation.at(time);
-  t.SetScaling(m_scaling.at(time));
+  if (matrix_) return t.SetMatrix4(*matrix_);
+  const CVector3 r = rotation_.at(time);
+  t.SetScaling(scaling_.at(time));
   t.SetRotation(CRotation(XSI::MATH::DegreesToRadians(r.GetX()),
                           XSI::MATH::DegreesToRadians(r.GetY()),
-                          XSI::MATH::DegreesToRadians(r.GetZ()), m_rotationOrder));
-  t.SetTranslation(m_translation.at(time));
+                          XSI::MATH::DegreesToRadians(r.GetZ()), rotationOrder_));
+  t.SetTranslation(translation_.at(time));
   return t;
 }
 
 CTransformation SceneObject::globalAt(double time) const {
   time = resolveTime(time);
   CTransformation global = localAt(time);
-  for (auto p = m_parent.lock(); p; p = p->m_parent.lock()) global.MulInPlace(p->localAt(time));
+  for (auto p = parent_.lock(); p; p = p->parent_.lock()) global.MulInPlace(p->localAt(time));
   return global;
 }
 
@@ -136,11 +136,11 @@ bool SceneObject::parameterValue(const std::wstring& name, CValue& out) const {
   // The object's own parameters: its name and the current visibility, as the host's property
   // pages show them.
   if (name == L"Name") {
-    out = CValue(m_name.c_str());
+    out = CValue(name_.c_str());
     return true;
   }
   if (name == L"viewvis" || name == L"visibility") {
-    out = CValue(m_visible.at(resolveTime(1e300)));
+    out = CValue(visible_.at(resolveTime(1e300)));
     return true;
   }
   return false;
@@ -148,8 +148,8 @@ bool SceneObject::parameterValue(const std::wstring& name, CValue& out) const {
 
 // ---- views --------------------------------------------------------------------------------
 
-std::shared_ptr<XSI::host_detail::Object> PrimitiveObject::parent() const {
-  return std::const_pointer_cast<SceneObject>(m_owner);
+std::shared_ptr<xsihost::Object> PrimitiveObject::parent() const {
+  return std::const_pointer_cast<SceneObject>(owner_);
 }
 
 bool PrimitiveObject::parameterValue(const std::wstring& name, CValue& out) const {
@@ -157,31 +157,31 @@ bool PrimitiveObject::parameterValue(const std::wstring& name, CValue& out) cons
 }
 
 bool PrimitiveObject::parameterAt(const std::wstring& name, double time, CValue& out) const {
-  const auto it = m_owner->m_parameters.find(name);
-  if (it == m_owner->m_parameters.end()) return false;
+  const auto it = owner_->parameters_.find(name);
+  if (it == owner_->parameters_.end()) return false;
   const ParameterData& p = it->second;
   if (p.isText) {
     out = CValue(p.text.c_str());
   } else if (p.isBool) {
-    out = CValue(p.number.at(m_owner->resolveTime(time)) != 0.0);
+    out = CValue(p.number.at(owner_->resolveTime(time)) != 0.0);
   } else {
-    out = CValue(p.number.at(m_owner->resolveTime(time)));
+    out = CValue(p.number.at(owner_->resolveTime(time)));
   }
   return true;
 }
 
 std::wstring GeometryObject::typeName() const {
-  if (m_owner->m_mesh) return L"PolygonMesh";
-  if (!m_owner->m_curves.empty()) return L"NurbsCurveList";
+  if (owner_->mesh_) return L"PolygonMesh";
+  if (!owner_->curves_.empty()) return L"NurbsCurveList";
   return L"Geometry";
 }
 
-std::shared_ptr<XSI::host_detail::Object> GeometryObject::parent() const {
-  return std::make_shared<PrimitiveObject>(m_owner);
+std::shared_ptr<xsihost::Object> GeometryObject::parent() const {
+  return std::make_shared<PrimitiveObject>(owner_);
 }
 
 std::wstring PropertyObject::name() const {
-  switch (m_kind) {
+  switch (kind_) {
     case Kind::Visibility:
       return L"Visibility";
     case Kind::Kinematics:
@@ -195,7 +195,7 @@ std::wstring PropertyObject::name() const {
 }
 
 std::wstring PropertyObject::typeName() const {
-  switch (m_kind) {
+  switch (kind_) {
     case Kind::Visibility:
       return L"visibility";
     case Kind::Kinematics:
@@ -205,10 +205,10 @@ std::wstring PropertyObject::typeName() const {
   }
 }
 
-std::shared_ptr<XSI::host_detail::Object> PropertyObject::parent() const {
-  if (m_kind == Kind::GlobalState || m_kind == Kind::LocalState)
-    return std::make_shared<PropertyObject>(m_owner, Kind::Kinematics);
-  return std::const_pointer_cast<SceneObject>(m_owner);
+std::shared_ptr<xsihost::Object> PropertyObject::parent() const {
+  if (kind_ == Kind::GlobalState || kind_ == Kind::LocalState)
+    return std::make_shared<PropertyObject>(owner_, Kind::Kinematics);
+  return std::const_pointer_cast<SceneObject>(owner_);
 }
 
 bool PropertyObject::parameterValue(const std::wstring& name, CValue& out) const {
@@ -216,16 +216,16 @@ bool PropertyObject::parameterValue(const std::wstring& name, CValue& out) const
 }
 
 bool PropertyObject::parameterAt(const std::wstring& name, double time, CValue& out) const {
-  time = m_owner->resolveTime(time);
-  if (m_kind == Kind::Visibility) {
+  time = owner_->resolveTime(time);
+  if (kind_ == Kind::Visibility) {
     if (name != L"viewvis" && name != L"rendvis") return false;
-    out = CValue(m_owner->m_visible.at(time));
+    out = CValue(owner_->visible_.at(time));
     return true;
   }
-  if (m_kind == Kind::Kinematics) return false;
+  if (kind_ == Kind::Kinematics) return false;
   // Kinematic states: position, rotation (degrees, XYZ) and scaling components.
   const CTransformation t =
-      m_kind == Kind::GlobalState ? m_owner->globalAt(time) : m_owner->localAt(time);
+      kind_ == Kind::GlobalState ? owner_->globalAt(time) : owner_->localAt(time);
   const CVector3 s = t.GetScaling(), r = t.GetRotationXYZAngles(), p = t.GetTranslation();
   static const wchar_t* const kNames[9] = {L"sclx", L"scly", L"sclz", L"rotx", L"roty",
                                            L"rotz", L"posx", L"posy", L"posz"};
@@ -250,41 +250,41 @@ bool PropertyObject::parameterAt(const std::wstring& name, double time, CValue& 
 // ---- Scene --------------------------------------------------------------------------------
 
 Scene::Scene()
-    : m_root(std::make_shared<SceneObject>()), m_currentFrame(std::make_shared<double>(1.0)) {
-  m_root->m_name = L"Scene_Root";
-  m_root->m_type = L"#model";
-  m_root->m_id = m_nextID++;
-  m_root->m_currentFrame = m_currentFrame;
-  m_byFullName[m_root->m_name] = m_root;
+    : root_(std::make_shared<SceneObject>()), currentFrame_(std::make_shared<double>(1.0)) {
+  root_->name_ = L"Scene_Root";
+  root_->type_ = L"#model";
+  root_->id_ = nextID_++;
+  root_->currentFrame_ = currentFrame_;
+  byFullName_[root_->name_] = root_;
 }
 
 Scene::~Scene() {
-  for (const auto& object : m_objects) object->m_children.clear();
-  m_root->m_children.clear();
+  for (const auto& object : objects_) object->children_.clear();
+  root_->children_.clear();
 }
 
 std::shared_ptr<SceneObject> Scene::find(const std::wstring& fullName) const {
-  const auto it = m_byFullName.find(fullName);
-  return it == m_byFullName.end() ? nullptr : it->second;
+  const auto it = byFullName_.find(fullName);
+  return it == byFullName_.end() ? nullptr : it->second;
 }
 
 void Scene::add(const std::shared_ptr<SceneObject>& object,
                 const std::shared_ptr<SceneObject>& parent) {
-  const auto& p = parent ? parent : m_root;
-  object->m_parent = p;
+  const auto& p = parent ? parent : root_;
+  object->parent_ = p;
   // Names are unique within a model; objects of the scene root's own model need no prefix.
-  const bool prefixedByParent = p->isModel() && p != m_root;
+  const bool prefixedByParent = p->isModel() && p != root_;
   const std::wstring& parentName = p->fullName();
   const std::wstring inherited =
       prefixedByParent
           ? parentName + L"."
-          : parentName.substr(0, parentName.size() - std::min(parentName.size(), p->m_name.size()));
-  object->m_fullName = (p == m_root ? std::wstring() : inherited) + object->m_name;
-  p->m_children.push_back(object);
-  object->m_id = m_nextID++;
-  object->m_currentFrame = m_currentFrame;
-  m_objects.push_back(object);
-  m_byFullName[object->fullName()] = object;
+          : parentName.substr(0, parentName.size() - std::min(parentName.size(), p->name_.size()));
+  object->fullName_ = (p == root_ ? std::wstring() : inherited) + object->name_;
+  p->children_.push_back(object);
+  object->id_ = nextID_++;
+  object->currentFrame_ = currentFrame_;
+  objects_.push_back(object);
+  byFullName_[object->fullName()] = object;
 }
 
 namespace {
@@ -295,20 +295,20 @@ std::vector<XSI::CRef> g_selection;
 
 }  // namespace
 
-std::shared_ptr<Scene> activeSceneHandle() {
+std::shared_ptr<Scene> ActiveSceneHandle() {
   std::lock_guard<std::mutex> lock(g_sceneMutex);
   if (!g_scene) g_scene = std::make_shared<Scene>();
   return g_scene;
 }
 
-Scene& activeScene() { return *activeSceneHandle(); }
+Scene& ActiveScene() { return *ActiveSceneHandle(); }
 
-void setActiveScene(std::shared_ptr<Scene> scene) {
+void SetActiveScene(std::shared_ptr<Scene> scene) {
   std::lock_guard<std::mutex> lock(g_sceneMutex);
   g_scene = scene ? std::move(scene) : std::make_shared<Scene>();
   g_selection.clear();
 }
 
-std::vector<XSI::CRef>& selection() { return g_selection; }
+std::vector<XSI::CRef>& Selection() { return g_selection; }
 
 }  // namespace xsihost

@@ -20,7 +20,7 @@ using XSI::CRef;
 using XSI::CStatus;
 using XSI::CValue;
 using XSI::CValueArray;
-using XSI::host_detail::ContextObject;
+using xsihost::ContextObject;
 
 namespace {
 
@@ -42,11 +42,11 @@ struct Registry {
 
   Registry() {
     auto open = std::make_shared<CommandObject>();
-    open->m_name = L"OpenScene";
+    open->name_ = L"OpenScene";
     open->m_description = L"Opens a scene file";
     open->m_arguments = {{L"PathName", CValue(L"")}, {L"Confirm", CValue(true)}};
-    open->m_native = openScene;
-    commands[open->m_name] = open;
+    open->native_ = openScene;
+    commands[open->name_] = open;
   }
 };
 
@@ -61,7 +61,7 @@ CStatus callPlugin(RefCallback fn, CRef& ref, const std::wstring& what) {
   try {
     return fn(ref);
   } catch (...) {
-    hostLog().add(XSI::siErrorMsg, what + L": an exception escaped the plug-in");
+    HostLog().Add(XSI::siErrorMsg, what + L": an exception escaped the plug-in");
     return CStatus::Fail;
   }
 }
@@ -88,16 +88,16 @@ CStatus openScene(const CValueArray& arguments, CValue& /*result*/) {
   std::string error;
   std::shared_ptr<Scene> scene = path.empty() ? nullptr : LoadSceneFile(path, error);
   if (!scene) {
-    hostLog().add(
+    HostLog().Add(
         XSI::siErrorMsg,
         L"OpenScene: " + (path.empty() ? std::wstring(L"no scene file given") : widen(error)));
     return CStatus::Fail;
   }
-  setActiveScene(scene);
+  SetActiveScene(scene);
 
   const std::string listPath = RecentScenesFilePath();
   if (listPath.empty()) {
-    hostLog().add(XSI::siWarningMsg,
+    HostLog().Add(XSI::siWarningMsg,
                   L"OpenScene: XSI_USERHOME is not set; the recent-scenes list was not updated.");
     return CStatus::OK;
   }
@@ -113,7 +113,7 @@ CStatus openScene(const CValueArray& arguments, CValue& /*result*/) {
   std::ofstream out(listPath, std::ios::binary | std::ios::trunc);
   out << UpdateRecentScenes(previous, ec ? path : absolute);
   if (!out.flush()) {
-    hostLog().add(XSI::siWarningMsg, L"OpenScene: cannot write " + widen(listPath));
+    HostLog().Add(XSI::siWarningMsg, L"OpenScene: cannot write " + widen(listPath));
   }
   return CStatus::OK;
 }
@@ -123,25 +123,25 @@ CStatus openScene(const CValueArray& arguments, CValue& /*result*/) {
 void AttachPluginCommands(const LoadedPlugin& plugin) {
   Registry& r = registry();
   auto listing = std::make_shared<PluginObject>();
-  listing->m_name = plugin.record().name;
-  listing->m_path = plugin.path();
-  listing->m_plugin = &plugin;
+  listing->name_ = plugin.Record().name;
+  listing->path_ = plugin.Path();
+  listing->plugin_ = &plugin;
   {
     std::lock_guard<std::mutex> lock(r.mutex);
     for (const auto& p : r.plugins)
-      if (p->m_plugin == &plugin) return;  // attached already: keep its definitions and user data
+      if (p->plugin_ == &plugin) return;  // attached already: keep its definitions and user data
     r.plugins.push_back(listing);
   }
-  for (const std::wstring& name : plugin.record().commands) {
+  for (const std::wstring& name : plugin.Record().commands) {
     auto command = std::make_shared<CommandObject>();
-    command->m_name = name;
-    command->m_plugin = &plugin;
-    if (auto init = reinterpret_cast<RefCallback>(plugin.symbol(narrow(name) + "_Init"))) {
-      auto context = std::make_shared<ContextObject>(&command->m_userData, CRef(command));
+    command->name_ = name;
+    command->plugin_ = &plugin;
+    if (auto init = reinterpret_cast<RefCallback>(plugin.Symbol(narrow(name) + "_Init"))) {
+      auto context = std::make_shared<ContextObject>(&command->userData_, CRef(command));
       CRef ref(context);
       const CStatus status = callPlugin(init, ref, name + L"_Init");
       if (!status.Succeeded())
-        hostLog().add(XSI::siErrorMsg, name + L"_Init failed; the command keeps what it defined.");
+        HostLog().Add(XSI::siErrorMsg, name + L"_Init failed; the command keeps what it defined.");
     }
     std::lock_guard<std::mutex> lock(r.mutex);
     r.commands[name] = command;
@@ -152,9 +152,9 @@ void DetachPluginCommands(const LoadedPlugin& plugin) {
   Registry& r = registry();
   std::lock_guard<std::mutex> lock(r.mutex);
   for (auto it = r.commands.begin(); it != r.commands.end();) {
-    it = it->second->m_plugin == &plugin ? r.commands.erase(it) : std::next(it);
+    it = it->second->plugin_ == &plugin ? r.commands.erase(it) : std::next(it);
   }
-  std::erase_if(r.plugins, [&](const auto& p) { return p->m_plugin == &plugin; });
+  std::erase_if(r.plugins, [&](const auto& p) { return p->plugin_ == &plugin; });
 }
 
 std::shared_ptr<CommandObject> FindCommand(const std::wstring& name) {
@@ -174,11 +174,11 @@ CStatus ExecuteCommand(const std::wstring& name, const CValueArray& arguments, C
   result = CValue();
   const std::shared_ptr<CommandObject> definition = FindCommand(name);
   if (!definition) {
-    hostLog().add(XSI::siErrorMsg, L"Unknown command \"" + name + L"\".");
+    HostLog().Add(XSI::siErrorMsg, L"Unknown command \"" + name + L"\".");
     return CStatus::Fail;
   }
   if (static_cast<std::size_t>(arguments.GetCount()) > definition->m_arguments.size()) {
-    hostLog().add(XSI::siErrorMsg, name + L": " + std::to_wstring(arguments.GetCount()) +
+    HostLog().Add(XSI::siErrorMsg, name + L": " + std::to_wstring(arguments.GetCount()) +
                                        L" arguments given, but the command takes " +
                                        std::to_wstring(definition->m_arguments.size()) + L".");
     return CStatus::Fail;
@@ -194,21 +194,21 @@ CStatus ExecuteCommand(const std::wstring& name, const CValueArray& arguments, C
     values.Add(call->m_arguments[i].value);
   }
   if (!(call->m_flags & kCommandNoLoggingFlag))
-    hostLog().add(XSI::siInfoMsg, callText(name, call->m_arguments));
+    HostLog().Add(XSI::siInfoMsg, callText(name, call->m_arguments));
 
-  if (call->m_native) return call->m_native(values, result);
+  if (call->native_) return call->native_(values, result);
 
   auto execute = reinterpret_cast<RefCallback>(
-      call->m_plugin ? call->m_plugin->symbol(narrow(name) + "_Execute") : nullptr);
+      call->plugin_ ? call->plugin_->Symbol(narrow(name) + "_Execute") : nullptr);
   if (!execute) {
-    hostLog().add(XSI::siErrorMsg, name + L": the plug-in exports no " + name + L"_Execute.");
+    HostLog().Add(XSI::siErrorMsg, name + L": the plug-in exports no " + name + L"_Execute.");
     return CStatus::Fail;
   }
-  auto context = std::make_shared<ContextObject>(&definition->m_userData, CRef(call));
+  auto context = std::make_shared<ContextObject>(&definition->userData_, CRef(call));
   context->attributes[L"Arguments"] = CValue(values);
   CRef ref(context);
   const CStatus status = callPlugin(execute, ref, name + L"_Execute");
-  if (call->m_returnValue) {
+  if (call->returnValue_) {
     const auto it = context->attributes.find(L"ReturnValue");
     if (it != context->attributes.end()) result = it->second;
   }

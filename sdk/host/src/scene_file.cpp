@@ -130,9 +130,9 @@ void defaultParameters(SceneObject& object) {
   auto set = [&](const wchar_t* name, double value) {
     ParameterData p;
     p.number.value = value;
-    object.m_parameters[name] = p;
+    object.parameters_[name] = p;
   };
-  const std::wstring& t = object.m_type;
+  const std::wstring& t = object.type_;
   if (t == L"cube") set(L"length", 1.0);
   if (t == L"sphere") set(L"radius", 1.0);
   if (t == L"null" || t == L"root" || t == L"eff" || t == L"bone") set(L"size", 1.0);
@@ -143,18 +143,18 @@ void readTransform(const json& j, const std::string& path, SceneObject& object) 
   if (!j.is_object()) fail(path, "expected an object");
   if (const json* m = member(j, "matrix")) {
     onlyKeys(j, path, {"matrix"});
-    object.m_matrix = matrix(*m, child(path, "matrix"));
+    object.matrix_ = matrix(*m, child(path, "matrix"));
     return;
   }
   onlyKeys(j, path, {"scaling", "rotation", "rotationOrder", "translation"});
   if (const json* s = member(j, "scaling"))
-    object.m_scaling.value = vector3(*s, child(path, "scaling"));
+    object.scaling_.value = vector3(*s, child(path, "scaling"));
   if (const json* r = member(j, "rotation"))
-    object.m_rotation.value = vector3(*r, child(path, "rotation"));
+    object.rotation_.value = vector3(*r, child(path, "rotation"));
   if (const json* o = member(j, "rotationOrder"))
-    object.m_rotationOrder = rotationOrder(*o, child(path, "rotationOrder"));
+    object.rotationOrder_ = rotationOrder(*o, child(path, "rotationOrder"));
   if (const json* t = member(j, "translation"))
-    object.m_translation.value = vector3(*t, child(path, "translation"));
+    object.translation_.value = vector3(*t, child(path, "translation"));
 }
 
 ParameterData parameter(const json& j, const std::string& path) {
@@ -176,23 +176,23 @@ void readKeys(const json& j, const std::string& path, SceneObject& object) {
   onlyKeys(j, path, {"scaling", "rotation", "translation", "visible", "parameters"});
   const bool hasTransformKeys =
       member(j, "scaling") || member(j, "rotation") || member(j, "translation");
-  if (hasTransformKeys && object.m_matrix)
+  if (hasTransformKeys && object.matrix_)
     fail(path,
          "a transform given as a matrix cannot be keyed; give scaling, rotation and translation");
   auto vec = [](const json& v, const std::string& p) { return vector3(v, p); };
   if (const json* k = member(j, "scaling"))
-    object.m_scaling.keys = keys<CVector3>(*k, child(path, "scaling"), vec);
+    object.scaling_.keys = keys<CVector3>(*k, child(path, "scaling"), vec);
   if (const json* k = member(j, "rotation"))
-    object.m_rotation.keys = keys<CVector3>(*k, child(path, "rotation"), vec);
+    object.rotation_.keys = keys<CVector3>(*k, child(path, "rotation"), vec);
   if (const json* k = member(j, "translation"))
-    object.m_translation.keys = keys<CVector3>(*k, child(path, "translation"), vec);
+    object.translation_.keys = keys<CVector3>(*k, child(path, "translation"), vec);
   if (const json* k = member(j, "visible"))
-    object.m_visible.keys = keys<bool>(*k, child(path, "visible"), boolean);
+    object.visible_.keys = keys<bool>(*k, child(path, "visible"), boolean);
   if (const json* params = member(j, "parameters")) {
     const std::string pp = child(path, "parameters");
     if (!params->is_object()) fail(pp, "expected an object of parameter names");
     for (const auto& [name, list] : params->items()) {
-      ParameterData& p = object.m_parameters[widen(name)];
+      ParameterData& p = object.parameters_[widen(name)];
       if (p.isText) fail(child(pp, name), "a text parameter cannot be keyed");
       p.number.keys =
           keys<double>(list, child(pp, name), [&](const json& v, const std::string& vp) {
@@ -337,8 +337,8 @@ void readMesh(const json& j, const std::string& path, const std::string& baseDir
   auto derived = std::make_shared<MeshDerived>(DeriveMesh(*mesh));
   if (const json* attributes = member(j, "attributes"))
     readAttributes(*attributes, child(path, "attributes"), *mesh, *derived);
-  object.m_mesh = std::move(mesh);
-  object.m_meshDerived = std::move(derived);
+  object.mesh_ = std::move(mesh);
+  object.meshDerived_ = std::move(derived);
 }
 
 NurbsCurveData curve(const json& j, const std::string& path) {
@@ -430,22 +430,22 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
     if (const auto it = byName.find(n); it != byName.end())
       fail(child(path, "name"),
            "duplicate name \"" + n + "\" (also " + records[it->second].path + ")");
-    object->m_name = widen(n);
+    object->name_ = widen(n);
     const json* type = member(j, "type");
     if (!type) fail(path, "missing \"type\"");
     const std::string t = text(*type, child(path, "type"));
     if (t.empty()) fail(child(path, "type"), "empty type");
-    object->m_type = widen(t);
+    object->type_ = widen(t);
     defaultParameters(*object);
     if (const json* transform = member(j, "transform"))
       readTransform(*transform, child(path, "transform"), *object);
     if (const json* visible = member(j, "visible"))
-      object->m_visible.value = boolean(*visible, child(path, "visible"));
+      object->visible_.value = boolean(*visible, child(path, "visible"));
     if (const json* params = member(j, "parameters")) {
       const std::string pp = child(path, "parameters");
       if (!params->is_object()) fail(pp, "expected an object of parameter values");
       for (const auto& [pn, pv] : params->items())
-        object->m_parameters[widen(pn)] = parameter(pv, child(pp, pn));
+        object->parameters_[widen(pn)] = parameter(pv, child(pp, pn));
     }
     const json* mesh = member(j, "mesh");
     const json* curves = member(j, "curves");
@@ -459,7 +459,7 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
       const std::string cp = child(path, "curves");
       if (!curves->is_array() || curves->empty()) fail(cp, "expected a non-empty list of curves");
       for (std::size_t c = 0; c < curves->size(); ++c)
-        object->m_curves.push_back(
+        object->curves_.push_back(
             std::make_shared<NurbsCurveEvaluator>(curve((*curves)[c], child(cp, c))));
     }
     if (const json* k = member(j, "keys")) readKeys(*k, child(path, "keys"), *object);
@@ -494,14 +494,13 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
       std::string cycle;
       const auto first = std::find(chain.begin(), chain.end(), static_cast<std::size_t>(i));
       for (auto it = first; it != chain.end(); ++it) {
-        cycle +=
-            "\"" +
-            std::string(records[*it].object->m_name.begin(), records[*it].object->m_name.end()) +
-            "\" -> ";
+        cycle += "\"" +
+                 std::string(records[*it].object->name_.begin(), records[*it].object->name_.end()) +
+                 "\" -> ";
       }
       cycle += "\"" +
-               std::string(records[static_cast<std::size_t>(i)].object->m_name.begin(),
-                           records[static_cast<std::size_t>(i)].object->m_name.end()) +
+               std::string(records[static_cast<std::size_t>(i)].object->name_.begin(),
+                           records[static_cast<std::size_t>(i)].object->name_.end()) +
                "\"";
       fail(child(records[static_cast<std::size_t>(i)].path, "parent"),
            "cycle of parents: " + cycle);

@@ -112,17 +112,17 @@ std::size_t plyTypeSize(const std::string& t) {
 class PlyBody {
  public:
   PlyBody(std::istream& in, PlyFormat format, std::string path, std::size_t headerLines)
-      : m_in(in), m_format(format), m_path(std::move(path)), m_line(headerLines) {}
+      : in_(in), format_(format), path_(std::move(path)), line_(headerLines) {}
 
   bool next(const std::string& type, double& out, std::string& error) {
-    if (m_format == PlyFormat::Ascii) return nextText(out, error);
+    if (format_ == PlyFormat::Ascii) return nextText(out, error);
     const std::size_t size = plyTypeSize(type);
     unsigned char bytes[8];
-    if (!m_in.read(reinterpret_cast<char*>(bytes), static_cast<std::streamsize>(size))) {
-      error = m_path + ": the binary data end early";
+    if (!in_.read(reinterpret_cast<char*>(bytes), static_cast<std::streamsize>(size))) {
+      error = path_ + ": the binary data end early";
       return false;
     }
-    const bool little = m_format == PlyFormat::BinaryLittle;
+    const bool little = format_ == PlyFormat::BinaryLittle;
     if (!little) std::reverse(bytes, bytes + size);  // this host is little-endian
     if (type == "char" || type == "int8")
       out = static_cast<std::int8_t>(bytes[0]);
@@ -158,53 +158,52 @@ class PlyBody {
 
   // Text bodies hold one element per line; the next element starts on a new line.
   bool endElement(std::string& error) {
-    if (m_format != PlyFormat::Ascii) return true;
+    if (format_ != PlyFormat::Ascii) return true;
     std::string rest;
-    while (m_tokens >> rest) {
-      error =
-          m_path + ": line " + std::to_string(m_line) + ": more values than the header declares";
+    while (tokens_ >> rest) {
+      error = path_ + ": line " + std::to_string(line_) + ": more values than the header declares";
       return false;
     }
-    m_haveLine = false;
+    haveLine_ = false;
     return true;
   }
 
-  std::size_t line() const { return m_line; }
+  std::size_t line() const { return line_; }
 
  private:
   bool nextText(double& out, std::string& error) {
     std::string token;
-    while (!m_haveLine || !(m_tokens >> token)) {
+    while (!haveLine_ || !(tokens_ >> token)) {
       std::string line;
-      if (m_haveLine) {
+      if (haveLine_) {
         error =
-            m_path + ": line " + std::to_string(m_line) + ": fewer values than the header declares";
+            path_ + ": line " + std::to_string(line_) + ": fewer values than the header declares";
         return false;
       }
-      if (!std::getline(m_in, line)) {
-        error = m_path + ": the file ends before all elements were read";
+      if (!std::getline(in_, line)) {
+        error = path_ + ": the file ends before all elements were read";
         return false;
       }
-      ++m_line;
-      m_tokens.clear();
-      m_tokens.str(line);
-      m_haveLine = true;
+      ++line_;
+      tokens_.clear();
+      tokens_.str(line);
+      haveLine_ = true;
     }
     char* end = nullptr;
     out = std::strtod(token.c_str(), &end);
     if (end == token.c_str() || *end != '\0') {
-      error = m_path + ": line " + std::to_string(m_line) + ": \"" + token + "\" is not a number";
+      error = path_ + ": line " + std::to_string(line_) + ": \"" + token + "\" is not a number";
       return false;
     }
     return true;
   }
 
-  std::istream& m_in;
-  PlyFormat m_format;
-  std::string m_path;
-  std::size_t m_line;
-  std::istringstream m_tokens;
-  bool m_haveLine = false;
+  std::istream& in_;
+  PlyFormat format_;
+  std::string path_;
+  std::size_t line_;
+  std::istringstream tokens_;
+  bool haveLine_ = false;
 };
 
 bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {

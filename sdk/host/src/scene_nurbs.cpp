@@ -158,38 +158,38 @@ std::string ValidateNurbsCurve(const NurbsCurveData& curve) {
   return {};
 }
 
-NurbsCurveEvaluator::NurbsCurveEvaluator(NurbsCurveData curve) : m_curve(std::move(curve)) {
-  const int p = m_curve.degree;
-  const int n = static_cast<int>(m_curve.points.size());
-  const auto& t = m_curve.knots;
-  m_min = t[static_cast<size_t>(p)];
-  m_max = t[static_cast<size_t>(n)];
+NurbsCurveEvaluator::NurbsCurveEvaluator(NurbsCurveData curve) : curve_(std::move(curve)) {
+  const int p = curve_.degree;
+  const int n = static_cast<int>(curve_.points.size());
+  const auto& t = curve_.knots;
+  min_ = t[static_cast<size_t>(p)];
+  max_ = t[static_cast<size_t>(n)];
   for (int k = p; k < n; ++k) {
     if (t[static_cast<size_t>(k + 1)] > t[static_cast<size_t>(k)])
-      m_spanStarts.push_back(t[static_cast<size_t>(k)]);
+      spanStarts_.push_back(t[static_cast<size_t>(k)]);
   }
-  m_spanStarts.push_back(m_max);
+  spanStarts_.push_back(max_);
   // A first pass of one Kronrod rule per span sizes the tolerance; the table then holds each
   // span's length to about 1e-13 of the whole.
   double rough = 0.0;
-  for (size_t j = 0; j + 1 < m_spanStarts.size(); ++j)
-    rough += kronrod15([this](double u) { return speed(u); }, m_spanStarts[j], m_spanStarts[j + 1])
-                 .first;
-  m_tolerance = std::max(rough, 1e-300) * 1e-13;
-  m_cumulative.assign(m_spanStarts.size(), 0.0);
-  for (size_t j = 0; j + 1 < m_spanStarts.size(); ++j)
-    m_cumulative[j + 1] = m_cumulative[j] + spanLength(m_spanStarts[j], m_spanStarts[j + 1]);
+  for (size_t j = 0; j + 1 < spanStarts_.size(); ++j)
+    rough +=
+        kronrod15([this](double u) { return speed(u); }, spanStarts_[j], spanStarts_[j + 1]).first;
+  tolerance_ = std::max(rough, 1e-300) * 1e-13;
+  cumulative_.assign(spanStarts_.size(), 0.0);
+  for (size_t j = 0; j + 1 < spanStarts_.size(); ++j)
+    cumulative_[j + 1] = cumulative_[j] + spanLength(spanStarts_[j], spanStarts_[j + 1]);
 }
 
 void NurbsCurveEvaluator::derivatives(double u, Vec3d& position, Vec3d& first,
                                       Vec3d& second) const {
-  const int p = m_curve.degree;
-  const int n = static_cast<int>(m_curve.points.size());
-  const auto& t = m_curve.knots;
-  u = std::clamp(u, m_min, m_max);
+  const int p = curve_.degree;
+  const int n = static_cast<int>(curve_.points.size());
+  const auto& t = curve_.knots;
+  u = std::clamp(u, min_, max_);
   // Span k with t[k] <= u < t[k+1]; the end of the range belongs to the last non-empty span.
   int k;
-  if (u >= m_max) {
+  if (u >= max_) {
     k = n - 1;
     while (k > p && !(t[static_cast<size_t>(k + 1)] > t[static_cast<size_t>(k)])) --k;
   } else {
@@ -200,7 +200,7 @@ void NurbsCurveEvaluator::derivatives(double u, Vec3d& position, Vec3d& first,
   // Homogeneous local points and their first and second hodographs.
   std::vector<Vec4d> h(static_cast<size_t>(p) + 1);
   for (int j = 0; j <= p; ++j) {
-    const auto& cp = m_curve.points[static_cast<size_t>(k - p + j)];
+    const auto& cp = curve_.points[static_cast<size_t>(k - p + j)];
     h[static_cast<size_t>(j)] = {cp[0] * cp[3], cp[1] * cp[3], cp[2] * cp[3], cp[3]};
   }
   std::vector<Vec4d> d1(static_cast<size_t>(p));
@@ -276,36 +276,36 @@ CurveSample NurbsCurveEvaluator::evaluate(double u) const {
 
 double NurbsCurveEvaluator::parameterFromNormalized(double t) const {
   t = std::clamp(t, 0.0, 1.0);
-  return m_min + t * (m_max - m_min);
+  return min_ + t * (max_ - min_);
 }
 
 double NurbsCurveEvaluator::spanLength(double a, double b) const {
-  return integrate([this](double u) { return speed(u); }, a, b, m_tolerance);
+  return integrate([this](double u) { return speed(u); }, a, b, tolerance_);
 }
 
 double NurbsCurveEvaluator::lengthTo(double u) const {
-  u = std::clamp(u, m_min, m_max);
-  if (u >= m_max) return length();
-  const auto it = std::upper_bound(m_spanStarts.begin(), m_spanStarts.end(), u);
-  const size_t j = static_cast<size_t>(it - m_spanStarts.begin()) - 1;
-  return m_cumulative[j] + spanLength(m_spanStarts[j], u);
+  u = std::clamp(u, min_, max_);
+  if (u >= max_) return length();
+  const auto it = std::upper_bound(spanStarts_.begin(), spanStarts_.end(), u);
+  const size_t j = static_cast<size_t>(it - spanStarts_.begin()) - 1;
+  return cumulative_[j] + spanLength(spanStarts_[j], u);
 }
 
 double NurbsCurveEvaluator::parameterFromPercentage(double percent) const {
   const double total = length();
-  if (!(percent > 0.0) || !(total > 0.0)) return m_min;
-  if (percent >= 100.0) return m_max;
+  if (!(percent > 0.0) || !(total > 0.0)) return min_;
+  if (percent >= 100.0) return max_;
   const double target = percent / 100.0 * total;
   // The span holding the target length, then Newton's method on s(u) − target inside it, kept
   // in a shrinking bracket so that a step leaving it falls back to bisection.
-  const auto it = std::upper_bound(m_cumulative.begin(), m_cumulative.end(), target);
-  size_t j = static_cast<size_t>(it - m_cumulative.begin());
+  const auto it = std::upper_bound(cumulative_.begin(), cumulative_.end(), target);
+  size_t j = static_cast<size_t>(it - cumulative_.begin());
   j = j == 0 ? 0 : j - 1;
-  if (j + 1 >= m_spanStarts.size()) return m_max;
-  const double start = m_spanStarts[j];
-  double lo = start, hi = m_spanStarts[j + 1];
-  const double wanted = target - m_cumulative[j];
-  const double spanTotal = m_cumulative[j + 1] - m_cumulative[j];
+  if (j + 1 >= spanStarts_.size()) return max_;
+  const double start = spanStarts_[j];
+  double lo = start, hi = spanStarts_[j + 1];
+  const double wanted = target - cumulative_[j];
+  const double spanTotal = cumulative_[j + 1] - cumulative_[j];
   double u = lo + (hi - lo) * (spanTotal > 0.0 ? wanted / spanTotal : 0.5);
   for (int iteration = 0; iteration < 100; ++iteration) {
     const double f = spanLength(start, u) - wanted;

@@ -5,35 +5,35 @@
 
 namespace xsihost {
 
-void Log::add(int severity, std::wstring text) {
-  std::lock_guard<std::mutex> lock(m_mutex);
-  if (m_echo) std::fprintf(stderr, "[%d] %ls\n", severity, text.c_str());
-  m_lines.push_back({severity, std::move(text)});
+void Log::Add(int severity, std::wstring text) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  if (echo_) std::fprintf(stderr, "[%d] %ls\n", severity, text.c_str());
+  lines_.push_back({severity, std::move(text)});
 }
 
-std::vector<LogLine> Log::take() {
-  std::lock_guard<std::mutex> lock(m_mutex);
+std::vector<LogLine> Log::Take() {
+  std::lock_guard<std::mutex> lock(mutex_);
   std::vector<LogLine> out;
-  out.swap(m_lines);
+  out.swap(lines_);
   return out;
 }
 
-std::vector<LogLine> Log::lines() const {
-  std::lock_guard<std::mutex> lock(m_mutex);
-  return m_lines;
+std::vector<LogLine> Log::Lines() const {
+  std::lock_guard<std::mutex> lock(mutex_);
+  return lines_;
 }
 
-void Log::clear() {
-  std::lock_guard<std::mutex> lock(m_mutex);
-  m_lines.clear();
+void Log::Clear() {
+  std::lock_guard<std::mutex> lock(mutex_);
+  lines_.clear();
 }
 
-void Log::setEcho(bool echo) {
-  std::lock_guard<std::mutex> lock(m_mutex);
-  m_echo = echo;
+void Log::SetEcho(bool echo) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  echo_ = echo;
 }
 
-Log& hostLog() {
+Log& HostLog() {
   static Log log;
   return log;
 }
@@ -43,9 +43,9 @@ std::atomic<bool> g_interactive{false};
 std::atomic<unsigned> g_failedAssertions{0};
 }  // namespace
 
-void setInteractive(bool interactive) { g_interactive = interactive; }
-bool isInteractive() { return g_interactive; }
-unsigned failedAssertions() { return g_failedAssertions; }
-void countFailedAssertion() { ++g_failedAssertions; }
+void SetInteractive(bool interactive) { g_interactive = interactive; }
+bool IsInteractive() { return g_interactive; }
+unsigned FailedAssertions() { return g_failedAssertions; }
+void CountFailedAssertion() { ++g_failedAssertions; }
 
 }  // namespace xsihost

@@ -18,7 +18,7 @@ constexpr ULONG kNone = 0xFFFFFFFFu;
 using Fields =
     std::tuple<ULONG, std::wstring, std::wstring, ULONG, ULONG, ULONG, ULONG, ULONG, ULONG>;
 
-Fields FieldsOf(const XSI::host_detail::PortRecord& p) {
+Fields FieldsOf(const xsihost::PortRecord& p) {
   return {p.id,       p.scriptName, p.displayName,   p.dataTypes,  p.structures,
           p.contexts, p.typeLink,   p.structureLink, p.contextLink};
 }

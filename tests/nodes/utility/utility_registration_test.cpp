@@ -34,7 +34,7 @@ std::wstring defaultText(const XSI::CValue& value) {
   }
 }
 
-std::wstring portLine(const XSI::host_detail::PortRecord& p) {
+std::wstring portLine(const xsihost::PortRecord& p) {
   std::wstring line = (p.input ? L"in " : L"out ") + number(p.id) + L" " + p.scriptName + L" '" +
                       p.displayName + L"' " + number(p.dataTypes) + L" " + number(p.structures) +
                       L" " + number(p.contexts);

@@ -8,7 +8,10 @@
 #include <xsi_decl.h>
 #include <xsi_value.h>
 
-namespace XSI::host_detail {
+namespace xsihost {
+
+using XSI::LONG;
+using XSI::ULONG;
 
 struct PortRecord {
   ULONG id = 0;
@@ -41,9 +44,9 @@ struct NodeDefinitionRecord {
   std::vector<PortRecord> outputs;  // in the order added
   bool registered = false;
 
-  const PortRecord* findInput(ULONG id) const;
-  const PortRecord* findOutput(ULONG id) const;
-  const PortRecord* findPort(ULONG id) const;
+  const PortRecord* FindInput(ULONG id) const;
+  const PortRecord* FindOutput(ULONG id) const;
+  const PortRecord* FindPort(ULONG id) const;
 };
 
 struct PluginRecord {
@@ -59,7 +62,7 @@ struct PluginRecord {
   std::vector<std::wstring> commands;
   std::vector<std::shared_ptr<NodeDefinitionRecord>> nodes;
 
-  const NodeDefinitionRecord* findNode(const std::wstring& name) const;
+  const NodeDefinitionRecord* FindNode(const std::wstring& name) const;
 };
 
-}  // namespace XSI::host_detail
+}  // namespace xsihost

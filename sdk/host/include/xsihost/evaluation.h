@@ -20,12 +20,10 @@
 #include <xsihost/plugin_host.h>
 #include <xsihost/port_values.h>
 
-namespace XSI::host_detail {
+namespace xsihost {
+
 class ContextObject;
 class Object;
-}
-
-namespace xsihost {
 
 struct PortInfoOverride {
   std::optional<ULONG> type;
@@ -36,17 +34,22 @@ struct PortInfoOverride {
 struct EvaluationRequest {
   ULONG elements = 1;
   ULONG context = 0;  // resolved context of every port; 0: singleton for 1 element, else per point
-  std::optional<std::vector<ULONG>> batch;             // default: every element
-  std::map<std::pair<ULONG, ULONG>, PortValues> inputs; // (port ID, group instance)
+  std::optional<std::vector<ULONG>> batch;               // default: every element
+  std::map<std::pair<ULONG, ULONG>, PortValues> inputs;  // (port ID, group instance)
   ULONG groupInstances = 0;  // 0: one more than the highest instance given, at least 1
-  std::map<ULONG, PortInfoOverride> portInfo;           // by port ID
-  std::set<ULONG> failingPortInfo;                      // GetPortInfo fails for these
+  std::map<ULONG, PortInfoOverride> portInfo;  // by port ID
+  std::set<ULONG> failingPortInfo;             // GetPortInfo fails for these
   double time = 1.0;
   unsigned threads = 1;
   ULONG batchSize = 1024;
 
-  void setInput(ULONG port, PortValues values, ULONG instance = 0) {
+  /// Gives input `port` of group instance `instance` the data `values`.
+  void SetInput(ULONG port, PortValues values, ULONG instance = 0) {
     inputs[{port, instance}] = std::move(values);
+  }
+  // Transitional spelling for the node tests (see PortValues).
+  void setInput(ULONG port, PortValues values, ULONG instance = 0) {
+    SetInput(port, std::move(values), instance);
   }
 };
 
@@ -56,31 +59,45 @@ struct OutputResult {
   PortValues values;
 };
 
-// Resolved view of one input for an evaluation (the request's data or the port's default).
-struct ResolvedInput {
-  const PortValues* values = nullptr;
-  ULONG type = 0;
-  ULONG structure = 1;
-  ULONG context = 1;
-  bool failsInfo = false;
-};
+// The data of one evaluation after the request is resolved against the definition; private to
+// the evaluation engine.
+struct ResolvedEvaluation;
 
+/// One instance of a node, as a node of the host's graph: it owns the node object, the user
+/// data and the input port states, and runs the node's callbacks.
 class NodeInstance {
  public:
-  NodeInstance(const LoadedPlugin& plugin, const XSI::host_detail::NodeDefinitionRecord& node);
-  ~NodeInstance();  // calls Term when Init ran
+  /// An instance of `node` of `plugin`; both must outlive it. Init runs at the first evaluation.
+  NodeInstance(const LoadedPlugin& plugin, const NodeDefinitionRecord& node);
+  /// Calls Term when Init ran.
+  ~NodeInstance();
   NodeInstance(const NodeInstance&) = delete;
   NodeInstance& operator=(const NodeInstance&) = delete;
 
-  // Runs one evaluation computing `outputPorts` in order. Ports the node does not define are
-  // still passed to its Evaluate callback (which should write nothing).
-  std::vector<OutputResult> evaluate(const EvaluationRequest& request,
+  /// Runs one evaluation computing `outputPorts` in order: Init if not yet run, BeginEvaluate,
+  /// Evaluate per port and chunk, EndEvaluate. Returns one result per port. Ports the node
+  /// does not define are still passed to its Evaluate callback (which should write nothing);
+  /// their results hold no items.
+  std::vector<OutputResult> Evaluate(const EvaluationRequest& request,
                                      const std::vector<ULONG>& outputPorts);
 
-  const XSI::host_detail::NodeDefinitionRecord& definition() const { return m_node; }
-  std::uint32_t objectID() const;
-  // Calls Term now (if Init ran); later evaluations call Init again.
-  void terminate();
+  const NodeDefinitionRecord& Definition() const { return node_; }
+  /// The ID of the node object (unique in the process, from 1001 up); nodes log it.
+  std::uint32_t ObjectID() const;
+  /// Calls Term now (if Init ran); a later evaluation calls Init again.
+  void Terminate();
+
+  /// Port states, as the SDK's CICEPortState reads and clears them.
+  bool IsDirty(ULONG port, ULONG instance) const;
+  void ClearState(ULONG port, ULONG instance);
+
+  // Transitional spellings for the node tests (see PortValues).
+  std::vector<OutputResult> evaluate(const EvaluationRequest& request,
+                                     const std::vector<ULONG>& outputPorts) {
+    return Evaluate(request, outputPorts);
+  }
+  std::uint32_t objectID() const { return ObjectID(); }
+  void terminate() { Terminate(); }
 
  private:
   struct PortState {
@@ -88,20 +105,21 @@ class NodeInstance {
     bool seen = false;
     bool dirty = true;
   };
-  friend struct XSI::host_detail::EvalFrame;
 
-  const LoadedPlugin& m_plugin;
-  const XSI::host_detail::NodeDefinitionRecord& m_node;
-  XSI::CValue m_userData;
-  std::shared_ptr<XSI::host_detail::Object> m_object;
-  std::shared_ptr<XSI::host_detail::ContextObject> m_context;
-  std::map<std::pair<ULONG, ULONG>, PortState> m_portStates;
-  bool m_initialised = false;
+  void UpdatePortStates(const ResolvedEvaluation& resolved);
+  void InitOnce();
+  // Calls BeginEvaluate or EndEvaluate (`suffix`) over the whole batch, when the node has it.
+  void CallBracket(const char* suffix, ResolvedEvaluation& resolved);
+  OutputResult EvaluatePort(ULONG port, ResolvedEvaluation& resolved);
+  std::string CallbackName(const char* suffix) const;
 
- public:
-  // Used by the SDK's CICEPortState.
-  bool isDirty(ULONG port, ULONG instance) const;
-  void clearState(ULONG port, ULONG instance);
+  const LoadedPlugin& plugin_;
+  const NodeDefinitionRecord& node_;
+  XSI::CValue userData_;
+  std::shared_ptr<Object> object_;
+  std::shared_ptr<ContextObject> context_;
+  std::map<std::pair<ULONG, ULONG>, PortState> portStates_;
+  bool initialised_ = false;
 };
 
 }  // namespace xsihost

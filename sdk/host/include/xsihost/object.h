@@ -9,7 +9,7 @@
 #include <xsi_ref.h>
 #include <xsi_value.h>
 
-namespace XSI::host_detail {
+namespace xsihost {
 
 // Scene objects, node instances, commands and contexts derive from this. The defaults
 // describe an object without name, parent or parameters.
@@ -40,4 +40,4 @@ class ContextObject : public Object {
   XSI::CRef source;
 };
 
-}  // namespace XSI::host_detail
+}  // namespace xsihost

@@ -13,30 +13,33 @@ class LoadedPlugin {
  public:
   // Loads the shared library at `path` and calls its XSILoadPlugin. On failure returns null
   // and sets `error` to one line naming the path and the reason.
-  static std::unique_ptr<LoadedPlugin> load(const std::string& path, std::string& error);
+  static std::unique_ptr<LoadedPlugin> Load(const std::string& path, std::string& error);
   ~LoadedPlugin();
   LoadedPlugin(const LoadedPlugin&) = delete;
   LoadedPlugin& operator=(const LoadedPlugin&) = delete;
 
   // Calls XSIUnloadPlugin and closes the library; the destructor does it if not done.
-  void unload();
+  void Unload();
 
-  const XSI::host_detail::PluginRecord& record() const { return *m_record; }
-  const XSI::host_detail::NodeDefinitionRecord* findNode(const std::wstring& name) const {
-    return m_record->findNode(name);
+  const xsihost::PluginRecord& Record() const { return *record_; }
+  const xsihost::NodeDefinitionRecord* FindNode(const std::wstring& name) const {
+    return record_->FindNode(name);
   }
   // Exported symbol `name`, or null.
-  void* symbol(const std::string& name) const;
-  const std::string& path() const { return m_path; }
+  void* Symbol(const std::string& name) const;
+  const std::string& Path() const { return path_; }
+
+  // Transitional spelling for the registration tests (see PortValues).
+  const PluginRecord& record() const { return Record(); }
 
  private:
   LoadedPlugin() = default;
-  void* m_handle = nullptr;
-  std::string m_path;
-  std::unique_ptr<XSI::host_detail::PluginRecord> m_record;
+  void* handle_ = nullptr;
+  std::string path_;
+  std::unique_ptr<xsihost::PluginRecord> record_;
 };
 
 // The plug-in `quillix` and the tests load by default: libQuillix.so beside `executable`.
-std::string defaultPluginPath(const std::string& executable);
+std::string DefaultPluginPath(const std::string& executable);
 
 }  // namespace xsihost

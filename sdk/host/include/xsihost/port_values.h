@@ -14,13 +14,17 @@ namespace xsihost {
 using XSI::ULONG;
 
 // Size in bytes of one value of data type `type` (one bit); 0 for strings and unknown types.
-std::size_t valueSize(ULONG type);
+std::size_t ValueSize(ULONG type);
 // True for the thirteen value types (strings included) that ports can carry.
-bool isValueType(ULONG type);
+bool IsValueType(ULONG type);
 // "bool", "int", "float", "vector2", "vector3", "vector4", "quaternion", "matrix33",
 // "matrix44", "color4", "rotation", "shape", "string"; empty for anything else.
-const char* typeName(ULONG type);
-ULONG typeFromName(const std::string& name);  // 0 when unknown
+const char* TypeName(ULONG type);
+ULONG TypeFromName(const std::string& name);  // 0 when unknown
+
+// Transitional spellings for the node tests (see PortValues).
+inline std::size_t valueSize(ULONG type) { return ValueSize(type); }
+inline const char* typeName(ULONG type) { return TypeName(type); }
 
 // One item per element (one in all when constant). Non-string single values are contiguous
 // in `flat`; arrays and strings are held per item. Outputs also record which items were
@@ -30,23 +34,26 @@ struct PortValues {
   bool array = false;
   bool constant = false;
   ULONG count = 0;
-  std::vector<std::byte> flat;                         // single, non-string: count × size
-  std::vector<std::vector<std::byte>> arrays;          // array, non-string
-  std::vector<std::wstring> strings;                   // single string
-  std::vector<std::vector<std::wstring>> stringArrays; // array of strings
-  std::vector<char> written;                           // outputs only
+  std::vector<std::byte> flat;                          // single, non-string: count × size
+  std::vector<std::vector<std::byte>> arrays;           // array, non-string
+  std::vector<std::wstring> strings;                    // single string
+  std::vector<std::vector<std::wstring>> stringArrays;  // array of strings
+  std::vector<char> written;                            // outputs only
 
-  bool isString() const { return type == XSI::siICENodeDataString; }
+  /// True when the port carries wide strings (held in `strings` or `stringArrays`).
+  bool IsString() const { return type == XSI::siICENodeDataString; }
   // Allocates `items` zero-valued items of the current type and structure.
-  void resize(ULONG items);
+  void Resize(ULONG items);
   // Number of entries of item `i`'s array (1 for single values).
-  ULONG arrayLength(ULONG i) const;
+  ULONG ArrayLength(ULONG i) const;
 
+  /// One single value per element, of the data type matching `T` (bool, LONG, float, the
+  /// XSI::MATH vector, matrix, colour, rotation and shape types).
   template <class T>
-  static PortValues singles(const std::vector<T>& values) {
+  static PortValues Singles(const std::vector<T>& values) {
     PortValues p;
     p.type = XSI::CDataTypeOf<T>::value;
-    p.resize(static_cast<ULONG>(values.size()));
+    p.Resize(static_cast<ULONG>(values.size()));
     // Value by value, so that std::vector<bool> (which has no data()) works too.
     for (std::size_t i = 0; i < values.size(); ++i) {
       const T value = values[i];
@@ -54,12 +61,13 @@ struct PortValues {
     }
     return p;
   }
+  /// One array per element, entries of the data type matching `T`.
   template <class T>
-  static PortValues arraysOf(const std::vector<std::vector<T>>& values) {
+  static PortValues ArraysOf(const std::vector<std::vector<T>>& values) {
     PortValues p;
     p.type = XSI::CDataTypeOf<T>::value;
     p.array = true;
-    p.resize(static_cast<ULONG>(values.size()));
+    p.Resize(static_cast<ULONG>(values.size()));
     for (std::size_t i = 0; i < values.size(); ++i) {
       p.arrays[i].resize(values[i].size() * sizeof(T));
       for (std::size_t k = 0; k < values[i].size(); ++k) {
@@ -69,28 +77,63 @@ struct PortValues {
     }
     return p;
   }
-  static PortValues strings1D(const std::vector<std::wstring>& values);
-  static PortValues strings2D(const std::vector<std::vector<std::wstring>>& values);
-  PortValues& asConstant() {
+  /// One string per element, or one string array per element.
+  static PortValues Strings1D(const std::vector<std::wstring>& values);
+  static PortValues Strings2D(const std::vector<std::vector<std::wstring>>& values);
+  /// Marks the data as one value shared by every element (an input's first item is read for
+  /// every index).
+  PortValues& AsConstant() {
     constant = true;
     return *this;
   }
 
+  /// Item `i` of single-valued, non-string data as `T` (the caller picks the matching type).
   template <class T>
-  T single(ULONG i) const {
+  T Single(ULONG i) const {
     T value;
     std::memcpy(&value, flat.data() + i * sizeof(T), sizeof(T));
     return value;
   }
+  /// The array of item `i` of array data, its entries as `T`.
   template <class T>
-  std::vector<T> arrayAt(ULONG i) const {
+  std::vector<T> ArrayAt(ULONG i) const {
     std::vector<T> values(arrays[i].size() / sizeof(T));
     if (!values.empty()) std::memcpy(values.data(), arrays[i].data(), values.size() * sizeof(T));
     return values;
   }
-  bool wasWritten(ULONG i) const { return i < written.size() && written[i] != 0; }
+  /// Whether the node wrote output item `i` (false beyond the count).
+  bool WasWritten(ULONG i) const { return i < written.size() && written[i] != 0; }
 
-  bool sameData(const PortValues& other) const;
+  /// Same type, structure, constancy, count and bytes; what is written is not compared.
+  bool SameData(const PortValues& other) const;
+
+  // Transitional spellings for the node and command tests, which move to the names above
+  // with their own relayout; remove once nothing uses them.
+  template <class T>
+  static PortValues singles(const std::vector<T>& values) {
+    return Singles(values);
+  }
+  template <class T>
+  static PortValues arraysOf(const std::vector<std::vector<T>>& values) {
+    return ArraysOf(values);
+  }
+  static PortValues strings1D(const std::vector<std::wstring>& values) { return Strings1D(values); }
+  static PortValues strings2D(const std::vector<std::vector<std::wstring>>& values) {
+    return Strings2D(values);
+  }
+  PortValues& asConstant() { return AsConstant(); }
+  void resize(ULONG items) { Resize(items); }
+  template <class T>
+  T single(ULONG i) const {
+    return Single<T>(i);
+  }
+  template <class T>
+  std::vector<T> arrayAt(ULONG i) const {
+    return ArrayAt<T>(i);
+  }
+  bool wasWritten(ULONG i) const { return WasWritten(i); }
+  bool isString() const { return IsString(); }
+  bool sameData(const PortValues& other) const { return SameData(other); }
 };
 
 }  // namespace xsihost

@@ -75,98 +75,98 @@ struct ParameterData {
   std::wstring text;
 };
 
-class SceneObject : public XSI::host_detail::Object {
+class SceneObject : public xsihost::Object {
  public:
-  std::wstring m_name;
-  std::wstring m_type;  // "polymsh", "crvlist", "null", "cube", "sphere", "bone", "#model", ...
-  std::weak_ptr<SceneObject> m_parent;
-  std::wstring m_fullName;  // set when the object joins a scene (objects never move)
-  std::vector<std::shared_ptr<SceneObject>> m_children;  // in file order
-  std::uint32_t m_id = 0;
+  std::wstring name_;
+  std::wstring type_;  // "polymsh", "crvlist", "null", "cube", "sphere", "bone", "#model", ...
+  std::weak_ptr<SceneObject> parent_;
+  std::wstring fullName_;  // set when the object joins a scene (objects never move)
+  std::vector<std::shared_ptr<SceneObject>> children_;  // in file order
+  std::uint32_t id_ = 0;
 
-  // Local transform: scaling, rotation (degrees, in m_rotationOrder) and translation, or a
-  // fixed matrix when m_matrix is set.
-  Channel<XSI::MATH::CVector3> m_scaling{XSI::MATH::CVector3(1, 1, 1), {}};
-  Channel<XSI::MATH::CVector3> m_rotation;
-  Channel<XSI::MATH::CVector3> m_translation;
-  XSI::siRotationOrder m_rotationOrder = XSI::siXYZ;
-  std::optional<XSI::MATH::CMatrix4> m_matrix;
+  // Local transform: scaling, rotation (degrees, in rotationOrder_) and translation, or a
+  // fixed matrix when matrix_ is set.
+  Channel<XSI::MATH::CVector3> scaling_{XSI::MATH::CVector3(1, 1, 1), {}};
+  Channel<XSI::MATH::CVector3> rotation_;
+  Channel<XSI::MATH::CVector3> translation_;
+  XSI::siRotationOrder rotationOrder_ = XSI::siXYZ;
+  std::optional<XSI::MATH::CMatrix4> matrix_;
 
-  Channel<bool> m_visible{true, {}};
-  std::map<std::wstring, ParameterData> m_parameters;
+  Channel<bool> visible_{true, {}};
+  std::map<std::wstring, ParameterData> parameters_;
 
-  std::shared_ptr<const MeshData> m_mesh;
-  std::shared_ptr<const MeshDerived> m_meshDerived;
-  std::vector<std::shared_ptr<const NurbsCurveEvaluator>> m_curves;
+  std::shared_ptr<const MeshData> mesh_;
+  std::shared_ptr<const MeshDerived> meshDerived_;
+  std::vector<std::shared_ptr<const NurbsCurveEvaluator>> curves_;
 
   /// The enclosing scene's current frame; read when a query passes no time.
-  std::shared_ptr<const double> m_currentFrame;
+  std::shared_ptr<const double> currentFrame_;
 
   XSI::MATH::CTransformation localAt(double time) const;
   /// local × parent's global, walking up the hierarchy.
   XSI::MATH::CTransformation globalAt(double time) const;
-  bool isModel() const { return m_type == L"#model"; }
+  bool isModel() const { return type_ == L"#model"; }
   /// A time of the SDK's calls: values above 1e100 (the largest double) mean the current frame.
   double resolveTime(double time) const;
 
-  std::wstring name() const override { return m_name; }
+  std::wstring name() const override { return name_; }
   /// "Model.name" for objects inside a model other than the scene root, else the name.
-  std::wstring fullName() const override { return m_fullName.empty() ? m_name : m_fullName; }
-  std::wstring typeName() const override { return m_type; }
-  std::shared_ptr<XSI::host_detail::Object> parent() const override { return m_parent.lock(); }
-  std::uint32_t objectID() const override { return m_id; }
+  std::wstring fullName() const override { return fullName_.empty() ? name_ : fullName_; }
+  std::wstring typeName() const override { return type_; }
+  std::shared_ptr<xsihost::Object> parent() const override { return parent_.lock(); }
+  std::uint32_t objectID() const override { return id_; }
   bool parameterValue(const std::wstring& name, XSI::CValue& out) const override;
 };
 
 /// Views handed out through CRef: they keep their object alive.
-class PrimitiveObject : public XSI::host_detail::Object {
+class PrimitiveObject : public xsihost::Object {
  public:
-  explicit PrimitiveObject(std::shared_ptr<const SceneObject> owner) : m_owner(std::move(owner)) {}
-  std::wstring name() const override { return m_owner->m_type; }
-  std::wstring fullName() const override { return m_owner->fullName() + L"." + m_owner->m_type; }
-  std::wstring typeName() const override { return m_owner->m_type; }
-  std::shared_ptr<XSI::host_detail::Object> parent() const override;
+  explicit PrimitiveObject(std::shared_ptr<const SceneObject> owner) : owner_(std::move(owner)) {}
+  std::wstring name() const override { return owner_->type_; }
+  std::wstring fullName() const override { return owner_->fullName() + L"." + owner_->type_; }
+  std::wstring typeName() const override { return owner_->type_; }
+  std::shared_ptr<xsihost::Object> parent() const override;
   bool parameterValue(const std::wstring& name, XSI::CValue& out) const override;
   /// Value of the primitive parameter `name` at `time`; false when there is none.
   bool parameterAt(const std::wstring& name, double time, XSI::CValue& out) const;
-  std::shared_ptr<const SceneObject> m_owner;
+  std::shared_ptr<const SceneObject> owner_;
 };
 
-class GeometryObject : public XSI::host_detail::Object {
+class GeometryObject : public xsihost::Object {
  public:
-  explicit GeometryObject(std::shared_ptr<const SceneObject> owner) : m_owner(std::move(owner)) {}
+  explicit GeometryObject(std::shared_ptr<const SceneObject> owner) : owner_(std::move(owner)) {}
   std::wstring name() const override { return L"Geometry"; }
-  std::wstring fullName() const override { return m_owner->fullName() + L".geometry"; }
+  std::wstring fullName() const override { return owner_->fullName() + L".geometry"; }
   std::wstring typeName() const override;
-  std::shared_ptr<XSI::host_detail::Object> parent() const override;
-  std::shared_ptr<const SceneObject> m_owner;
+  std::shared_ptr<xsihost::Object> parent() const override;
+  std::shared_ptr<const SceneObject> owner_;
 };
 
-class CurveObject : public XSI::host_detail::Object {
+class CurveObject : public xsihost::Object {
  public:
   CurveObject(std::shared_ptr<const SceneObject> owner, std::size_t index)
-      : m_owner(std::move(owner)), m_index(index) {}
+      : owner_(std::move(owner)), index_(index) {}
   std::wstring name() const override { return L"NurbsCurve"; }
   std::wstring typeName() const override { return L"NurbsCurve"; }
-  const NurbsCurveEvaluator& curve() const { return *m_owner->m_curves[m_index]; }
-  std::shared_ptr<const SceneObject> m_owner;
-  std::size_t m_index;
+  const NurbsCurveEvaluator& curve() const { return *owner_->curves_[index_]; }
+  std::shared_ptr<const SceneObject> owner_;
+  std::size_t index_;
 };
 
 /// "Visibility" (parameter "viewvis") and "Kinematics" with its global and local states.
-class PropertyObject : public XSI::host_detail::Object {
+class PropertyObject : public xsihost::Object {
  public:
   enum class Kind { Visibility, Kinematics, GlobalState, LocalState };
   PropertyObject(std::shared_ptr<const SceneObject> owner, Kind kind)
-      : m_owner(std::move(owner)), m_kind(kind) {}
+      : owner_(std::move(owner)), kind_(kind) {}
   std::wstring name() const override;
-  std::wstring fullName() const override { return m_owner->fullName() + L"." + name(); }
+  std::wstring fullName() const override { return owner_->fullName() + L"." + name(); }
   std::wstring typeName() const override;
-  std::shared_ptr<XSI::host_detail::Object> parent() const override;
+  std::shared_ptr<xsihost::Object> parent() const override;
   bool parameterValue(const std::wstring& name, XSI::CValue& out) const override;
   bool parameterAt(const std::wstring& name, double time, XSI::CValue& out) const;
-  std::shared_ptr<const SceneObject> m_owner;
-  Kind m_kind;
+  std::shared_ptr<const SceneObject> owner_;
+  Kind kind_;
 };
 
 /// A loaded scene. The root is the model "Scene_Root"; objects are kept in file order.
@@ -178,31 +178,33 @@ class Scene {
   ~Scene();
   Scene(const Scene&) = delete;
   Scene& operator=(const Scene&) = delete;
-  std::shared_ptr<SceneObject> root() const { return m_root; }
-  const std::vector<std::shared_ptr<SceneObject>>& objects() const { return m_objects; }
+  std::shared_ptr<SceneObject> root() const { return root_; }
+  const std::vector<std::shared_ptr<SceneObject>>& objects() const { return objects_; }
   /// The object whose full name is `fullName` ("Scene_Root" for the root), or null.
   std::shared_ptr<SceneObject> find(const std::wstring& fullName) const;
-  double currentFrame() const { return *m_currentFrame; }
-  void setCurrentFrame(double frame) { *m_currentFrame = frame; }
+  double currentFrame() const { return *currentFrame_; }
+  void setCurrentFrame(double frame) { *currentFrame_ = frame; }
   /// Adds `object` under `parent` (the root when null), gives it the next object ID and the
   /// scene's frame. The caller has checked that its full name is free.
   void add(const std::shared_ptr<SceneObject>& object, const std::shared_ptr<SceneObject>& parent);
-  const std::string& path() const { return m_path; }
-  void setPath(std::string path) { m_path = std::move(path); }
+  const std::string& path() const { return path_; }
+  void setPath(std::string path) { path_ = std::move(path); }
 
  private:
-  std::shared_ptr<SceneObject> m_root;
-  std::vector<std::shared_ptr<SceneObject>> m_objects;
-  std::map<std::wstring, std::shared_ptr<SceneObject>> m_byFullName;
-  std::shared_ptr<double> m_currentFrame;
-  std::string m_path;
-  std::uint32_t m_nextID = 1000;
+  std::shared_ptr<SceneObject> root_;
+  std::vector<std::shared_ptr<SceneObject>> objects_;
+  std::map<std::wstring, std::shared_ptr<SceneObject>> byFullName_;
+  std::shared_ptr<double> currentFrame_;
+  std::string path_;
+  std::uint32_t nextID_ = 1000;
 };
 
 /// The scene the SDK's calls see (an empty scene until one is loaded), and the selection.
-Scene& activeScene();
-std::shared_ptr<Scene> activeSceneHandle();
-void setActiveScene(std::shared_ptr<Scene> scene);  // clears the selection
-std::vector<XSI::CRef>& selection();
+Scene& ActiveScene();
+std::shared_ptr<Scene> ActiveSceneHandle();
+void SetActiveScene(std::shared_ptr<Scene> scene);  // clears the selection
+// Transitional spelling for the node and command tests (see PortValues).
+inline void setActiveScene(std::shared_ptr<Scene> scene) { SetActiveScene(std::move(scene)); }
+std::vector<XSI::CRef>& Selection();
 
 }  // namespace xsihost

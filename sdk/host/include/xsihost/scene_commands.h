@@ -16,44 +16,46 @@ namespace xsihost {
 class LoadedPlugin;
 
 /// A command's definition (what Init put into it) and its per-command user data.
-class CommandObject : public XSI::host_detail::Object {
+class CommandObject : public xsihost::Object {
  public:
   struct Argument {
     std::wstring name;
     XSI::CValue value;  // the default, or the value of the running call
   };
 
-  std::wstring m_name;
+  std::wstring name_;
+  // Description, flags and arguments keep their old spelling until the command tests, which
+  // read them, are renamed with them.
   std::wstring m_description;
   XSI::LONG m_flags = 0;
-  bool m_returnValue = true;
+  bool returnValue_ = true;
   std::vector<Argument> m_arguments;
-  XSI::CValue m_userData;
-  const LoadedPlugin* m_plugin = nullptr;  // null for the host's own commands
-  std::function<XSI::CStatus(const XSI::CValueArray&, XSI::CValue&)> m_native;
+  XSI::CValue userData_;
+  const LoadedPlugin* plugin_ = nullptr;  // null for the host's own commands
+  std::function<XSI::CStatus(const XSI::CValueArray&, XSI::CValue&)> native_;
 
-  std::wstring name() const override { return m_name; }
+  std::wstring name() const override { return name_; }
   std::wstring typeName() const override { return L"Command"; }
 };
 
 /// One argument of a command, as Argument objects refer to it.
-class ArgumentObject : public XSI::host_detail::Object {
+class ArgumentObject : public xsihost::Object {
  public:
   ArgumentObject(std::shared_ptr<CommandObject> command, std::size_t index)
-      : m_command(std::move(command)), m_index(index) {}
-  std::wstring name() const override { return m_command->m_arguments[m_index].name; }
+      : command_(std::move(command)), index_(index) {}
+  std::wstring name() const override { return command_->m_arguments[index_].name; }
   std::wstring typeName() const override { return L"Argument"; }
-  std::shared_ptr<CommandObject> m_command;
-  std::size_t m_index;
+  std::shared_ptr<CommandObject> command_;
+  std::size_t index_;
 };
 
 /// A loaded plug-in as Application::GetPlugins lists it.
-class PluginObject : public XSI::host_detail::Object {
+class PluginObject : public xsihost::Object {
  public:
-  std::wstring m_name;
-  std::string m_path;  // the plug-in's file
-  const LoadedPlugin* m_plugin = nullptr;
-  std::wstring name() const override { return m_name; }
+  std::wstring name_;
+  std::string path_;  // the plug-in's file
+  const LoadedPlugin* plugin_ = nullptr;
+  std::wstring name() const override { return name_; }
   std::wstring typeName() const override { return L"Plugin"; }
 };
 

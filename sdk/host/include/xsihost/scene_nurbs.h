@@ -41,10 +41,10 @@ class NurbsCurveEvaluator {
  public:
   explicit NurbsCurveEvaluator(NurbsCurveData curve);
 
-  const NurbsCurveData& data() const { return m_curve; }
-  double minParameter() const { return m_min; }
-  double maxParameter() const { return m_max; }
-  double length() const { return m_cumulative.empty() ? 0.0 : m_cumulative.back(); }
+  const NurbsCurveData& data() const { return curve_; }
+  double minParameter() const { return min_; }
+  double maxParameter() const { return max_; }
+  double length() const { return cumulative_.empty() ? 0.0 : cumulative_.back(); }
 
   /// Sample at the curve parameter `u`, clamped to the parameter range.
   CurveSample evaluate(double u) const;
@@ -64,12 +64,12 @@ class NurbsCurveEvaluator {
   double spanLength(double a, double b) const;
   double speed(double u) const;
 
-  NurbsCurveData m_curve;
-  double m_min = 0.0;
-  double m_max = 0.0;
-  double m_tolerance = 0.0;          // absolute tolerance of the length integrals
-  std::vector<double> m_spanStarts;  // start parameter of each non-empty knot span, and the end
-  std::vector<double> m_cumulative;  // arc length from the start to each entry of m_spanStarts
+  NurbsCurveData curve_;
+  double min_ = 0.0;
+  double max_ = 0.0;
+  double tolerance_ = 0.0;          // absolute tolerance of the length integrals
+  std::vector<double> spanStarts_;  // start parameter of each non-empty knot span, and the end
+  std::vector<double> cumulative_;  // arc length from the start to each entry of spanStarts_
 };
 
 }  // namespace xsihost

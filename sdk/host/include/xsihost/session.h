@@ -16,28 +16,30 @@ struct LogLine {
 // The host's message log. Lines are appended from any thread; readers take them in order.
 class Log {
  public:
-  void add(int severity, std::wstring text);
+  void Add(int severity, std::wstring text);
   // Returns the lines logged since the last take and forgets them.
-  std::vector<LogLine> take();
-  std::vector<LogLine> lines() const;
-  void clear();
+  std::vector<LogLine> Take();
+  std::vector<LogLine> Lines() const;
+  void Clear();
   // Echo every line to stderr as it is logged (for interactive use).
-  void setEcho(bool echo);
+  void SetEcho(bool echo);
 
  private:
-  mutable std::mutex m_mutex;
-  std::vector<LogLine> m_lines;
-  bool m_echo = false;
+  mutable std::mutex mutex_;
+  std::vector<LogLine> lines_;
+  bool echo_ = false;
 };
 
-Log& hostLog();
+Log& HostLog();
 
 // Whether Application::IsInteractive reports an interactive session (default false).
-void setInteractive(bool interactive);
-bool isInteractive();
+void SetInteractive(bool interactive);
+bool IsInteractive();
 
 // Failed CStatus::AssertSucceeded calls since start-up (each is also logged at severity 2).
-unsigned failedAssertions();
-void countFailedAssertion();
+unsigned FailedAssertions();
+// Transitional spelling for the registration tests (see PortValues).
+inline unsigned failedAssertions() { return FailedAssertions(); }
+void CountFailedAssertion();
 
 }  // namespace xsihost

@@ -13,10 +13,19 @@
 
 namespace XSI::host_detail {
 
+// Resolved view of one input for an evaluation (the request's data or the port's default).
+struct ResolvedInput {
+  const xsihost::PortValues* values = nullptr;
+  ULONG type = 0;
+  ULONG structure = 1;
+  ULONG context = 1;
+  bool failsInfo = false;
+};
+
 struct EvalFrame {
   xsihost::NodeInstance* instance = nullptr;
-  const std::map<std::pair<ULONG, ULONG>, xsihost::ResolvedInput>* inputs = nullptr;
-  const std::map<ULONG, xsihost::ResolvedInput>* outputs = nullptr;  // resolved output info
+  const std::map<std::pair<ULONG, ULONG>, ResolvedInput>* inputs = nullptr;
+  const std::map<ULONG, ResolvedInput>* outputs = nullptr;  // resolved output info
   xsihost::PortValues* output = nullptr;  // buffer of the evaluated port; null in Begin/End
   ULONG outputPort = 0;
   const std::vector<ULONG>* indices = nullptr;
@@ -25,7 +34,7 @@ struct EvalFrame {
   double time = 1.0;
   std::vector<std::unique_ptr<xsihost::PortValues>> copies;  // private input copies
 
-  const xsihost::ResolvedInput* findInput(ULONG port, ULONG instance) const;
+  const ResolvedInput* FindInput(ULONG port, ULONG instance) const;
 };
 
 }  // namespace XSI::host_detail
