@@ -169,7 +169,8 @@ TEST_F(ResultOutput, AnUnwritableDirectoryIsReported) {
 
 // The path's vertices carry the path colour where the figure's own layout projects them.
 TEST_F(ResultOutput, PathPictureShowsThePathOverTheMesh) {
-  options_ = {.pngDir = dir_ / "png"};
+  options_.outDir.clear();
+  options_.pngDir = dir_ / "png";
   std::vector<Vec3f> positions;
   json positionsJson = json::array();
   for (int j = 0; j < 3; ++j) {
