@@ -49,7 +49,10 @@ installed_quillix() {
   local plugin_option=(--plugin "$root/lib/quillix/libQuillix.so")
   hidden "$root/bin/quillix" "${plugin_option[@]}" "$@"
 }
-lists_plugin() { installed_quillix "$1" list | grep -q '^Nodes (29):'; }
+# Whether the installed host under $1 lists every node (read whole: no early close of the pipe).
+lists_plugin() {
+  installed_quillix "$1" list >"$scratch/list.txt" && grep -q '^Nodes (29):' "$scratch/list.txt"
+}
 
 no_build_run_paths() {
   local file
