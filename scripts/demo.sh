@@ -15,8 +15,8 @@ summarise() { "$python" scripts/summarise_results.py "$@"; }
 brief() {
   local text count
   text=$(cat)
-  count=$(printf '%s\n' "$text" | wc -l)
-  printf '%s\n' "$text" | head -n "$1" | cut -c1-110
+  count=$(wc -l <<<"$text")
+  head -n "$1" <<<"$text" | cut -c1-110
   ((count <= $1)) || echo "  ... $((count - $1)) more lines (QUILLIX_DEMO_FULL=1 shows them)"
 }
 

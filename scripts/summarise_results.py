@@ -14,7 +14,7 @@ import textwrap
 
 WIDTH = 110
 SHOWN_ELEMENTS = 6
-SEVERITIES = {2: "error", 4: "warning"}
+SEVERITIES = (2, 4)  # errors and warnings
 
 
 def is_number(value):
@@ -71,7 +71,7 @@ def output(entry):
 def summarise_eval(document):
     for index, result in enumerate(document.get("results", [])):
         line = f"  r{index} {result.get('node', '?')} " + " | ".join(output(o) for o in result.get("outputs", []))
-        notable = [text for severity, text in result.get("log", []) if severity in SEVERITIES]
+        notable = [" ".join(text.split()) for severity, text in result.get("log", []) if severity in SEVERITIES]
         if notable:
             line += f"  [{len(notable)} logged: {notable[0]}]"
         print(line if len(line) <= WIDTH else line[: WIDTH - 3] + "...")
