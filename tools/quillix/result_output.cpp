@@ -289,11 +289,12 @@ std::vector<ShapePair> ShapePairs(const ElementSource& source) {
 }
 
 // One OBJ with both shapes of every pair (named A and B, or A0, B0, A1, ... for several pairs)
-// and one figure with a panel per pair. `addShape` adds one shape to the OBJ; `pairFigure`
-// draws one pair from its result, or gives nothing when the result is unreadable.
-template <class AddShape, class PairFigure>
+// and one figure with a panel per pair. `addShape` adds one shape to the OBJ; `readResult`
+// reads a pair's result, which `pairFigure` (a figures.h builder) draws with the pair. An
+// unreadable result gives nothing for the element.
+template <class AddShape, class ReadResult, class PairFigure>
 std::optional<ElementOutput> PairsOutput(const ElementSource& source, AddShape addShape,
-                                         PairFigure pairFigure) {
+                                         ReadResult readResult, PairFigure pairFigure) {
   const std::vector<ShapePair> pairs = ShapePairs(source);
   if (pairs.empty()) return std::nullopt;
   ElementOutput output{"obj", {}, {}};
@@ -302,11 +303,12 @@ std::optional<ElementOutput> PairsOutput(const ElementSource& source, AddShape a
     const std::string suffix = pairs.size() == 1 ? "" : std::to_string(k);
     const std::string title =
         pairs.size() == 1 ? source.title : source.title + ", pair " + std::to_string(k);
-    std::optional<Figure> figure = pairFigure(pairs[k], title);
-    if (!figure) return std::nullopt;
+    const auto result = readResult(*pairs[k].result);
+    if (!result) return std::nullopt;
+    Figure figure = pairFigure(pairs[k].a, pairs[k].b, *result, title);
     addShape(obj, "A" + suffix, pairs[k].a);
     addShape(obj, "B" + suffix, pairs[k].b);
-    for (Panel& panel : figure->panels) output.figure.panels.push_back(std::move(panel));
+    for (Panel& panel : figure.panels) output.figure.panels.push_back(std::move(panel));
   }
   output.fileText = obj.Text();
   return output;
@@ -333,31 +335,23 @@ void AddEllipsoidShape(ObjText& obj, const std::string& name, const Mat4f& m) {
   }
 }
 
+// The box node's integer result: 1 for intersecting boxes, 0 for separate ones.
+std::optional<bool> ReadIntersect(const json& j) {
+  const std::optional<std::int32_t> value = ReadInt(j);
+  if (!value) return std::nullopt;
+  return *value != 0;
+}
+
 std::optional<ElementOutput> BoxPairsOutput(const ElementSource& source) {
-  return PairsOutput(source, AddBoxShape,
-                     [](const ShapePair& pair, const std::string& title) -> std::optional<Figure> {
-                       const std::optional<std::int32_t> intersect = ReadInt(*pair.result);
-                       if (!intersect) return std::nullopt;
-                       return BoxPairFigure(pair.a, pair.b, *intersect != 0, title);
-                     });
+  return PairsOutput(source, AddBoxShape, ReadIntersect, BoxPairFigure);
 }
 
 std::optional<ElementOutput> MovingBoxPairsOutput(const ElementSource& source) {
-  return PairsOutput(source, AddBoxShape,
-                     [](const ShapePair& pair, const std::string& title) -> std::optional<Figure> {
-                       const std::optional<float> time = ReadFloat(*pair.result);
-                       if (!time) return std::nullopt;
-                       return MovingBoxPairFigure(pair.a, pair.b, *time, title);
-                     });
+  return PairsOutput(source, AddBoxShape, ReadFloat, MovingBoxPairFigure);
 }
 
 std::optional<ElementOutput> EllipsoidPairsOutput(const ElementSource& source) {
-  return PairsOutput(source, AddEllipsoidShape,
-                     [](const ShapePair& pair, const std::string& title) -> std::optional<Figure> {
-                       const std::optional<float> gap = ReadFloat(*pair.result);
-                       if (!gap) return std::nullopt;
-                       return EllipsoidPairFigure(pair.a, pair.b, *gap, title);
-                     });
+  return PairsOutput(source, AddEllipsoidShape, ReadFloat, EllipsoidPairFigure);
 }
 
 // ---- Which results are geometric ----
