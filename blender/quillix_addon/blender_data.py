@@ -78,7 +78,8 @@ def _copy_spline(curve, spline):
             point.handle_left_type, point.handle_right_type = "FREE", "FREE"
             for key in ("co", "handle_left", "handle_right", "radius", "tilt"):
                 setattr(point, key, getattr(old, key))
-            point.handle_left_type, point.handle_right_type = old.handle_left_type, old.handle_right_type
+            point.handle_left_type = old.handle_left_type
+            point.handle_right_type = old.handle_right_type
     else:
         _points_of(new.points, len(spline.points))
         for key, size in (("co", 4), ("radius", 1), ("tilt", 1), ("weight_softbody", 1)):
@@ -99,7 +100,8 @@ def _spline_from_points(curve, spline, points):
         for key in ("co", "handle_left", "handle_right"):
             new.bezier_points.foreach_set(key, flat)
         for point in new.bezier_points:
-            point.handle_left_type, point.handle_right_type = first.handle_left_type, first.handle_right_type
+            point.handle_left_type = first.handle_left_type
+            point.handle_right_type = first.handle_right_type
     else:
         _points_of(new.points, len(points))
         co = np.ones((len(points), 4), dtype=np.float32)

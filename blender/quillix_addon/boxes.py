@@ -110,7 +110,9 @@ class OBJECT_OT_quillix_box_contacts(bpy.types.Operator):
             touching = (times >= 0.0) & (times <= 1.0)
         else:
             boxes = np.stack([box_matrix(obj) for obj in objects])
-            touching = np.atleast_1d(quillix.boxes_intersect(boxes[pairs[:, 0]], boxes[pairs[:, 1]], mode))
+            touching = np.atleast_1d(
+                quillix.boxes_intersect(boxes[pairs[:, 0]], boxes[pairs[:, 1]], mode)
+            )
 
         touched = set(pairs[touching].ravel().tolist())
         for index, obj in enumerate(objects):

@@ -43,6 +43,11 @@ def _transform(points, rows):
     return out + rows[3, :3] if len(rows) > 3 else out
 
 
+def _lengths(v):
+    """Row lengths of (N, 3) vectors, squares added x, y, z in turn."""
+    return np.sqrt(v[:, 0] * v[:, 0] + v[:, 1] * v[:, 1] + v[:, 2] * v[:, 2])
+
+
 def _area(corners):
     a, b, c = corners[0::3], corners[1::3], corners[2::3]
     u, v = b - a, c - a
@@ -54,7 +59,7 @@ def _area(corners):
         ),
         axis=1,
     )
-    length = np.sqrt(cross[:, 0] * cross[:, 0] + cross[:, 1] * cross[:, 1] + cross[:, 2] * cross[:, 2])
+    length = _lengths(cross)
     return float(_ordered_sum(0.5 * length)) if len(length) else 0.0
 
 
@@ -98,8 +103,8 @@ def object_features(quillix, obj, depsgraph):
     if len(positions):
         low, high = positions.min(axis=0), positions.max(axis=0)
         features.box_extent = high - low
-        d = positions - 0.5 * (low + high)
-        features.sphere_radius = float(np.sqrt(d[:, 0] * d[:, 0] + d[:, 1] * d[:, 1] + d[:, 2] * d[:, 2]).max())
+        # The bounding sphere is centred on the bounding box.
+        features.sphere_radius = float(_lengths(positions - 0.5 * (low + high)).max())
     corners = positions[triangles]
     normals = normals.reshape(-1, 3).astype(np.float64)
     features.local_surface_area = _area(corners)
@@ -112,7 +117,9 @@ def object_features(quillix, obj, depsgraph):
 
 def _weight_annotations():
     return {
-        "weight_" + key: bpy.props.FloatProperty(name=label, default=default, min=0.0, soft_max=10.0)
+        "weight_" + key: bpy.props.FloatProperty(
+            name=label, default=default, min=0.0, soft_max=10.0
+        )
         for key, label, default in WEIGHTS
     }
 
@@ -203,7 +210,9 @@ class OBJECT_OT_quillix_select_similar(bpy.types.Operator):
             f"{obj.name} {percent:.2f}%"
             for obj, percent in zip(ranked[: self.count], ranking["percentages"])
         )
-        self.report({"INFO"}, f"Quillix matches for \"{active.name}\": {best} (all in \"{TEXT_NAME}\")")
+        self.report(
+            {"INFO"}, f"Quillix matches for \"{active.name}\": {best} (all in \"{TEXT_NAME}\")"
+        )
         return {"FINISHED"}
 
 

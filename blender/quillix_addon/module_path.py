@@ -95,7 +95,7 @@ def load():
                 _module = _try_folder(added, errors)
                 if _module is not None:
                     return _module, ""
-    tried = "; ".join(errors) if errors else "no quillix package in " + ", ".join(candidate_folders())
+    tried = "; ".join(errors) or "no quillix package in " + ", ".join(candidate_folders())
     return None, (
         "Cannot import the quillix module (" + tried + "). Build it (cmake --build --preset "
         "release --target _quillix), install it (cmake --install), or set the add-on's "

@@ -140,7 +140,9 @@ class MESH_OT_quillix_shortest_path(bpy.types.Operator):
             self.report({"WARNING"}, f"The mesh cannot be searched: {error}")
             return {"CANCELLED"}
         if not search.consistent:
-            self.report({"WARNING"}, "The mesh has polygons with repeated corners; merge them first")
+            self.report(
+                {"WARNING"}, "The mesh has polygons with repeated corners; merge them first"
+            )
             return {"CANCELLED"}
         loose = [i for i in picked if search.to_search[i] < 0]
         if loose:

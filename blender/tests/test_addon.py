@@ -71,11 +71,11 @@ def add_object(name, data, location=(0.0, 0.0, 0.0)):
 def grid_mesh(columns, rows):
     """A grid of quads preceded by one loose vertex, so that Blender's numbering and the
     search's (which drops the loose vertex) differ by one."""
-    positions = [(-1.0, -1.0, 0.0)] + [(float(x), float(y), 0.0) for y in range(rows) for x in range(columns)]
+    grid = [(float(x), float(y), 0.0) for y in range(rows) for x in range(columns)]
+    positions = [(-1.0, -1.0, 0.0)] + grid
     faces = [
-        (1 + y * columns + x, 1 + y * columns + x + 1, 1 + (y + 1) * columns + x + 1, 1 + (y + 1) * columns + x)
-        for y in range(rows - 1)
-        for x in range(columns - 1)
+        (v, v + 1, v + columns + 1, v + columns)
+        for v in (1 + y * columns + x for y in range(rows - 1) for x in range(columns - 1))
     ]
     mesh = bpy.data.meshes.new("Grid")
     mesh.from_pydata(positions, [], faces)
@@ -186,7 +186,9 @@ def curve_operators_write_what_the_polyline_functions_give():
     empty_scene()
     poly, bezier = wiggle(40, 0.3), wiggle(25, 1.0, 0.5)
     nurbs = [(0, 0, 0), (1, 2, 0), (2, 0, 0), (3, 2, 0)]
-    obj = curve_object("Wiggle", [("POLY", poly, False), ("NURBS", nurbs, False), ("BEZIER", bezier, True)])
+    obj = curve_object(
+        "Wiggle", [("POLY", poly, False), ("NURBS", nurbs, False), ("BEZIER", bezier, True)]
+    )
 
     result, reports = run(bpy.ops.object.quillix_simplify, epsilon=0.25)
     assert result == {"FINISHED"}, reports
@@ -198,15 +200,22 @@ def curve_operators_write_what_the_polyline_functions_give():
     assert "NURBS splines left" in reports
 
     original = [points_of(s) for s in splines]
-    for properties, spacing in (({"count": 12}, {"count": 12}), ({"mode": "DENSITY", "density": 2.5}, {"density": 2.5})):
+    for properties, spacing in (
+        ({"count": 12}, {"count": 12}),
+        ({"mode": "DENSITY", "density": 2.5}, {"density": 2.5}),
+    ):
         bpy.context.view_layer.objects.active = obj
-        result, _ = run(bpy.ops.object.quillix_resample, new_object=True, smooth_strength=0.5, **properties)
+        result, _ = run(
+            bpy.ops.object.quillix_resample, new_object=True, smooth_strength=0.5, **properties
+        )
         copy = bpy.context.active_object
-        assert result == {"FINISHED"} and copy is not obj and copy.name.startswith("Wiggle Resampled")
-        for before, spline in zip((original[0], original[2]), (copy.data.splines[0], copy.data.splines[2])):
+        assert result == {"FINISHED"} and copy is not obj
+        assert copy.name.startswith("Wiggle Resampled")
+        for index in (0, 2):
+            before, spline = original[index], copy.data.splines[index]
             expected = quillix.resample_polyline(before, **spacing, smooth_strength=0.5)
             assert np.array_equal(points_of(spline), expected), (properties, spline.type)
-        assert all(np.array_equal(points_of(s), o) for s, o in zip(obj.data.splines, original) if o is not None)
+            assert np.array_equal(points_of(obj.data.splines[index]), before), "original kept"
 
 
 @test
@@ -229,7 +238,8 @@ def curve_operators_refuse_bad_situations():
 
 
 def sphere_objects():
-    return sorted((o for o in bpy.data.objects if "quillix_corner" in o.keys()), key=lambda o: o.name)
+    spheres = [o for o in bpy.data.objects if "quillix_corner" in o.keys()]
+    return sorted(spheres, key=lambda o: o.name)
 
 
 @test
@@ -251,9 +261,11 @@ def spheres_sit_where_the_distribution_puts_them():
     assert result == {"FINISHED"}, reports
     bpy.context.view_layer.update()
     records = np.concatenate([
-        quillix.spheres_along_spline(points_of(s), up_vectors=np.tile((0, 0, 1), (len(points_of(s)), 1)),
-                                     radii=[0.3, 0.5, 0.4], corner_threshold=0.5, corner_scale=1.5,
-                                     alignment=2, distribution=1, random_seed=7)
+        quillix.spheres_along_spline(
+            points_of(s), up_vectors=np.tile((0, 0, 1), (len(points_of(s)), 1)),
+            radii=[0.3, 0.5, 0.4], corner_threshold=0.5, corner_scale=1.5, alignment=2,
+            distribution=1, random_seed=7,
+        )
         for s in curve.data.splines
     ])
     spheres = sphere_objects()
@@ -295,6 +307,39 @@ def box_features(name, size, location):
     for parts in (f.local_transform, f.global_transform):
         parts.translation = location
     return f
+
+
+@test
+def matching_features_of_a_turned_open_box():
+    """An open box (no top face), off its origin, turned, scaled and moved: every feature
+    worked out by hand."""
+    empty_scene()
+    (a, b, c), offset, scale, location = (2.0, 1.0, 3.0), np.array([0.5, -1.0, 0.25]), 2.0, (1, 2, 3)
+    obj = box("Open", (a, b, c), location, (0, 0, np.pi / 2), offset)
+    obj.scale = (scale,) * 3
+    bm = bmesh.new()
+    bm.from_mesh(obj.data)
+    bmesh.ops.delete(bm, geom=[f for f in bm.faces if f.normal.z > 0.5], context="FACES_ONLY")
+    bm.to_mesh(obj.data)
+    bm.free()
+    bpy.context.view_layer.update()
+    f = quillix_addon.matching.object_features(quillix, obj, bpy.context.evaluated_depsgraph_get())
+
+    turn = np.array([[0.0, -1.0, 0.0], [1.0, 0.0, 0.0], [0.0, 0.0, 1.0]])  # column vectors
+    # Five faces of six triangle corners each: the bottom's pulls the averages down.
+    centre, normal = offset + (0, 0, -c / 10), np.array([0.0, 0.0, -0.2])
+    area = a * b + 2 * b * c + 2 * c * a
+    assert (f.point_count, f.triangle_count) == (8, 10)
+    assert np.allclose(f.box_extent, (a, b, c))
+    assert np.isclose(f.sphere_radius, np.linalg.norm((a / 2, b / 2, c / 2)))
+    assert np.isclose(f.local_surface_area, area)
+    assert np.isclose(f.global_surface_area, scale * scale * area)
+    assert np.allclose(f.global_vertex_center, location + scale * turn @ centre)
+    assert np.allclose(f.local_normal_average, normal)
+    assert np.allclose(f.global_normal_average, scale * turn @ normal)
+    for parts in (f.local_transform, f.global_transform):
+        assert np.allclose(parts.translation, location) and np.allclose(parts.scaling, scale)
+        assert np.allclose(parts.rotation, turn.T, atol=1e-6), "rows are the turned axes"
 
 
 @test
@@ -354,9 +399,13 @@ def row_box(size, location, rotation_z=0.0, offset=(0, 0, 0)):
 @test
 def box_contacts_select_the_pairs_the_box_tests_find():
     empty_scene()
-    specs = {"A": ((2, 2, 2), (0, 0, 0), 0.0, (0, 0, 0)), "Touch": ((2, 2, 2), (2, 0, 0), 0.0, (0, 0, 0)),
-             "Turned": ((2, 2, 2), (-1.75, 1.75, 0), np.pi / 4, (0, 0, 0)),
-             "Shifted": ((1, 3, 1), (0, -3.5, 0), 0.3, (0.5, 0.25, 0)), "Far": ((1, 1, 1), (20, 0, 0), 0.0, (0, 0, 0))}
+    specs = {  # size, location, rotation about Z, centre of the mesh
+        "A": ((2, 2, 2), (0, 0, 0), 0.0, (0, 0, 0)),
+        "Touch": ((2, 2, 2), (2, 0, 0), 0.0, (0, 0, 0)),
+        "Turned": ((2, 2, 2), (-1.75, 1.75, 0), np.pi / 4, (0, 0, 0)),
+        "Shifted": ((1, 3, 1), (0.2, -2.8, 0), 0.3, (0.5, 0.25, 0)),  # touches A by its offset
+        "Far": ((1, 1, 1), (20, 0, 0), 0.0, (0, 0, 0)),
+    }
     objects = [box(n, size, loc, (0, 0, rz), off) for n, (size, loc, rz, off) in specs.items()]
     matrices = np.stack([row_box(*spec) for spec in specs.values()])
     pairs = np.array([(a, b) for a in range(5) for b in range(a + 1, 5)])
@@ -371,6 +420,7 @@ def box_contacts_select_the_pairs_the_box_tests_find():
         assert {o.name for o in objects if o.select_get()} == expected, (mode, expected)
         touched_by_mode.append(expected)
     assert "Turned" in touched_by_mode[0] and "Turned" not in touched_by_mode[1], touched_by_mode
+    assert all("Shifted" in touched for touched in touched_by_mode), touched_by_mode
 
     # In motion: "Runner" crosses "A" between frames 1 and 11; "Away" leaves "Far" behind.
     runner = box("Runner", (2, 2, 2), (10, 0, 0))
@@ -386,13 +436,16 @@ def box_contacts_select_the_pairs_the_box_tests_find():
     packed[1, :3, 3], packed[3, :3, 3] = (-20, 0, 0), (8, 0, 0)
     for obj in bpy.data.objects:
         obj.select_set(obj in moving)
-    result, reports = run(bpy.ops.object.quillix_box_contacts, motion=True, frame_start=1, frame_end=11)
+    result, reports = run(
+        bpy.ops.object.quillix_box_contacts, motion=True, frame_start=1, frame_end=11
+    )
     assert result == {"FINISHED"}, reports
     pairs = np.array([(a, b) for a in range(4) for b in range(a + 1, 4)])
     times = quillix.boxes_contact_time(packed[pairs[:, 0]], packed[pairs[:, 1]], 0)
     hit = (times >= 0) & (times <= 1)
     assert np.count_nonzero(hit) == 1, times
-    assert {o.name for o in moving if o.select_get()} == {moving[i].name for i in pairs[hit].ravel()}
+    expected = {moving[i].name for i in pairs[hit].ravel()}
+    assert {o.name for o in moving if o.select_get()} == expected, (expected, times)
     for obj in bpy.data.objects:
         obj.select_set(False)
     objects[0].select_set(True)
@@ -401,11 +454,16 @@ def box_contacts_select_the_pairs_the_box_tests_find():
 
 def main():
     global quillix
+    # The module under test comes first, ahead of any installed one.
+    for folder in reversed(os.environ.get("QUILLIX_PYTHONPATH", "").split(os.pathsep)):
+        if folder:
+            sys.path.insert(0, folder)
     quillix_addon.register()
     quillix, message = module_path.load()
     if quillix is None:
         print(message)
         sys.exit(1)
+    print(f"quillix from {quillix.__file__}")
     failed = 0
     for function in TESTS:
         try:
