@@ -79,7 +79,8 @@ class CurveRewriteOperator:
         before, after = sum(d[0] for d in done), sum(d[1] for d in done)
         skipped = sum(1 for r in results if r is None)
         dropped = sum(1 for r in results if r is not None and len(r) == 0)
-        text = f"{self.bl_label}: {len(done)} splines, {before} → {after} points"
+        splines = "1 spline" if len(done) == 1 else f"{len(done)} splines"
+        text = f"{self.bl_label}: {splines}, {before} → {after} points"
         text += f" on \"{target.name}\""
         if dropped:
             text += f", {dropped} emptied splines removed"
