@@ -399,15 +399,15 @@ def row_box(size, location, rotation_z=0.0, offset=(0, 0, 0)):
 @test
 def box_contacts_select_the_pairs_the_box_tests_find():
     empty_scene()
-    specs = {  # size, location, rotation about Z, centre of the mesh
+    layout = {  # size, location, rotation about Z, centre of the mesh
         "A": ((2, 2, 2), (0, 0, 0), 0.0, (0, 0, 0)),
         "Touch": ((2, 2, 2), (2, 0, 0), 0.0, (0, 0, 0)),
         "Turned": ((2, 2, 2), (-1.75, 1.75, 0), np.pi / 4, (0, 0, 0)),
         "Shifted": ((1, 3, 1), (0.2, -2.8, 0), 0.3, (0.5, 0.25, 0)),  # touches A by its offset
         "Far": ((1, 1, 1), (20, 0, 0), 0.0, (0, 0, 0)),
     }
-    objects = [box(n, size, loc, (0, 0, rz), off) for n, (size, loc, rz, off) in specs.items()]
-    matrices = np.stack([row_box(*spec) for spec in specs.values()])
+    objects = [box(n, size, loc, (0, 0, rz), off) for n, (size, loc, rz, off) in layout.items()]
+    matrices = np.stack([row_box(*box_args) for box_args in layout.values()])
     pairs = np.array([(a, b) for a in range(5) for b in range(a + 1, 5)])
     touched_by_mode = []
     for mode in ("-1", "0", "1"):
