@@ -175,8 +175,10 @@ class Host:
         request: one request dictionary, a list of them, or a whole request document
         ({"requests": [...], "scene": ...}); NumPy arrays and scalars are accepted anywhere a
         value or a list of values is. A relative "scene" is taken from the working directory.
-        Named instances keep their state from one request of the call to the next.
-        Returns {"results", "shutdownLog"} exactly as the tool prints them, except that with
+        Named instances keep their state from one request to the next, across calls, until
+        ``close``, which returns what their Term logged. Returns {"results", "shutdownLog"} as
+        the tool prints them (the shutdown log of the named instances comes with ``close``
+        instead, since they outlive the call), except that with
         ``arrays`` every numeric output's "values" become NumPy arrays (float32, int32 or
         bool; NaN and infinities decoded from their bit strings). Bad input raises ValueError
         with the tool's message.
@@ -219,7 +221,8 @@ class Host:
         return _json.loads(self._host.run_json(command, assignments))
 
     def close(self):
-        """Unloads the plug-in; returns what it logged meanwhile. Later calls raise."""
+        """Ends the named instances and unloads the plug-in; returns {"shutdownLog",
+        "unloadLog"}, what their Term and the unloading logged. Later calls raise."""
         return _json.loads(self._host.unload())
 
     def __enter__(self):

@@ -11,8 +11,7 @@
 #include <vector>
 
 #include <pybind11/stl.h>
-#include <xsihost/plugin_host.h>
-#include <xsihost/session.h>
+#include <xsihost/host.h>
 #include <nlohmann/json.hpp>
 
 #include "python/src/arrays.h"
@@ -27,9 +26,7 @@ namespace {
 // The lines logged since the last call, as the tool prints them: [[severity, "text"], ...].
 std::string TakeLogJson() {
   nlohmann::json log = nlohmann::json::array();
-  for (const auto& line : xsihost::hostLog().take())
-    log.push_back({line.severity, tool::wideToUtf8(line.text)});
-  return log.dump();
+  return tool::LogJson(xsihost::HostLog().Take()).dump();
 }
 
 // An installed package carries the plug-in beside its module; the build tree's is elsewhere.
@@ -53,33 +50,35 @@ class Host {
  public:
   explicit Host(const std::optional<std::string>& pluginPath) {
     std::string error;
-    plugin_ = xsihost::LoadedPlugin::load(pluginPath ? *pluginPath : DefaultPluginPath(), error);
-    if (!plugin_) throw py::value_error(Trimmed(error));
+    host_ = xsihost::Host::Load(pluginPath ? *pluginPath : DefaultPluginPath(), error);
+    if (!host_) throw py::value_error(Trimmed(error));
     loadLog_ = TakeLogJson();
   }
   ~Host() { Unload(); }
 
-  const std::string& PluginPath() const { return Loaded().path(); }
+  const std::string& PluginPath() const { return Loaded().Loaded().Path(); }
   const std::string& LoadLog() const { return loadLog_; }
 
   std::string NodesJson() {
     std::ostringstream out;
-    tool::runList(Loaded(), true, out);
+    tool::RunList(Loaded().Plugin(), true, out);
     return out.str();
   }
 
   // `quillix eval REQUEST` of a request file; bad input raises ValueError with the tool's line.
+  // Named instances stay with this host between calls and end when it unloads.
   std::string Eval(const std::string& requestPath, unsigned threads, unsigned batchSize) {
     tool::EvalOptions options;
     options.requestPath = requestPath;
     options.threads = threads;
     options.batchSize = batchSize;
+    options.keepInstances = true;
     nlohmann::json out;
     std::ostringstream err;
     int status;
     {
       py::gil_scoped_release release;
-      status = tool::runEval(Loaded(), options, out, err);
+      status = tool::RunEval(Loaded(), options, out, err);
     }
     if (status != 0) throw py::value_error(Trimmed(err.str()));
     return out.dump();
@@ -87,7 +86,7 @@ class Host {
 
   void LoadScene(const std::string& path) {
     std::ostringstream err;
-    if (!tool::loadActiveScene(path, err)) throw py::value_error(Trimmed(err.str()));
+    if (!tool::LoadActiveScene(path, err)) throw py::value_error(Trimmed(err.str()));
   }
 
   // `quillix run COMMAND name=value ... --json`.
@@ -100,27 +99,31 @@ class Host {
     int status;
     {
       py::gil_scoped_release release;
-      status = tool::runCommand(Loaded(), options, out, err);
+      status = tool::RunCommand(Loaded(), options, out, err);
     }
     if (status == 2) throw py::value_error(Trimmed(err.str()));
     return out.str();
   }
 
-  // Unloads the plug-in (XSIUnloadPlugin); returns what it logged. Later calls raise.
+  // Ends the named instances (their Term) and unloads the plug-in (XSIUnloadPlugin); returns
+  // {"shutdownLog", "unloadLog"}, what each step logged. Later calls raise.
   std::string Unload() {
-    if (!plugin_) return "[]";
-    plugin_->unload();
-    plugin_.reset();
-    return TakeLogJson();
+    if (!host_) return R"({"shutdownLog": [], "unloadLog": []})";
+    nlohmann::json out;
+    out["shutdownLog"] = tool::LogJson(host_->DestroyInstances());
+    host_->Unload();
+    host_.reset();
+    out["unloadLog"] = nlohmann::json::parse(TakeLogJson());
+    return out.dump();
   }
 
  private:
-  xsihost::LoadedPlugin& Loaded() const {
-    if (!plugin_) throw py::value_error("the plug-in has been unloaded");
-    return *plugin_;
+  xsihost::Host& Loaded() const {
+    if (!host_) throw py::value_error("the plug-in has been unloaded");
+    return *host_;
   }
 
-  std::unique_ptr<xsihost::LoadedPlugin> plugin_;
+  std::unique_ptr<xsihost::Host> host_;
   std::string loadLog_;
 };
 

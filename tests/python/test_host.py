@@ -28,7 +28,8 @@ host = quillix.Host()
 document = json.loads(sys.stdin.read())
 out = host.eval(document, arrays=False)
 out["loadLog"] = host.load_log
-out["unloadLog"] = host.close()
+end = host.close()
+out["shutdownLog"], out["unloadLog"] = end["shutdownLog"], end["unloadLog"]
 print(json.dumps(out))
 """
 
@@ -65,12 +66,26 @@ def test_numeric_outputs_become_arrays(host):
     assert points.dtype == np.float32 and np.isnan(points[0, 0, 0])
 
 
-def test_named_instances_live_through_one_call(host):
+INSTANCES_RUN = """
+import json, sys
+import quillix
+requests = json.loads(sys.stdin.read())["requests"]
+host = quillix.Host()
+calls = [host.eval(requests[i:i + 1], arrays=False) for i in range(3)]
+print(json.dumps({"calls": calls, "end": host.close()}))
+"""
+
+
+def test_named_instances_live_from_call_to_call():
+    # In a process of its own: unloading the plug-in ends the commands of every Host.
     document = load_example("pathfind/fpom.json")
-    result = host.eval(document)
-    assert result["results"][1]["log"] == []  # same inputs at the same time: nothing to do
-    assert not any("build geometry" in line[1] for line in result["results"][2]["log"])
-    assert "Term" in result["shutdownLog"][0][1]
+    out = json.loads(run_python(INSTANCES_RUN, json.dumps(document), ROOT))
+    first, second, third = out["calls"]
+    assert first["shutdownLog"] == []  # the instance outlives the call
+    # The same inputs at the same time in a later call: nothing to rebuild, nothing logged.
+    assert second["results"][0]["log"] == []
+    assert not any("build geometry" in line[1] for line in third["results"][0]["log"])
+    assert "Term" in out["end"]["shutdownLog"][0][1]
 
 
 def test_bad_requests_raise_the_tools_message(host):

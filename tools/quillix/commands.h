@@ -16,6 +16,9 @@ struct EvalOptions {
   unsigned threads = 0;     // 0: the request's or the machine's
   unsigned batchSize = 0;   // 0: the request's or 1024
   bool sceneGiven = false;  // a --scene option overrides the request file's "scene"
+  // Named instances outlive the call (a session that evaluates again later, as the Python
+  // host does); their Term then runs when the host destroys them, not here.
+  bool keepInstances = false;
 };
 
 // Prints identity, commands and node definitions.

@@ -323,12 +323,14 @@ int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out
       results.push_back(
           RunRequest(host, (*requests)[i], options, "$.requests[" + std::to_string(i) + "]"));
   } catch (const InputError& e) {
-    host.DestroyInstances();
+    if (!options.keepInstances) host.DestroyInstances();
     err << "quillix: " << file << ": " << e.what() << '\n';
     return 2;
   }
-  // Term of the named instances
-  out = {{"results", results}, {"shutdownLog", LogJson(host.DestroyInstances())}};
+  // Term of the named instances, unless the caller keeps them for its next requests.
+  const std::vector<xsihost::LogLine> shutdown =
+      options.keepInstances ? std::vector<xsihost::LogLine>{} : host.DestroyInstances();
+  out = {{"results", results}, {"shutdownLog", LogJson(shutdown)}};
   return 0;
 }
 
