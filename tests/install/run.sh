@@ -41,13 +41,11 @@ else
   hidden() { "$@"; }
 fi
 
-# The installed host finds the plug-in under lib/quillix/ only when told so; once it looks there
-# itself (../lib/quillix/ beside bin/), leave `plugin_option` empty.
+# The installed host finds its plug-in by itself, in lib/quillix/ beside bin/.
 installed_quillix() {
   local root=$1
   shift
-  local plugin_option=(--plugin "$root/lib/quillix/libQuillix.so")
-  hidden "$root/bin/quillix" "${plugin_option[@]}" "$@"
+  hidden "$root/bin/quillix" "$@"
 }
 # Whether the installed host under $1 lists every node (read whole: no early close of the pipe).
 lists_plugin() {

@@ -9,6 +9,8 @@
 
 #include <xsihost/host.h>
 
+#include "tools/quillix/result_output.h"
+
 namespace quillix::tool {
 
 struct EvalOptions {
@@ -19,6 +21,8 @@ struct EvalOptions {
   // Named instances outlive the call (a session that evaluates again later, as the Python
   // host does); their Term then runs when the host destroys them, not here.
   bool keepInstances = false;
+  // Folders for result files and pictures of the geometric outputs; empty ones are off.
+  ResultOutputOptions outputs;
 };
 
 // Prints identity, commands and node definitions.

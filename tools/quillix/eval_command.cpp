@@ -295,6 +295,17 @@ bool LoadRequestScene(const json& document, const EvalOptions& options, const st
   return LoadActiveScene(scene.string(), err);
 }
 
+// Writes the result files and pictures of one request when any folder was asked for; a
+// folder that cannot be written is one message and the end of the run.
+bool WriteOutputs(const json& request, const json& result, std::size_t index,
+                  const ResultOutputOptions& outputs, std::ostream& err) {
+  if (outputs.outDir.empty() && outputs.pngDir.empty() && outputs.svgDir.empty()) return true;
+  std::vector<std::string> written;
+  const OutputStatus status = WriteResultOutputs(request, result, index, outputs, written);
+  if (!status.ok) err << "quillix: " << status.message << '\n';
+  return status.ok;
+}
+
 }  // namespace
 
 int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out,
@@ -319,9 +330,11 @@ int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out
     const json* requests = &document;
     if (document.is_object()) requests = &Member(document, "requests", "$");
     if (!requests->is_array()) throw InputError("$.requests", "expected a list of requests");
-    for (std::size_t i = 0; i < requests->size(); ++i)
+    for (std::size_t i = 0; i < requests->size(); ++i) {
       results.push_back(
           RunRequest(host, (*requests)[i], options, "$.requests[" + std::to_string(i) + "]"));
+      if (!WriteOutputs((*requests)[i], results.back(), i, options.outputs, err)) return 2;
+    }
   } catch (const InputError& e) {
     if (!options.keepInstances) host.DestroyInstances();
     err << "quillix: " << file << ": " << e.what() << '\n';

@@ -14,10 +14,16 @@
 
 namespace {
 
+// The tool's build and the identity of the plug-in it loads by default.
+std::string VersionText() {
+  return "quillix " QUILLIX_VERSION " (the Quillix plug-in, version 1900.0, and its offline host)";
+}
+
 int Run(int argc, char** argv) {
   CLI::App app{
       "quillix: runs the Quillix plug-in's nodes and commands outside the host application"};
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
+  app.set_version_flag("--version", VersionText());
   std::string pluginPath = xsihost::DefaultPluginPath(argv[0]);
   app.add_option("--plugin", pluginPath, "Plug-in to load (default: libQuillix.so beside quillix)");
 
@@ -37,6 +43,15 @@ int Run(int argc, char** argv) {
       ->check(CLI::PositiveNumber);
   std::string evalScene;
   eval->add_option("--scene", evalScene, "Scene file for the nodes that read the scene");
+  eval->add_option("--out", evalOptions.outputs.outDir,
+                   "Folder for the geometric results as OBJ and PLY files");
+  eval->add_option("--png", evalOptions.outputs.pngDir, "Folder for pictures of the results (PNG)");
+  eval->add_option("--svg", evalOptions.outputs.svgDir, "Folder for pictures of the results (SVG)");
+  std::string view = "z";
+  eval->add_option("--view", view, "Axis the pictures look along: x, y, z or iso")
+      ->check(CLI::IsMember({"x", "y", "z", "iso"}));
+  bool compact = false;
+  eval->add_flag("--compact", compact, "Print the results as one line of JSON");
   quillix::tool::RunOptions runOptions;
   quillix::tool::SceneOptions sceneOptions;
   quillix::tool::AddSceneSubcommands(app, runOptions, sceneOptions);
@@ -50,6 +65,11 @@ int Run(int argc, char** argv) {
     return 2;
   }
 
+  if (app.get_subcommands().empty()) {
+    std::cerr << "quillix: a subcommand is required (list, eval, run, scene); see quillix --help\n";
+    return 2;
+  }
+  evalOptions.outputs.view = *quillix::ParseViewAxis(view);
   if (app.got_subcommand("scene"))
     return quillix::tool::RunScene(sceneOptions, std::cout, std::cerr);
   if (!evalScene.empty() && !quillix::tool::LoadActiveScene(evalScene, std::cerr)) return 2;
@@ -79,7 +99,7 @@ int Run(int argc, char** argv) {
     if (status == 0) {
       out["loadLog"] = loadLog;
       out["unloadLog"] = quillix::tool::LogJson(host->TakeLog());
-      std::cout << out.dump(2) << '\n';
+      std::cout << out.dump(compact ? -1 : 2) << '\n';
     }
   }
   return status;

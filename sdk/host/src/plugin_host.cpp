@@ -72,7 +72,13 @@ std::string DefaultPluginPath(const std::string& executable) {
   std::error_code ec;
   std::filesystem::path exe = std::filesystem::canonical("/proc/self/exe", ec);
   if (ec) exe = std::filesystem::absolute(executable, ec);
-  return (exe.parent_path() / "libQuillix.so").string();
+  const std::filesystem::path beside = exe.parent_path() / "libQuillix.so";
+  // An installed tree keeps the plug-in in lib/quillix/ beside bin/.
+  const std::filesystem::path installed =
+      exe.parent_path().parent_path() / "lib" / "quillix" / "libQuillix.so";
+  if (!std::filesystem::exists(beside, ec) && std::filesystem::exists(installed, ec))
+    return installed.string();
+  return beside.string();
 }
 
 }  // namespace xsihost

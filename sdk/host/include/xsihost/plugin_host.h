@@ -39,7 +39,8 @@ class LoadedPlugin {
   std::unique_ptr<xsihost::PluginRecord> record_;
 };
 
-// The plug-in `quillix` and the tests load by default: libQuillix.so beside `executable`.
+// The plug-in `quillix` and the tests load by default: libQuillix.so beside `executable`, or
+// in ../lib/quillix/ from it (an installed tree) when there is none beside it.
 std::string DefaultPluginPath(const std::string& executable);
 
 }  // namespace xsihost
