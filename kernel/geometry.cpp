@@ -36,7 +36,7 @@ void QRVGeometry::Reset(std::uint32_t mask) {
   if (mask & kDerivedVertexFlags) Free(vertexFlags_), vertexFlags_ = nullptr;
   if (mask & kDerivedPolygonFlags) Free(polygonFlags_), polygonFlags_ = nullptr;
   if (mask & kDerivedPolygonMeasures) Free(polygonMeasures_), polygonMeasures_ = nullptr;
-  if (mask & kDerivedNeighbourDistances) Free(neighbourDistances_), neighbourDistances_ = nullptr;
+  if (mask & kDerivedNeighbourSteps) Free(neighbourSteps_), neighbourSteps_ = nullptr;
   valid_ &= ~mask;
 }
 
@@ -99,10 +99,10 @@ bool QRVGeometry::Compute(std::uint32_t bit) {
     case kDerivedPolygonMeasures:
       polygonMeasures_ = ComputePolygonAreas(mesh, *memory_);
       return polygonMeasures_ != nullptr;
-    case kDerivedNeighbourDistances:
+    case kDerivedNeighbourSteps:
       if (!Ensure(kDerivedNeighbours)) return false;
-      neighbourDistances_ = ComputeNeighbourDistances(mesh, neighbours_, *memory_);
-      return neighbourDistances_ != nullptr;
+      neighbourSteps_ = ComputeNeighbourSteps(mesh, neighbours_, *memory_);
+      return neighbourSteps_ != nullptr;
     default:
       return false;
   }
@@ -159,8 +159,8 @@ const std::uint8_t* QRVGeometry::PolygonFlags() {
 const float* QRVGeometry::PolygonMeasures() {
   return Ensure(kDerivedPolygonMeasures) ? polygonMeasures_ : nullptr;
 }
-const float* QRVGeometry::NeighbourDistances() {
-  return Ensure(kDerivedNeighbourDistances) ? neighbourDistances_ : nullptr;
+const NeighbourStep* QRVGeometry::NeighbourSteps() {
+  return Ensure(kDerivedNeighbourSteps) ? neighbourSteps_ : nullptr;
 }
 
 }  // namespace quillix

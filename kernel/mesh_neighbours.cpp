@@ -97,23 +97,24 @@ void ReleaseNeighbours(QRVMemoryContext& memory, MeshNeighbours& neighbours) {
   neighbours = {};
 }
 
-float* ComputeNeighbourDistances(const MeshView& mesh, const MeshNeighbours& neighbours,
-                                 QRVMemoryContext& memory) {
+NeighbourStep* ComputeNeighbourSteps(const MeshView& mesh, const MeshNeighbours& neighbours,
+                                     QRVMemoryContext& memory) {
   const std::int32_t vertexCount = mesh.vertexCount;
   const std::int32_t* offsets = neighbours.offsets;
-  float* distances = memory.AllocateArray<float>(std::size_t(offsets[vertexCount]));
-  if (distances == nullptr) return nullptr;
+  NeighbourStep* steps = memory.AllocateArray<NeighbourStep>(std::size_t(offsets[vertexCount]));
+  if (steps == nullptr) return nullptr;
     // (a - b) and (b - a) round to exact negatives, so the length is the same from either end.
 #pragma omp parallel for if (vertexCount > kMeshParallelMinimum) schedule(dynamic, 4096)
   for (std::int32_t v = 0; v < vertexCount; ++v) {
     const Vec3f& p = mesh.positions[v];
     for (std::int32_t i = offsets[v]; i < offsets[v + 1]; ++i) {
-      const Vec3f& q = mesh.positions[neighbours.lists[i]];
+      const std::int32_t w = neighbours.lists[i];
+      const Vec3f& q = mesh.positions[w];
       const float dx = p.x - q.x, dy = p.y - q.y, dz = p.z - q.z;
-      distances[i] = std::sqrt(dy * dy + dx * dx + dz * dz);
+      steps[i] = {w, std::sqrt(dy * dy + dx * dx + dz * dz)};
     }
   }
-  return distances;
+  return steps;
 }
 
 }  // namespace quillix
