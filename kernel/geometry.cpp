@@ -2,6 +2,7 @@
 // free function of its own kernel/mesh_*.h file.
 #include "kernel/geometry.h"
 
+#include <cstring>
 #include <new>
 
 #include "kernel/mesh_components.h"
@@ -69,10 +70,17 @@ bool QRVGeometry::Compute(std::uint32_t bit) {
   const MeshView mesh = Mesh();
   switch (bit) {
     case kDerivedVertexCounts:
-      return CountVertexReferences(mesh, *memory_, vertexReferences_);
-    case kDerivedInvalidPolygons:
-      invalidPolygons_ = CountInvalidPolygons(mesh);
+    case kDerivedInvalidPolygons: {
+      // One pass answers both (the clean-up asks for both, one after the other); only the
+      // reference counts need the scratch bytes.
+      std::uint8_t* seen = Alloc<std::uint8_t>(std::size_t(vertexCount_));
+      if (seen == nullptr && bit == kDerivedVertexCounts) return false;
+      if (seen != nullptr) std::memset(seen, 0, std::size_t(vertexCount_));
+      invalidPolygons_ = CheckPolygons(mesh, seen, vertexReferences_);
+      valid_ |= kDerivedInvalidPolygons | (seen != nullptr ? kDerivedVertexCounts : 0u);
+      Free(seen);
       return true;
+    }
     case kDerivedPolygonSizeCounts:
       return CountPolygonSizes(mesh, sizeCounts_);
     case kDerivedOctree:
