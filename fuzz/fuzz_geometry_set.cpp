@@ -228,7 +228,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
           break;
         case 7:
           (void)geo.PolygonMeasures();
-          (void)geo.NeighbourDistances();
+          (void)geo.NeighbourSteps();
           break;
         case 8:
           geo.Reset(in.ConsumeIntegral<std::uint32_t>());

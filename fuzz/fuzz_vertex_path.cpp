@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     // The searches read what the caller computed beforehand; leave some items out on purpose.
     if (in.ConsumeIntegralInRange<int>(0, 7) != 0) (void)geo.NeighbourLists();
     if (in.ConsumeBool()) (void)geo.ComponentNumbers();
-    if (in.ConsumeBool()) (void)geo.NeighbourDistances();
+    if (in.ConsumeBool()) (void)geo.NeighbourSteps();
     const std::int32_t v = geo.VertexCount();
 
     std::vector<std::uint8_t> flags(std::size_t(std::max(v, 1)), 1);
@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
       for (auto& f : flags)
         f = in.ConsumeIntegralInRange<int>(0, 3) == 0 ? 0 : in.ConsumeIntegral<std::uint8_t>() | 1;
 
-    QRVWorkBuffer distances(&searchMemory), predecessors(&searchMemory), marks(&searchMemory);
+    VertexPathWork work(&searchMemory);
     const bool useBuffers = in.ConsumeBool();
     const int searches = in.ConsumeIntegralInRange<int>(1, 8);
     for (int s = 0; s < searches && in.remaining_bytes() > 0; ++s) {
@@ -69,10 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
       std::vector<std::int32_t> own(callerArray ? std::size_t(std::max(maximum, 1)) : 0, -7);
       std::int32_t* path = callerArray ? own.data() : nullptr;
       QRVStatus status = 12345;
-      const bool found = FindVertexPath(
-          geo, start, end, path, pathLength, algorithm, useFlags ? flags.data() : nullptr, status,
-          searchMemory, useBuffers ? &distances : nullptr, useBuffers ? &predecessors : nullptr,
-          useBuffers ? &marks : nullptr);
+      const bool found = FindVertexPath(geo, start, end, path, pathLength, algorithm,
+                                        useFlags ? flags.data() : nullptr, status, searchMemory,
+                                        useBuffers ? &work : nullptr);
       Check(found == (status == 0), "the return value disagrees with the status");
       if (!found) {
         Check(pathLength == 0, "a failed search reports a path length");

@@ -2,6 +2,7 @@
 // free function of its own kernel/mesh_*.h file.
 #include "kernel/geometry.h"
 
+#include <cstring>
 #include <new>
 
 #include "kernel/mesh_components.h"
@@ -36,7 +37,7 @@ void QRVGeometry::Reset(std::uint32_t mask) {
   if (mask & kDerivedVertexFlags) Free(vertexFlags_), vertexFlags_ = nullptr;
   if (mask & kDerivedPolygonFlags) Free(polygonFlags_), polygonFlags_ = nullptr;
   if (mask & kDerivedPolygonMeasures) Free(polygonMeasures_), polygonMeasures_ = nullptr;
-  if (mask & kDerivedNeighbourDistances) Free(neighbourDistances_), neighbourDistances_ = nullptr;
+  if (mask & kDerivedNeighbourSteps) Free(neighbourSteps_), neighbourSteps_ = nullptr;
   valid_ &= ~mask;
 }
 
@@ -69,10 +70,17 @@ bool QRVGeometry::Compute(std::uint32_t bit) {
   const MeshView mesh = Mesh();
   switch (bit) {
     case kDerivedVertexCounts:
-      return CountVertexReferences(mesh, *memory_, vertexReferences_);
-    case kDerivedInvalidPolygons:
-      invalidPolygons_ = CountInvalidPolygons(mesh);
+    case kDerivedInvalidPolygons: {
+      // One pass answers both (the clean-up asks for both, one after the other); only the
+      // reference counts need the scratch bytes.
+      std::uint8_t* seen = Alloc<std::uint8_t>(std::size_t(vertexCount_));
+      if (seen == nullptr && bit == kDerivedVertexCounts) return false;
+      if (seen != nullptr) std::memset(seen, 0, std::size_t(vertexCount_));
+      invalidPolygons_ = CheckPolygons(mesh, seen, vertexReferences_);
+      valid_ |= kDerivedInvalidPolygons | (seen != nullptr ? kDerivedVertexCounts : 0u);
+      Free(seen);
       return true;
+    }
     case kDerivedPolygonSizeCounts:
       return CountPolygonSizes(mesh, sizeCounts_);
     case kDerivedOctree:
@@ -99,10 +107,10 @@ bool QRVGeometry::Compute(std::uint32_t bit) {
     case kDerivedPolygonMeasures:
       polygonMeasures_ = ComputePolygonAreas(mesh, *memory_);
       return polygonMeasures_ != nullptr;
-    case kDerivedNeighbourDistances:
+    case kDerivedNeighbourSteps:
       if (!Ensure(kDerivedNeighbours)) return false;
-      neighbourDistances_ = ComputeNeighbourDistances(mesh, neighbours_, *memory_);
-      return neighbourDistances_ != nullptr;
+      neighbourSteps_ = ComputeNeighbourSteps(mesh, neighbours_, *memory_);
+      return neighbourSteps_ != nullptr;
     default:
       return false;
   }
@@ -159,8 +167,8 @@ const std::uint8_t* QRVGeometry::PolygonFlags() {
 const float* QRVGeometry::PolygonMeasures() {
   return Ensure(kDerivedPolygonMeasures) ? polygonMeasures_ : nullptr;
 }
-const float* QRVGeometry::NeighbourDistances() {
-  return Ensure(kDerivedNeighbourDistances) ? neighbourDistances_ : nullptr;
+const NeighbourStep* QRVGeometry::NeighbourSteps() {
+  return Ensure(kDerivedNeighbourSteps) ? neighbourSteps_ : nullptr;
 }
 
 }  // namespace quillix

@@ -20,17 +20,17 @@ class QRVOctree;
 // Bits naming the derived items of a QRVGeometry; Reset(mask) releases the items of the
 // given bits, and each accessor recomputes its item on the next request.
 enum QRVDerived : std::uint32_t {
-  kDerivedVertexCounts = 1,              // referenced / unreferenced vertex counts
-  kDerivedInvalidPolygons = 2,           // count of invalid polygons
-  kDerivedPolygonSizeCounts = 4,         // triangles, quads, larger polygons, fan triangles
-  kDerivedOctree = 8,                    // octree over the vertices
-  kDerivedEdges = 16,                    // edge pairs, per-vertex edge starts, per-slot edge ids
-  kDerivedNeighbours = 256,              // neighbour counts, offsets and lists
-  kDerivedComponents = 8192,             // connected-component number per vertex
-  kDerivedVertexFlags = 65536,           // one flag word per vertex (kVertexFlag*)
-  kDerivedPolygonFlags = 524288,         // one flag byte per polygon (kPolygonFlag*)
-  kDerivedPolygonMeasures = 1048576,     // polygon area
-  kDerivedNeighbourDistances = 2097152,  // length of the edge behind every neighbour slot
+  kDerivedVertexCounts = 1,           // referenced / unreferenced vertex counts
+  kDerivedInvalidPolygons = 2,        // count of invalid polygons
+  kDerivedPolygonSizeCounts = 4,      // triangles, quads, larger polygons, fan triangles
+  kDerivedOctree = 8,                 // octree over the vertices
+  kDerivedEdges = 16,                 // edge pairs, per-vertex edge starts, per-slot edge ids
+  kDerivedNeighbours = 256,           // neighbour counts, offsets and lists
+  kDerivedComponents = 8192,          // connected-component number per vertex
+  kDerivedVertexFlags = 65536,        // one flag word per vertex (kVertexFlag*)
+  kDerivedPolygonFlags = 524288,      // one flag byte per polygon (kPolygonFlag*)
+  kDerivedPolygonMeasures = 1048576,  // polygon area
+  kDerivedNeighbourSteps = 2097152,   // every neighbour slot with the length of its edge
   kDerivedAll = 0xFFFFFFFFu,
 };
 
@@ -165,9 +165,10 @@ class QRVGeometry {
   const std::uint32_t* VertexFlags();
   const std::uint8_t* PolygonFlags();
   const float* PolygonMeasures();  // area (fan triangulation), computed in double
-  // Per neighbour slot (parallel to NeighbourLists): the distance between the two vertices,
-  // in single precision as sqrt(dy * dy + dx * dx + dz * dz), the path search's step length.
-  const float* NeighbourDistances();
+  // Per neighbour slot (parallel to NeighbourLists): the neighbour and the distance between the
+  // two vertices, in single precision as sqrt(dy * dy + dx * dx + dz * dz), the path search's
+  // step length, side by side.
+  const NeighbourStep* NeighbourSteps();
 
   // Read-only views of already computed items (null when absent): safe for concurrent readers.
   const std::uint8_t* NeighbourCounts() const { return neighbours_.counts; }
@@ -175,7 +176,7 @@ class QRVGeometry {
   const std::int32_t* NeighbourLists() const { return neighbours_.lists; }
   const std::int32_t* ComponentNumbers() const { return componentNumbers_; }
   const QRVOctree* Octree() const { return octree_; }
-  const float* NeighbourDistances() const { return neighbourDistances_; }
+  const NeighbourStep* NeighbourSteps() const { return neighbourSteps_; }
 
   // Appends points on the surface to `positions` (object space): `mode` is a QRVSurfaceMode
   // of kernel/surface_positions.h, which holds the contract (GenerateSurfacePositions).
@@ -234,7 +235,7 @@ class QRVGeometry {
   std::uint32_t* vertexFlags_ = nullptr;
   std::uint8_t* polygonFlags_ = nullptr;
   float* polygonMeasures_ = nullptr;
-  float* neighbourDistances_ = nullptr;
+  NeighbourStep* neighbourSteps_ = nullptr;
 };
 
 }  // namespace quillix

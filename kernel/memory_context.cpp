@@ -35,6 +35,17 @@ void QRVMemoryContext::Release(void* block) {
   std::free(block);
 }
 
+void* QRVMemoryContext::Shrink(void* block, std::size_t bytes) {
+  const auto before = static_cast<std::int64_t>(malloc_usable_size(block));
+  void* shrunk = std::realloc(block, bytes == 0 ? 1 : bytes);
+  if (shrunk == nullptr) return block;  // the block is still whole and still counted
+  if (Tracking()) {
+    inUse_.fetch_sub(before - static_cast<std::int64_t>(malloc_usable_size(shrunk)),
+                     std::memory_order_relaxed);
+  }
+  return shrunk;
+}
+
 bool QRVWorkBuffer::Reserve(std::size_t bytes, QRVMemoryContext& fallback) {
   if (capacity >= bytes && data != nullptr) return true;
   QRVMemoryContext& ctx = context != nullptr ? *context : fallback;

@@ -48,6 +48,11 @@ class QRVMemoryContext {
   }
   // Releases a block of Allocate; null is ignored.
   void Release(void* block);
+  // Cuts a block of Allocate down to `bytes` (0 is treated as 1), keeping its first `bytes`
+  // bytes, and returns it (it may move). Never refused: the bytes in use only go down. Lets a
+  // result be built in a block sized for the worst case and then kept at its exact size
+  // without copying it into a second block.
+  void* Shrink(void* block, std::size_t bytes);
 
   // The byte count that the context charges for `block` (its real block size).
   static std::size_t BlockSize(const void* block);

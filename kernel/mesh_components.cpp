@@ -1,41 +1,40 @@
 #include "kernel/mesh_components.h"
 
-#include <algorithm>
-
 namespace quillix {
 
 std::int32_t* NumberComponents(const MeshView& mesh, const MeshNeighbours& neighbours,
                                QRVMemoryContext& memory) {
   const std::int32_t vertexCount = mesh.vertexCount;
   std::int32_t* numbers = memory.AllocateArray<std::int32_t>(std::size_t(vertexCount));
-  std::int32_t* stack = memory.AllocateArray<std::int32_t>(std::size_t(vertexCount));
-  if (numbers == nullptr || stack == nullptr) {
-    memory.Release(numbers);
-    memory.Release(stack);
-    return nullptr;
-  }
-  // A component's number depends only on its lowest vertex (the seed), so an explicit-stack
-  // fill numbers exactly as a recursive depth-first fill would, without its stack depth.
-  std::fill(numbers, numbers + vertexCount, -1);
-  std::int32_t component = 0;
-  for (std::int32_t seed = 0; seed < vertexCount; ++seed) {
-    if (numbers[seed] != -1) continue;
-    std::int32_t top = 0;
-    stack[top++] = seed;
-    numbers[seed] = component;
-    while (top > 0) {
-      const std::int32_t v = stack[--top];
-      for (std::int32_t i = neighbours.offsets[v]; i < neighbours.offsets[v + 1]; ++i) {
-        const std::int32_t w = neighbours.lists[i];
-        if (numbers[w] == -1) {
-          numbers[w] = component;
-          stack[top++] = w;
-        }
+  if (numbers == nullptr) return nullptr;
+  // A component's number depends only on its lowest vertex, so any traversal numbers alike.
+  // This one walks the neighbour rows in order, joining sets in place in the result array
+  // (no stack, no second array): every set's root is its lowest vertex, because the higher
+  // root always joins the lower one, and path halving only ever points a vertex lower.
+  std::int32_t* parent = numbers;
+  for (std::int32_t v = 0; v < vertexCount; ++v) parent[v] = v;
+  const auto root = [parent](std::int32_t v) {
+    while (parent[v] != v) v = parent[v] = parent[parent[v]];
+    return v;
+  };
+  for (std::int32_t v = 0; v < vertexCount; ++v) {
+    // Each edge is met from both ends; its lower end's row sees it as a higher neighbour.
+    for (std::int32_t i = neighbours.offsets[v]; i < neighbours.offsets[v + 1]; ++i) {
+      const std::int32_t w = neighbours.lists[i];
+      if (w <= v) continue;
+      const std::int32_t a = root(v), b = root(w);
+      if (a < b) {
+        parent[b] = a;
+      } else if (b < a) {
+        parent[a] = b;
       }
     }
-    ++component;
   }
-  memory.Release(stack);
+  // In index order a vertex's parent is lower and already holds its final number; a root opens
+  // the next number.
+  std::int32_t component = 0;
+  for (std::int32_t v = 0; v < vertexCount; ++v)
+    numbers[v] = parent[v] == v ? component++ : numbers[parent[v]];
   return numbers;
 }
 

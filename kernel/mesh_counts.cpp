@@ -5,23 +5,6 @@
 
 namespace quillix {
 
-bool CountVertexReferences(const MeshView& mesh, QRVMemoryContext& memory,
-                           VertexReferenceCounts& counts) {
-  std::uint8_t* seen = memory.AllocateArray<std::uint8_t>(std::size_t(mesh.vertexCount));
-  if (seen == nullptr) return false;
-  std::memset(seen, 0, std::size_t(mesh.vertexCount));
-  for (std::int32_t n = 0; n < mesh.nodeCount; ++n) {
-    const std::int32_t v = mesh.polygonIndices[n];
-    if (v >= 0 && v < mesh.vertexCount) seen[v] = 1;
-  }
-  std::int32_t referenced = 0;
-  for (std::int32_t v = 0; v < mesh.vertexCount; ++v) referenced += seen[v];
-  memory.Release(seen);
-  counts.referenced = referenced;
-  counts.unreferenced = mesh.vertexCount - referenced;
-  return true;
-}
-
 bool PolygonIsInvalid(const MeshView& mesh, std::int64_t firstNode, std::int32_t size) {
   if (size < 3) return true;
   const std::int32_t* corners = mesh.polygonIndices + firstNode;
@@ -34,12 +17,29 @@ bool PolygonIsInvalid(const MeshView& mesh, std::int64_t firstNode, std::int32_t
   return false;
 }
 
-std::int32_t CountInvalidPolygons(const MeshView& mesh) {
-  std::int32_t invalid = 0;
+std::int32_t CheckPolygons(const MeshView& mesh, std::uint8_t* seen,
+                           VertexReferenceCounts& references) {
+  std::int32_t invalid = 0, referenced = 0;
   std::int64_t node = 0;
   for (std::int32_t p = 0; p < mesh.polygonCount; ++p) {
-    invalid += PolygonIsInvalid(mesh, node, mesh.polygonSizes[p]);
-    node += mesh.polygonSizes[p];
+    const std::int32_t size = mesh.polygonSizes[p];
+    const std::int32_t* corners = mesh.polygonIndices + node;
+    bool bad = size < 3;
+    for (std::int32_t i = 0; i < size; ++i) {
+      const std::int32_t v = corners[i];
+      if (v < 0 || v >= mesh.vertexCount) {
+        bad = true;
+        continue;
+      }
+      if (seen != nullptr) seen[v] = 1;
+      for (std::int32_t j = 0; j < i && !bad; ++j) bad = corners[j] == v;
+    }
+    invalid += bad;
+    node += size;
+  }
+  if (seen != nullptr) {
+    for (std::int32_t v = 0; v < mesh.vertexCount; ++v) referenced += seen[v];
+    references = {referenced, mesh.vertexCount - referenced};
   }
   return invalid;
 }

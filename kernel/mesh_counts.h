@@ -3,7 +3,6 @@
 
 #include <cstdint>
 
-#include "kernel/memory_context.h"
 #include "kernel/mesh_view.h"
 
 namespace quillix {
@@ -14,16 +13,16 @@ struct VertexReferenceCounts {
   std::int32_t unreferenced = -1;
 };
 
-// Fills `counts`; false when `memory` refuses the vertexCount-byte scratch array.
-bool CountVertexReferences(const MeshView& mesh, QRVMemoryContext& memory,
-                           VertexReferenceCounts& counts);
-
 // Whether the polygon of `size` corners starting at node `firstNode` is invalid: fewer than
 // 3 corners, a corner outside 0..vertexCount-1, or one vertex named twice.
 bool PolygonIsInvalid(const MeshView& mesh, std::int64_t firstNode, std::int32_t size);
 
-// Number of invalid polygons (PolygonIsInvalid), each counted once.
-std::int32_t CountInvalidPolygons(const MeshView& mesh);
+// The clean-up's two questions in one pass over the polygons: the number of invalid polygons
+// (PolygonIsInvalid, each counted once) and, when `seen` is given (vertexCount bytes, all 0 on
+// entry, marked 1 for every referenced vertex on return), the vertex reference counts. Without
+// `seen`, `references` is left as it was.
+std::int32_t CheckPolygons(const MeshView& mesh, std::uint8_t* seen,
+                           VertexReferenceCounts& references);
 
 // Polygons by size: triangles, quads, polygons of 5+ corners, and the triangles of their fan
 // triangulations (the sum of size - 2 over polygons of 3+ corners).

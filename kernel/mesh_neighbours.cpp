@@ -2,10 +2,27 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 namespace quillix {
+namespace {
+
+// Rows hold a few dozen incidences at most on ordinary meshes; an insertion sort handles those
+// without the general sort's set-up.
+void SortRow(std::int32_t* begin, std::int32_t* end) {
+  if (end - begin > 32) {
+    std::sort(begin, end);
+    return;
+  }
+  for (std::int32_t* i = begin + 1; i < end; ++i) {
+    const std::int32_t value = *i;
+    std::int32_t* j = i;
+    for (; j > begin && *(j - 1) > value; --j) *j = *(j - 1);
+    *j = value;
+  }
+}
+
+}  // namespace
 
 bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
                          EdgeIncidences& incidences) {
@@ -14,16 +31,20 @@ bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
   if (incidences.offsets == nullptr) return false;
   std::int32_t* offsets = incidences.offsets;
   std::fill(offsets, offsets + vertexCount + 1, 0);
+  // Each polygon's closing edge first, then the rest in order; the rows are sorted afterwards,
+  // so the order in which edges arrive does not matter.
   const auto forEachEdge = [&](auto&& edge) {
-    std::int64_t node = 0;
+    const std::int32_t* corners = mesh.polygonIndices;
     for (std::int32_t p = 0; p < mesh.polygonCount; ++p) {
       const std::int32_t size = mesh.polygonSizes[p];
+      if (size == 0) continue;
+      std::int32_t previous = corners[size - 1];
       for (std::int32_t k = 0; k < size; ++k) {
-        const std::int32_t a = mesh.polygonIndices[node + k];
-        const std::int32_t b = mesh.polygonIndices[node + (k + 1 == size ? 0 : k + 1)];
-        if (a != b) edge(a, b);
+        const std::int32_t current = corners[k];
+        if (previous != current) edge(previous, current);
+        previous = current;
       }
-      node += size;
+      corners += size;
     }
   };
   std::int64_t total = 0;
@@ -43,7 +64,7 @@ bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
   offsets[0] = 0;
 #pragma omp parallel for if (vertexCount > kMeshParallelMinimum) schedule(dynamic, 4096)
   for (std::int32_t v = 0; v < vertexCount; ++v)
-    std::sort(items + offsets[v], items + offsets[v + 1]);
+    SortRow(items + offsets[v], items + offsets[v + 1]);
   return true;
 }
 
@@ -74,15 +95,14 @@ bool BuildNeighbours(const MeshView& mesh, QRVMemoryContext& memory, MeshNeighbo
     }
   }
   offsets[vertexCount] = write;
-  neighbours.lists = memory.AllocateArray<std::int32_t>(std::size_t(write));
   neighbours.counts = memory.AllocateArray<std::uint8_t>(std::size_t(vertexCount));
-  if (neighbours.lists == nullptr || neighbours.counts == nullptr) {
+  if (neighbours.counts == nullptr) {
     ReleaseEdgeIncidences(memory, incidences);
-    ReleaseNeighbours(memory, neighbours);
     return false;
   }
-  std::memcpy(neighbours.lists, items, std::size_t(write) * sizeof(std::int32_t));
-  memory.Release(items);
+  // The incidence block becomes the lists, cut to their exact size where they lie.
+  neighbours.lists =
+      static_cast<std::int32_t*>(memory.Shrink(items, std::size_t(write) * sizeof(std::int32_t)));
   neighbours.offsets = offsets;
   for (std::int32_t v = 0; v < vertexCount; ++v) {
     neighbours.counts[v] = std::uint8_t(std::min(offsets[v + 1] - offsets[v], 255));
@@ -97,23 +117,24 @@ void ReleaseNeighbours(QRVMemoryContext& memory, MeshNeighbours& neighbours) {
   neighbours = {};
 }
 
-float* ComputeNeighbourDistances(const MeshView& mesh, const MeshNeighbours& neighbours,
-                                 QRVMemoryContext& memory) {
+NeighbourStep* ComputeNeighbourSteps(const MeshView& mesh, const MeshNeighbours& neighbours,
+                                     QRVMemoryContext& memory) {
   const std::int32_t vertexCount = mesh.vertexCount;
   const std::int32_t* offsets = neighbours.offsets;
-  float* distances = memory.AllocateArray<float>(std::size_t(offsets[vertexCount]));
-  if (distances == nullptr) return nullptr;
+  NeighbourStep* steps = memory.AllocateArray<NeighbourStep>(std::size_t(offsets[vertexCount]));
+  if (steps == nullptr) return nullptr;
     // (a - b) and (b - a) round to exact negatives, so the length is the same from either end.
 #pragma omp parallel for if (vertexCount > kMeshParallelMinimum) schedule(dynamic, 4096)
   for (std::int32_t v = 0; v < vertexCount; ++v) {
     const Vec3f& p = mesh.positions[v];
     for (std::int32_t i = offsets[v]; i < offsets[v + 1]; ++i) {
-      const Vec3f& q = mesh.positions[neighbours.lists[i]];
+      const std::int32_t w = neighbours.lists[i];
+      const Vec3f& q = mesh.positions[w];
       const float dx = p.x - q.x, dy = p.y - q.y, dz = p.z - q.z;
-      distances[i] = std::sqrt(dy * dy + dx * dx + dz * dz);
+      steps[i] = {w, std::sqrt(dy * dy + dx * dx + dz * dz)};
     }
   }
-  return distances;
+  return steps;
 }
 
 }  // namespace quillix

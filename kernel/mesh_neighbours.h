@@ -37,10 +37,17 @@ struct MeshNeighbours {
 bool BuildNeighbours(const MeshView& mesh, QRVMemoryContext& memory, MeshNeighbours& neighbours);
 void ReleaseNeighbours(QRVMemoryContext& memory, MeshNeighbours& neighbours);
 
-// Per neighbour slot (parallel to neighbours.lists): the distance between the two vertices in
-// single precision as sqrt(dy * dy + dx * dx + dz * dz), the path search's step length. An
-// array of offsets[vertexCount] floats from `memory`; null when it refuses.
-float* ComputeNeighbourDistances(const MeshView& mesh, const MeshNeighbours& neighbours,
-                                 QRVMemoryContext& memory);
+// One neighbour slot with the length of its edge: the path search reads both for every
+// neighbour, so they sit side by side in one row.
+struct NeighbourStep {
+  std::int32_t vertex;  // the neighbour, as in neighbours.lists
+  float length;         // sqrt(dy * dy + dx * dx + dz * dz) in single precision
+};
+
+// Per neighbour slot (parallel to neighbours.lists): the neighbour and the distance between
+// the two vertices, the path search's step length. An array of offsets[vertexCount] steps from
+// `memory`; null when it refuses.
+NeighbourStep* ComputeNeighbourSteps(const MeshView& mesh, const MeshNeighbours& neighbours,
+                                     QRVMemoryContext& memory);
 
 }  // namespace quillix

@@ -1,5 +1,6 @@
 // FindVertexPath against Boost Graph Library's Dijkstra (stopped at the target, on the same
-// graph and the same edge lengths) and against the literal list-scan search.
+// graph and the same edge lengths) and against the literal list-scan search. The searches keep
+// their work (VertexPathWork, BGL's property maps) from one path to the next, as a node does.
 // The list scan allocates its arrays per search as the original did; that is noise next to
 // its quadratic scan.
 #include <benchmark/benchmark.h>
@@ -33,7 +34,7 @@ std::unique_ptr<Prepared> Prepare(PlainMesh mesh) {
                      kDescriptionByteSizes);
   prepared->geo->ComponentNumbers();
   prepared->geo->NeighbourLists();
-  prepared->geo->NeighbourDistances();
+  prepared->geo->NeighbourSteps();
   return prepared;
 }
 
@@ -48,6 +49,10 @@ Prepared& Grid200() {
 Prepared& Blob() {
   static auto blob = Prepare(ScannedBlob(7));  // 163,842 vertices
   return *blob;
+}
+Prepared& Sphere() {
+  static auto sphere = Prepare(GeodesicSphere(316));  // 998,562 vertices
+  return *sphere;
 }
 
 std::vector<std::pair<std::int32_t, std::int32_t>> RandomPairs(std::int32_t vertexCount,
@@ -67,7 +72,7 @@ std::vector<std::pair<std::int32_t, std::int32_t>> RandomPairs(std::int32_t vert
 void RunHeap(benchmark::State& state, Prepared& prepared,
              const std::vector<std::pair<std::int32_t, std::int32_t>>& pairs) {
   QRVMemoryContext memory;
-  QRVWorkBuffer distances, predecessors, marks;
+  VertexPathWork work;
   std::vector<std::int32_t> path(std::size_t(prepared.geo->VertexCount()));
   std::int64_t vertices = 0;
   for (auto _ : state) {
@@ -75,8 +80,7 @@ void RunHeap(benchmark::State& state, Prepared& prepared,
       std::int32_t* out = path.data();
       std::int32_t length = 0;
       QRVStatus status = 0;
-      FindVertexPath(*prepared.geo, a, b, out, length, 0, nullptr, status, memory, &distances,
-                     &predecessors, &marks);
+      FindVertexPath(*prepared.geo, a, b, out, length, 0, nullptr, status, memory, &work);
       vertices += length;
       benchmark::DoNotOptimize(out);
     }
@@ -163,11 +167,39 @@ const std::vector<std::pair<std::int32_t, std::int32_t>>& BlobPairs() {
   static const auto pairs = RandomPairs(Blob().geo->VertexCount(), 32);
   return pairs;
 }
+const std::vector<std::pair<std::int32_t, std::int32_t>>& SpherePairs() {
+  static const auto pairs = RandomPairs(Sphere().geo->VertexCount(), 8);
+  return pairs;
+}
+const std::vector<std::pair<std::int32_t, std::int32_t>>& Grid1000Pairs() {
+  static const auto pairs = RandomPairs(1000 * 1000, 8);
+  return pairs;
+}
+// Five vertices along a row in the middle of the grid: a search that should cost what it
+// touches, not what the mesh holds.
+const std::vector<std::pair<std::int32_t, std::int32_t>>& Grid1000Short() {
+  static const std::vector<std::pair<std::int32_t, std::int32_t>> pairs = {{500500, 500504}};
+  return pairs;
+}
 
 void BM_Grid1000Corner_FindVertexPath(benchmark::State& s) { RunHeap(s, Grid1000(), Corner1000()); }
 void BM_Grid1000Corner_BoostDijkstra(benchmark::State& s) { RunBoost(s, Grid1000(), Corner1000()); }
 void BM_ScannedBlob32Pairs_FindVertexPath(benchmark::State& s) { RunHeap(s, Blob(), BlobPairs()); }
 void BM_ScannedBlob32Pairs_BoostDijkstra(benchmark::State& s) { RunBoost(s, Blob(), BlobPairs()); }
+void BM_Grid1000RandomPairs_FindVertexPath(benchmark::State& s) {
+  RunHeap(s, Grid1000(), Grid1000Pairs());
+}
+void BM_Grid1000RandomPairs_BoostDijkstra(benchmark::State& s) {
+  RunBoost(s, Grid1000(), Grid1000Pairs());
+}
+void BM_Sphere1M8Pairs_FindVertexPath(benchmark::State& s) { RunHeap(s, Sphere(), SpherePairs()); }
+void BM_Sphere1M8Pairs_BoostDijkstra(benchmark::State& s) { RunBoost(s, Sphere(), SpherePairs()); }
+void BM_Grid1000FiveVertexPath_FindVertexPath(benchmark::State& s) {
+  RunHeap(s, Grid1000(), Grid1000Short());
+}
+void BM_Grid1000FiveVertexPath_BoostDijkstra(benchmark::State& s) {
+  RunBoost(s, Grid1000(), Grid1000Short());
+}
 void BM_Grid200Corner_FindVertexPath(benchmark::State& s) { RunHeap(s, Grid200(), Corner200()); }
 void BM_Grid200Corner_LiteralListScan(benchmark::State& s) {
   const QRVGeometry& geo = *Grid200().geo;
@@ -179,6 +211,12 @@ BENCHMARK(BM_Grid1000Corner_FindVertexPath)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Grid1000Corner_BoostDijkstra)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ScannedBlob32Pairs_FindVertexPath)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ScannedBlob32Pairs_BoostDijkstra)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Grid1000RandomPairs_FindVertexPath)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Grid1000RandomPairs_BoostDijkstra)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Sphere1M8Pairs_FindVertexPath)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Sphere1M8Pairs_BoostDijkstra)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Grid1000FiveVertexPath_FindVertexPath)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Grid1000FiveVertexPath_BoostDijkstra)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Grid200Corner_FindVertexPath)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Grid200Corner_LiteralListScan)->Unit(benchmark::kMillisecond)->Iterations(1);
 

@@ -88,14 +88,14 @@ void BM_VertexPath(benchmark::State& state) {
   quillix::QRVGeometry geo;
   if (quillix::BuildPathGeometry(positions, description, geo) != 0) state.SkipWithError("build");
   const std::int32_t start = (side / 2) * side + side / 2;
-  quillix::QRVWorkBuffer distances, predecessors, marks;
+  quillix::VertexPathWork work;
   std::vector<std::int32_t> path(positions.size());
   for (auto _ : state) {
     std::int32_t* out = path.data();
     std::int32_t length = geo.VertexCount();
     quillix::QRVStatus status = 0;
     quillix::FindVertexPath(geo, start, start + 10, out, length, 0, nullptr, status, geo.Memory(),
-                            &distances, &predecessors, &marks);
+                            &work);
     benchmark::DoNotOptimize(length);
   }
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "core/mesh/vertex_path.h"
 #include "kernel/status_codes.h"
 
 namespace quillix {
@@ -54,7 +53,7 @@ QRVStatus BuildPathGeometry(std::span<const Vec3f> positions,
       status = kStatusDynamicGeometryFailed;
       geometry.Clear();
     } else {
-      geometry.NeighbourDistances();  // optional: the search measures steps itself without it
+      geometry.NeighbourSteps();  // optional: the search measures steps itself without it
     }
   }
   return status;
@@ -84,8 +83,7 @@ bool ChainPath(const QRVGeometry& geometry, std::span<const std::int32_t> init,
     std::int32_t length = vertexCount;
     QRVStatus status = kStatusOk;
     if (!FindVertexPath(geometry, init[k], init[k + 1], into, length, algorithm, vertexFlags,
-                        status, scratch.Memory(), &scratch.Distances(), &scratch.Predecessors(),
-                        &scratch.OpenMarks())) {
+                        status, scratch.Memory(), &scratch.SearchWork())) {
       path.clear();
       return false;
     }

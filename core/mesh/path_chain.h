@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/math/math_types.h"
+#include "core/mesh/vertex_path.h"
 #include "kernel/geometry.h"
 #include "kernel/memory_context.h"
 #include "kernel/status.h"
@@ -18,7 +19,7 @@ namespace quillix {
 // value belong to no polygon. Polygon sizes are counted in 8 bits: a polygon closed while its
 // count is exactly 255 stops the build with 101, larger ones wrap silently (and so garble the
 // polygons after them). Invalid polygons and unreferenced vertices are then dropped
-// (QRVGeometry::Set) and the neighbour lists, component numbers and step lengths computed.
+// (QRVGeometry::Set) and the neighbour lists, component numbers and neighbour steps computed.
 // Temporary arrays come from the geometry's memory context.
 // Returns 0, 101, 9 (memory refused), 78 (neighbours or components failed) or a code of
 // QRVGeometry::Set; on failure `geometry` is empty.
@@ -26,11 +27,11 @@ QRVStatus BuildPathGeometry(std::span<const Vec3f> positions,
                             std::span<const std::int32_t> description, QRVGeometry& geometry);
 
 // Scratch that ChainPath reuses from one call to the next: a path array of vertex count
-// entries and the search's three work buffers, all accounted by `memory`, grown only when a
+// entries and the search's work (VertexPathWork), all accounted by `memory`, grown only when a
 // larger mesh needs more and released with the scratch. One scratch per thread.
 class PathScratch {
  public:
-  explicit PathScratch(QRVMemoryContext& memory) : memory_(memory) {}
+  explicit PathScratch(QRVMemoryContext& memory) : memory_(memory), work_(&memory) {}
   ~PathScratch() { memory_.Release(path_); }
   PathScratch(const PathScratch&) = delete;
   PathScratch& operator=(const PathScratch&) = delete;
@@ -38,15 +39,13 @@ class PathScratch {
   // An array of at least `vertexCount` (and at least 1) entries; null when memory refuses.
   std::int32_t* PathArray(std::int32_t vertexCount);
   QRVMemoryContext& Memory() const { return memory_; }
-  QRVWorkBuffer& Distances() { return distances_; }
-  QRVWorkBuffer& Predecessors() { return predecessors_; }
-  QRVWorkBuffer& OpenMarks() { return openMarks_; }
+  VertexPathWork& SearchWork() { return work_; }
 
  private:
   QRVMemoryContext& memory_;
   std::int32_t* path_ = nullptr;
   std::int32_t pathCapacity_ = 0;
-  QRVWorkBuffer distances_, predecessors_, openMarks_;
+  VertexPathWork work_;
 };
 
 // Chains the shortest paths init[0] → init[1] → ... → init[#I - 1] on `geometry` (built by

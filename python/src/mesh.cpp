@@ -26,7 +26,7 @@ namespace {
 // The work arrays of one search, kept between searches so that a mesh searched many times
 // allocates them once per concurrent caller.
 struct SearchScratch {
-  QRVWorkBuffer distances, predecessors, marks;
+  VertexPathWork work;
   std::vector<std::int32_t> path;
 };
 
@@ -166,8 +166,7 @@ QRVStatus Search(const QRVGeometry& geo, std::int32_t start, std::int32_t end,
   std::int32_t* path = scratch.path.data();
   length = geo.VertexCount();
   QRVStatus status = 0;
-  FindVertexPath(geo, start, end, path, length, 0, flags, status, geo.Memory(), &scratch.distances,
-                 &scratch.predecessors, &scratch.marks);
+  FindVertexPath(geo, start, end, path, length, 0, flags, status, geo.Memory(), &scratch.work);
   return status;
 }
 

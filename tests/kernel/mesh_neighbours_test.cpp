@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <random>
 #include <vector>
 
 #include "kernel/geometry.h"
@@ -87,6 +89,55 @@ TEST(GeometryComponents, NumberedByLowestVertexAndWithoutRecursionOnAMillionVert
   ASSERT_NE(numbers, nullptr);
   EXPECT_EQ(*std::max_element(numbers, numbers + geo.VertexCount()), 0);
   EXPECT_EQ(numbers[geo.VertexCount() - 1], 0);
+}
+
+// Random triangles over scattered vertices make many islands joined in every order, which is
+// what the in-place set joining must get right; the reference is a plain breadth-first fill.
+TEST(GeometryComponents, RandomIslandsNumberAsAFillFromEachLowestVertex) {
+  std::mt19937 random(9);
+  PlainMesh mesh;
+  const std::int32_t n = 3000;
+  for (std::int32_t v = 0; v < n; ++v) mesh.positions.push_back({float(v), float(v % 7), 0});
+  std::uniform_int_distribution<std::int32_t> pick(0, n - 1);
+  for (int t = 0; t < 1100; ++t) {
+    const std::int32_t a = pick(random), b = pick(random), c = pick(random);
+    if (a == b || b == c || a == c) continue;
+    mesh.sizes.push_back(3);
+    mesh.indices.insert(mesh.indices.end(), {a, b, c});
+  }
+  QRVGeometry geo;
+  ASSERT_EQ(SetPlainMesh(geo, mesh), kStatusOk);
+  const std::int32_t count = geo.VertexCount();
+  const std::int32_t* numbers = geo.ComponentNumbers();
+  ASSERT_NE(numbers, nullptr);
+  std::vector<std::int32_t> expected(std::size_t(count), -1), queue;
+  std::int32_t next = 0;
+  for (std::int32_t seed = 0; seed < count; ++seed) {
+    if (expected[seed] != -1) continue;
+    expected[seed] = next;
+    queue = {seed};
+    for (std::size_t k = 0; k < queue.size(); ++k) {
+      for (std::int32_t w : NeighboursOf(geo, queue[k])) {
+        if (expected[w] == -1) expected[w] = next, queue.push_back(w);
+      }
+    }
+    ++next;
+  }
+  EXPECT_GT(next, 20);
+  EXPECT_EQ(std::vector<std::int32_t>(numbers, numbers + count), expected);
+
+  // The neighbour steps repeat the lists with the search's step length beside each neighbour.
+  const NeighbourStep* steps = geo.NeighbourSteps();
+  ASSERT_NE(steps, nullptr);
+  const Vec3f* p = geo.Positions();
+  for (std::int32_t v = 0; v < count; ++v) {
+    for (std::int32_t i = geo.NeighbourOffsets()[v]; i < geo.NeighbourOffsets()[v + 1]; ++i) {
+      const std::int32_t w = geo.NeighbourLists()[i];
+      const float dx = p[v].x - p[w].x, dy = p[v].y - p[w].y, dz = p[v].z - p[w].z;
+      ASSERT_EQ(steps[i].vertex, w);
+      ASSERT_EQ(steps[i].length, std::sqrt(dy * dy + dx * dx + dz * dz));
+    }
+  }
 }
 
 }  // namespace

@@ -85,6 +85,57 @@ TEST(VertexPath, HeapSearchEqualsTheLiteralListScanOnRandomPairs) {
   EXPECT_GT(compared, 600);
 }
 
+// One work record carried through many searches must give what a fresh search gives: each
+// search resets only the records it wrote, including after searches that fail having reached
+// a whole island, searches cut short by the maximum length, and a smaller mesh in between.
+TEST(VertexPath, ReusedWorkEqualsAFreshSearchAfterEverySearch) {
+  PlainMesh mesh = QuadGrid(24, 18, 0.3f, 7);
+  const PlainMesh island = QuadGrid(6, 5, 0.2f, 8);
+  const std::int32_t first = std::int32_t(mesh.positions.size());
+  for (Vec3f p : island.positions) mesh.positions.push_back({p.x + 40.0f, p.y, p.z});
+  mesh.sizes.insert(mesh.sizes.end(), island.sizes.begin(), island.sizes.end());
+  for (std::int32_t v : island.indices) mesh.indices.push_back(v + first);
+  QRVGeometry measured, cached, small;
+  Build(measured, mesh, false);  // no components: searches across islands run to exhaustion
+  Build(cached, mesh, false);
+  ASSERT_NE(cached.NeighbourSteps(), nullptr);
+  Build(small, island);
+  const std::int32_t n = measured.VertexCount();
+  std::mt19937 random(5);
+  std::vector<std::uint8_t> blocked(n, 1);
+  for (std::int32_t v = 0; v < n; ++v) blocked[v] = (random() % 4) != 0;
+
+  QRVMemoryContext memory;
+  VertexPathWork work;
+  std::uniform_int_distribution<std::int32_t> pick(0, n - 1);
+  std::vector<std::int32_t> path(static_cast<std::size_t>(n));
+  int failures = 0;
+  for (int k = 0; k < 600; ++k) {
+    const bool useSmall = k % 50 == 49;
+    const QRVGeometry& geo = useSmall ? small : (k % 2 ? cached : measured);
+    const std::int32_t count = geo.VertexCount();
+    const std::int32_t a = pick(random) % count, b = pick(random) % count;
+    const std::uint8_t* flags = !useSmall && random() % 3 == 0 ? blocked.data() : nullptr;
+    const std::int32_t maximum = random() % 6 == 0 ? 8 : 0;
+    std::int32_t* into = path.data();
+    std::int32_t length = maximum;
+    QRVStatus status = 0;
+    FindVertexPath(geo, a, b, into, length, 0, flags, status, memory, &work);
+    QRVMemoryContext freshMemory;
+    std::int32_t* fresh = nullptr;
+    std::int32_t freshLength = maximum;
+    QRVStatus freshStatus = 0;
+    FindVertexPath(geo, a, b, fresh, freshLength, 0, flags, freshStatus, freshMemory);
+    ASSERT_EQ(status, freshStatus) << "search " << k << ": " << a << " -> " << b;
+    ASSERT_EQ(std::vector<std::int32_t>(into, into + length),
+              std::vector<std::int32_t>(fresh, fresh + freshLength))
+        << "search " << k << ": " << a << " -> " << b;
+    freshMemory.Release(fresh);
+    failures += status != kStatusOk;
+  }
+  EXPECT_GT(failures, 100);
+}
+
 TEST(VertexPath, ArgumentChecksInOrderTheLastFailingOneDecides) {
   QRVMemoryContext memory;
   QRVGeometry empty;
@@ -167,24 +218,22 @@ TEST(VertexPath, MaximumLengthAndCallerArrays) {
   // Written in place into the caller's array, with reusable work buffers that grow only once.
   std::vector<std::int32_t> mine(10, -7);
   std::int32_t* into = mine.data();
-  QRVWorkBuffer distances, predecessors, marks;
+  VertexPathWork work;
   length = 10;
-  ASSERT_TRUE(FindVertexPath(geo, 9, 5, into, length, 0, nullptr, status, memory, &distances,
-                             &predecessors, &marks));
+  ASSERT_TRUE(FindVertexPath(geo, 9, 5, into, length, 0, nullptr, status, memory, &work));
   EXPECT_EQ(into, mine.data());
   EXPECT_EQ(std::vector<std::int32_t>(mine.begin(), mine.begin() + length),
             (std::vector<std::int32_t>{9, 8, 7, 6, 5}));
   EXPECT_EQ(mine[5], -7);
-  void* kept = distances.data;
-  EXPECT_EQ(distances.capacity, 10 * sizeof(float));
-  EXPECT_EQ(marks.capacity, 10u);
+  void* kept = work.records.data;
+  EXPECT_EQ(work.records.capacity, 10 * 8u);
+  EXPECT_EQ(work.predecessors.capacity, 10 * sizeof(std::int32_t));
   length = 10;
-  ASSERT_TRUE(FindVertexPath(geo, 0, 9, into, length, 0, nullptr, status, memory, &distances,
-                             &predecessors, &marks));
-  EXPECT_EQ(distances.data, kept);
+  ASSERT_TRUE(FindVertexPath(geo, 0, 9, into, length, 0, nullptr, status, memory, &work));
+  EXPECT_EQ(work.records.data, kept);
   const std::int64_t withBuffers = memory.BytesInUse();
   EXPECT_GT(withBuffers, 0);
-  distances.Free(), predecessors.Free(), marks.Free();
+  work.records.Free(), work.predecessors.Free(), work.order.Free();
   EXPECT_EQ(memory.BytesInUse(), 0);
 
   // A memory limit too small for the work buffers: 9, nothing written.
