@@ -58,9 +58,8 @@ int Run(int argc, char** argv) {
 
   try {
     app.parse(argc, argv);
-  } catch (const CLI::CallForHelp& e) {
-    return app.exit(e);
   } catch (const CLI::ParseError& e) {
+    if (e.get_exit_code() == 0) return app.exit(e);  // --help, --version
     std::cerr << "quillix: " << e.what() << '\n';
     return 2;
   }
