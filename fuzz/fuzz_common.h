@@ -24,9 +24,12 @@ inline void Check(bool ok, const char* what) {
 // so that the edge handling of counts is reached without every input asking for gigabytes.
 inline std::int32_t SmallOrAnyCount(FuzzedDataProvider& in, std::int32_t smallMax) {
   switch (in.ConsumeIntegralInRange<int>(0, 7)) {
-    case 0: return in.ConsumeIntegral<std::int32_t>();
-    case 1: return in.ConsumeIntegralInRange<std::int32_t>(-3, 0);
-    default: return in.ConsumeIntegralInRange<std::int32_t>(0, smallMax);
+    case 0:
+      return in.ConsumeIntegral<std::int32_t>();
+    case 1:
+      return in.ConsumeIntegralInRange<std::int32_t>(-3, 0);
+    default:
+      return in.ConsumeIntegralInRange<std::int32_t>(0, smallMax);
   }
 }
 
@@ -49,8 +52,12 @@ inline float ConsumeNastyFloat(FuzzedDataProvider& in) {
                                            0x00000001u, 0x00800000u, 0x7FBFFFFFu, 0x3F800000u};
   std::uint32_t bits;
   switch (in.ConsumeIntegralInRange<int>(0, 3)) {
-    case 0: bits = in.PickValueInArray(kSpecial); break;
-    case 1: bits = in.ConsumeIntegral<std::uint32_t>(); break;
+    case 0:
+      bits = in.PickValueInArray(kSpecial);
+      break;
+    case 1:
+      bits = in.ConsumeIntegral<std::uint32_t>();
+      break;
     default: {
       const float f = float(in.ConsumeIntegralInRange<int>(-1000, 1000)) * 0.125f;
       return f;

@@ -26,9 +26,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   if (xsihost::LoadMeshFile(path, mesh, error)) {
     for (const auto& polygon : mesh.polygons)
       for (std::int32_t v : polygon)
-        Check(v >= 0 && std::size_t(v) < mesh.points.size(), "a polygon names a vertex the mesh lacks");
+        Check(v >= 0 && std::size_t(v) < mesh.points.size(),
+              "a polygon names a vertex the mesh lacks");
   } else {
-    Check(!error.empty() && error.find('\n') == std::string::npos, "a failure without one message line");
+    Check(!error.empty() && error.find('\n') == std::string::npos,
+          "a failure without one message line");
   }
   return 0;
 }

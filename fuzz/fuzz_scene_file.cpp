@@ -19,7 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   if (scene) {
     Check(error.empty(), "a scene was read and an error reported");
   } else {
-    Check(!error.empty() && error.find('\n') == std::string::npos, "a failure without one message line");
+    Check(!error.empty() && error.find('\n') == std::string::npos,
+          "a failure without one message line");
   }
   return 0;
 }

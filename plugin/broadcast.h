@@ -107,7 +107,8 @@ void EvaluatePairs(XSI::ICENodeContext& context, ULONG portA, ULONG portB, const
       [&kernel](const B& value, bool reused) { return kernel.PrepareB(value, reused); });
   const auto pair = [&](const A& valueA, const B& valueB) {
     return a.With(valueA, [&](const auto& preparedA) {
-      return b.With(valueB, [&](const auto& preparedB) { return kernel.Pair(preparedA, preparedB); });
+      return b.With(valueB,
+                    [&](const auto& preparedB) { return kernel.Pair(preparedA, preparedB); });
     });
   };
 

@@ -11,19 +11,26 @@ namespace {
 
 XSI::CValue ToValue(const DefaultValue& d) {
   switch (d.kind) {
-    case DefaultValue::Kind::Bool: return XSI::CValue(d.number != 0.0);
-    case DefaultValue::Kind::Int: return XSI::CValue(static_cast<XSI::LONG>(d.number));
-    case DefaultValue::Kind::Float: return XSI::CValue(static_cast<float>(d.number));
-    case DefaultValue::Kind::Double: return XSI::CValue(d.number);
-    case DefaultValue::Kind::String: return XSI::CValue(XSI::CString(d.text));
-    case DefaultValue::Kind::Vector3Zero: return XSI::CValue(XSI::MATH::CVector3f(0.0f, 0.0f, 0.0f));
+    case DefaultValue::Kind::Bool:
+      return XSI::CValue(d.number != 0.0);
+    case DefaultValue::Kind::Int:
+      return XSI::CValue(static_cast<XSI::LONG>(d.number));
+    case DefaultValue::Kind::Float:
+      return XSI::CValue(static_cast<float>(d.number));
+    case DefaultValue::Kind::Double:
+      return XSI::CValue(d.number);
+    case DefaultValue::Kind::String:
+      return XSI::CValue(XSI::CString(d.text));
+    case DefaultValue::Kind::Vector3Zero:
+      return XSI::CValue(XSI::MATH::CVector3f(0.0f, 0.0f, 0.0f));
     case DefaultValue::Kind::Matrix44Zero: {
       XSI::MATH::CMatrix4f zero;
       for (short r = 0; r < 4; ++r)
         for (short c = 0; c < 4; ++c) zero.SetValue(r, c, 0.0f);
       return XSI::CValue(zero);
     }
-    case DefaultValue::Kind::None: break;
+    case DefaultValue::Kind::None:
+      break;
   }
   return XSI::CValue();
 }

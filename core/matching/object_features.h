@@ -17,16 +17,16 @@ namespace quillix {
 // No triangles give 0; degenerate triangles add 0.
 double TriangleSurfaceArea(std::span<const Vec3d> corners);
 
-// TriangleSurfaceArea over `corners` (#T × 3 positions) each mapped by TransformPoint (core/math/mat4_ops.h) with
-// `transform`.
+// TriangleSurfaceArea over `corners` (#T × 3 positions) each mapped by TransformPoint
+// (core/math/mat4_ops.h) with `transform`.
 double TransformedSurfaceArea(std::span<const Vec3d> corners, const Mat4d& transform);
 
 // Arithmetic mean of `values` (#N vectors): their sum in order divided by N. The zero vector
 // when `values` is empty.
 Vec3d Average(std::span<const Vec3d> values);
 
-// Average of `points` (#N positions) each mapped by TransformPoint (core/math/mat4_ops.h) with `transform`; the
-// zero vector when empty.
+// Average of `points` (#N positions) each mapped by TransformPoint (core/math/mat4_ops.h) with
+// `transform`; the zero vector when empty.
 Vec3d TransformedPointAverage(std::span<const Vec3d> points, const Mat4d& transform);
 
 // Average of `directions` (#N vectors) each mapped by TransformDirection with `transform`;

@@ -22,7 +22,9 @@ using Vec3d = Vec3<double>;
 template <class T>
 struct Mat3 {
   T m[3][3] = {};
-  static constexpr Mat3 Identity() { return {{{T(1), T(0), T(0)}, {T(0), T(1), T(0)}, {T(0), T(0), T(1)}}}; }
+  static constexpr Mat3 Identity() {
+    return {{{T(1), T(0), T(0)}, {T(0), T(1), T(0)}, {T(0), T(0), T(1)}}};
+  }
 };
 using Mat3f = Mat3<float>;
 using Mat3d = Mat3<double>;

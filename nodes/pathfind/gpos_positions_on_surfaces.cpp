@@ -143,7 +143,8 @@ QUILLIX_EVALUATE(Quillix_gpos) {
           continue;
         }
         const quillix::Mat4f transform = ToMat4f(matrixList[i]);
-        for (const quillix::Vec3f& p : positions) placed.push_back(quillix::TransformPoint(p, transform));
+        for (const quillix::Vec3f& p : positions)
+          placed.push_back(quillix::TransformPoint(p, transform));
       }
     }
     WriteArray(result, it, std::span<const quillix::Vec3f>(placed));

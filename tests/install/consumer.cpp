@@ -10,7 +10,8 @@
 int main() {
   const quillix::QuotientRemainder d = quillix::DivideInt(-7, 2);
   const std::vector<quillix::Vec3f> line = {{0, 0, 0}, {1, 0.01f, 0}, {2, 0, 0}, {3, 2, 0}};
-  const std::vector<quillix::Vec3f> simplified = quillix::SimplifyPolyline(line, 0.5f, false, false);
+  const std::vector<quillix::Vec3f> simplified =
+      quillix::SimplifyPolyline(line, 0.5f, false, false);
   if (d.quotient != -3 || d.remainder != -1 || simplified.size() != 3) {
     std::printf("wrong: %d %d, %zu points\n", d.quotient, d.remainder, simplified.size());
     return 1;

@@ -54,8 +54,8 @@ std::set<std::string> CatalogueNodes() {
   std::set<std::string> names;
   const std::string text = ReadText(kRoot / "plugin/catalogue.inc");
   const std::regex entry(R"(QUILLIX_NODE\((\w+)\))");
-  for (auto it = std::sregex_iterator(text.begin(), text.end(), entry); it != std::sregex_iterator();
-       ++it)
+  for (auto it = std::sregex_iterator(text.begin(), text.end(), entry);
+       it != std::sregex_iterator(); ++it)
     names.insert("Quillix_" + (*it)[1].str());
   return names;
 }
@@ -85,8 +85,8 @@ TEST(ArchitectureTable, EveryRowPointsAtFilesThatSayWhatTheRowSays) {
     const std::string callback = command ? row.name + "_Execute" : row.name + "_Register";
     EXPECT_NE(binding.find(callback), std::string::npos) << row.binding;
     // Tests mirror the tree and carry the binding's name.
-    EXPECT_EQ(row.test, "tests/" + fs::path(row.binding).parent_path().string() + "/" + stem +
-                            "_test.cpp");
+    EXPECT_EQ(row.test,
+              "tests/" + fs::path(row.binding).parent_path().string() + "/" + stem + "_test.cpp");
     // The docs cell links "<file>.md#<anchor>" beside this page; the file has a section
     // headed by the name.
     const auto open = row.docs.find('(');
