@@ -1,5 +1,6 @@
-// Line simplification against Boost.Geometry's Douglas-Peucker on the same polylines, and line
-// resampling against a plain copy of the same bytes.
+// Line simplification, with its AVX2 distance scan and with the plain one, against
+// Boost.Geometry's Douglas-Peucker on the same polylines; line resampling against a plain copy
+// of the same bytes.
 #include <benchmark/benchmark.h>
 
 #include <boost/geometry.hpp>
@@ -11,6 +12,7 @@
 #include "bench/curve/polylines.h"
 #include "core/curve/line_resample.h"
 #include "core/curve/line_simplify.h"
+#include "core/curve/line_simplify_scan.h"
 
 namespace {
 
@@ -40,12 +42,12 @@ BoostLine ToBoost(const std::vector<quillix::Vec3f>& points) {
 
 // Copy into the reused work buffer and simplify there, as the node does per element.
 void RunSimplifyLine(benchmark::State& state, const std::vector<quillix::Vec3f>& input,
-                     float epsilon) {
+                     float epsilon, quillix::ScanKernel kernel) {
   std::vector<quillix::Vec3f> work(input.size());
   std::size_t kept = 0;
   for (auto _ : state) {
     std::memcpy(work.data(), input.data(), input.size() * sizeof(quillix::Vec3f));
-    kept = quillix::SimplifyLine(epsilon, work);
+    kept = quillix::SimplifyLine(epsilon, work, kernel);
     benchmark::DoNotOptimize(work.data());
   }
   state.SetItemsProcessed(state.iterations() * std::int64_t(input.size()));
@@ -66,21 +68,31 @@ void RunBoostSimplify(benchmark::State& state, const std::vector<quillix::Vec3f>
 }
 
 void BM_SimplifyLine_NoisyWalk(benchmark::State& state) {
-  RunSimplifyLine(state, Walk(), kWalkEpsilon);
+  RunSimplifyLine(state, Walk(), kWalkEpsilon, quillix::ScanKernel::kFastest);
+  state.SetLabel(quillix::HasVectorScan() ? "avx2" : "plain (no avx2)");
+}
+void BM_SimplifyLineScalar_NoisyWalk(benchmark::State& state) {
+  RunSimplifyLine(state, Walk(), kWalkEpsilon, quillix::ScanKernel::kScalar);
 }
 void BM_BoostSimplify_NoisyWalk(benchmark::State& state) {
   RunBoostSimplify(state, Walk(), kWalkEpsilon);
 }
 void BM_SimplifyLine_Spiral(benchmark::State& state) {
-  RunSimplifyLine(state, Spiral(), kSpiralEpsilon);
+  RunSimplifyLine(state, Spiral(), kSpiralEpsilon, quillix::ScanKernel::kFastest);
+  state.SetLabel(quillix::HasVectorScan() ? "avx2" : "plain (no avx2)");
+}
+void BM_SimplifyLineScalar_Spiral(benchmark::State& state) {
+  RunSimplifyLine(state, Spiral(), kSpiralEpsilon, quillix::ScanKernel::kScalar);
 }
 void BM_BoostSimplify_Spiral(benchmark::State& state) {
   RunBoostSimplify(state, Spiral(), kSpiralEpsilon);
 }
 
 BENCHMARK(BM_SimplifyLine_NoisyWalk)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SimplifyLineScalar_NoisyWalk)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BoostSimplify_NoisyWalk)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SimplifyLine_Spiral)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SimplifyLineScalar_Spiral)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BoostSimplify_Spiral)->Unit(benchmark::kMillisecond);
 
 // 10^6 points to 10^6 points with three smoothing passes, output and segment table reused.

@@ -6,6 +6,7 @@
 #include <cassert>
 #include <cmath>
 
+#include "core/curve/line_simplify_scan.h"
 #include "core/math/vec3_ops.h"
 
 namespace quillix {
@@ -16,56 +17,7 @@ struct Part {
   std::size_t last;   // index of the part's last point (inclusive)
 };
 
-float SquaredDistance(const Vec3f& a, const Vec3f& b) {
-  const Vec3f d = Subtract(a, b);
-  return Dot(d, d);
-}
-
 void MarkForRemoval(Vec3f& point) { point.x = std::bit_cast<float>(kRemovalMarkBits); }
-
-// Squared distance of the farthest interior point of points[first..last] from the chord
-// segment, and its index (lowest index among equal distances; first when there is none).
-struct Farthest {
-  float squaredDistance;
-  std::size_t index;
-};
-
-Farthest FindFarthest(std::span<const Vec3f> points, std::size_t first, std::size_t last) {
-  const Vec3f a = points[first];
-  const Vec3f b = points[last];
-  const Vec3f chord = Subtract(b, a);
-  const float length = Length(chord);
-  float best = -1.0f;
-  std::size_t bestIndex = first;
-  if (length < 1e-15f) {
-    for (std::size_t i = first + 1; i < last; ++i) {
-      const float s = SquaredDistance(points[i], a);
-      if (s > best) {
-        best = s;
-        bestIndex = i;
-      }
-    }
-    return {best, bestIndex};
-  }
-  const Vec3f unit = Scale(chord, 1.0f / length);
-  for (std::size_t i = first + 1; i < last; ++i) {
-    const Vec3f p = points[i];
-    const float t = Dot(Subtract(p, a), unit);
-    float s;
-    if (t < 0.0f) {
-      s = SquaredDistance(p, a);
-    } else if (t > length) {
-      s = SquaredDistance(p, b);
-    } else {
-      s = SquaredDistance(Advance(a, t, unit), p);
-    }
-    if (s > best) {
-      best = s;
-      bestIndex = i;
-    }
-  }
-  return {best, bestIndex};
-}
 
 // Writes three points built from the first `count` (0, 1 or 2) of `points` into out[0..2];
 // `points` and `out` may be the same buffer.
@@ -89,7 +41,7 @@ void FillToThreePoints(const Vec3f* points, std::size_t count, Vec3f* out) {
 
 bool IsRemovalMark(float x) { return std::bit_cast<std::uint32_t>(x) == kRemovalMarkBits; }
 
-void MarkPointsForRemoval(float epsilon, std::span<Vec3f> points) {
+void MarkPointsForRemoval(float epsilon, std::span<Vec3f> points, ScanKernel kernel) {
   if (points.size() < 3) return;
   const float tolerance = epsilon * epsilon;
   // The parts left and right of a split share only the split point, which is never marked, so
@@ -100,7 +52,7 @@ void MarkPointsForRemoval(float epsilon, std::span<Vec3f> points) {
   Part part{0, points.size() - 1};
   for (;;) {
     if (part.last - part.first >= 2) {
-      const Farthest farthest = FindFarthest(points, part.first, part.last);
+      const FarthestPoint farthest = FindFarthestPoint(points, part.first, part.last, kernel);
       if (farthest.squaredDistance < tolerance) {
         for (std::size_t i = part.first + 1; i < part.last; ++i) MarkForRemoval(points[i]);
       } else {
@@ -132,9 +84,9 @@ std::size_t CompactMarkedPoints(std::span<Vec3f> points) {
   return kept;
 }
 
-std::size_t SimplifyLine(float epsilon, std::span<Vec3f> points) {
+std::size_t SimplifyLine(float epsilon, std::span<Vec3f> points, ScanKernel kernel) {
   if (points.size() < 3 || !(epsilon > 0.0f)) return points.size();
-  MarkPointsForRemoval(epsilon, points);
+  MarkPointsForRemoval(epsilon, points, kernel);
   return CompactMarkedPoints(points);
 }
 

@@ -18,6 +18,13 @@ inline constexpr std::uint32_t kRemovalMarkBits = 0x7FBFFFFFu;
 // True when `x` carries the removal mark bit for bit.
 bool IsRemovalMark(float x);
 
+// Which loop measures the distances to a chord. Both give the same bits; kScalar exists so
+// that tests and benchmarks can hold the vector loop against the plain one.
+enum class ScanKernel {
+  kFastest,  // AVX2 where the processor has it, the plain loop otherwise
+  kScalar,   // always the plain loop
+};
+
 // The marking step over the #P points of `points`, in place: splits at the interior point
 // farthest from the chord first–last (lowest index among equal distances) while that distance
 // is at least `epsilon`, and marks every interior point of a part whose farthest point is
@@ -26,7 +33,8 @@ bool IsRemovalMark(float x);
 // marked, and nothing is marked for fewer than 3 points. Nothing is moved: the caller compacts
 // (CompactMarkedPoints) or reads the marks. Works with a fixed stack of pending parts, so the
 // call stack never grows with the input.
-void MarkPointsForRemoval(float epsilon, std::span<Vec3f> points);
+void MarkPointsForRemoval(float epsilon, std::span<Vec3f> points,
+                          ScanKernel kernel = ScanKernel::kFastest);
 
 // Drops every point whose x carries the removal mark, moving the others to the front of
 // `points` in their order; returns how many were kept. The points after those are left as
@@ -36,7 +44,8 @@ std::size_t CompactMarkedPoints(std::span<Vec3f> points);
 // Simplifies the #P points of `points` in place (MarkPointsForRemoval, then
 // CompactMarkedPoints) and returns how many were kept at the front. Leaves the points as they
 // are and returns #P when #P < 3 or `epsilon` is not greater than 0 (NaN included).
-std::size_t SimplifyLine(float epsilon, std::span<Vec3f> points);
+std::size_t SimplifyLine(float epsilon, std::span<Vec3f> points,
+                         ScanKernel kernel = ScanKernel::kFastest);
 
 // Work buffer size (in points) that SimplifyPolyline needs for an input of `inputCount`.
 inline std::size_t SimplifyWorkSize(std::size_t inputCount) {

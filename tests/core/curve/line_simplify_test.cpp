@@ -7,11 +7,14 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <limits>
+#include <random>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 #include "bench/curve/polylines.h"
+#include "core/curve/line_simplify_scan.h"
 
 namespace quillix {
 namespace {
@@ -231,6 +234,137 @@ TEST(MarkPointsForRemoval, NoisyWalkMatchesTheRecursiveMarks) {
   }
   EXPECT_GT(marked, 0u);
   EXPECT_LT(marked, points.size() - 2);
+}
+
+// The AVX2 farthest-point scan against the plain loop: same distance bits, same index, and so
+// the same simplified lines, including NaN, infinities, ties and every length around the
+// vector width.
+
+// Coordinate generators, from tie-heavy to anything-goes.
+enum class Mix { kFewValues, kSmooth, kNasty };
+
+float Coordinate(std::mt19937& engine, Mix mix) {
+  std::uniform_real_distribution<float> real(-10.0f, 10.0f);
+  if (mix == Mix::kFewValues) return float(int(engine() % 3) - 1);  // -1, 0, 1: many ties
+  if (mix == Mix::kSmooth) return real(engine);
+  switch (engine() % 12) {
+    case 0:
+      return std::numeric_limits<float>::quiet_NaN();
+    case 1:
+      return std::numeric_limits<float>::infinity();
+    case 2:
+      return -std::numeric_limits<float>::infinity();
+    case 3:
+      return 3.0e38f;  // squares overflow
+    case 4:
+      return std::numeric_limits<float>::denorm_min();
+    case 5:
+      return std::bit_cast<float>(kRemovalMarkBits);
+    case 6:
+      return float(int(engine() % 3) - 1);
+    default:
+      return real(engine);
+  }
+}
+
+Line RandomLine(std::mt19937& engine, std::size_t count, Mix mix) {
+  Line line(count);
+  for (auto& p : line) p = {Coordinate(engine, mix), Coordinate(engine, mix), 0.0f};
+  if (mix != Mix::kSmooth)
+    for (auto& p : line) p.z = Coordinate(engine, mix);
+  if (count > 0 && engine() % 4 == 0) line.back() = line.front();             // a degenerate chord
+  if (count > 4 && engine() % 4 == 0) line[count / 2] = line[count / 2 + 1];  // repeated point
+  return line;
+}
+
+void ExpectSameScan(const Line& line, std::size_t first, std::size_t last) {
+  const FarthestPoint plain = FindFarthestPoint(line, first, last, ScanKernel::kScalar);
+  const FarthestPoint fast = FindFarthestPoint(line, first, last, ScanKernel::kFastest);
+  ASSERT_EQ(std::bit_cast<std::uint32_t>(fast.squaredDistance),
+            std::bit_cast<std::uint32_t>(plain.squaredDistance))
+      << "part " << first << ".." << last;
+  ASSERT_EQ(fast.index, plain.index) << "part " << first << ".." << last;
+}
+
+// Marks and compaction with both loops: the marks carry the kept indices, the compacted
+// points their values.
+void ExpectSameSimplification(const Line& line, float epsilon) {
+  Line plain = line, fast = line;
+  MarkPointsForRemoval(epsilon, plain, ScanKernel::kScalar);
+  MarkPointsForRemoval(epsilon, fast, ScanKernel::kFastest);
+  for (std::size_t i = 0; i < line.size(); ++i)
+    ASSERT_TRUE(SameBits(fast[i], plain[i])) << "point " << i << " of " << line.size();
+  Line plainOut = line, fastOut = line;
+  const std::size_t plainKept = SimplifyLine(epsilon, plainOut, ScanKernel::kScalar);
+  ASSERT_EQ(SimplifyLine(epsilon, fastOut, ScanKernel::kFastest), plainKept);
+  for (std::size_t i = 0; i < plainKept; ++i) ASSERT_TRUE(SameBits(fastOut[i], plainOut[i]));
+}
+
+class VectorScan : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!HasVectorScan()) GTEST_SKIP() << "no AVX2 here: both kernels run the plain loop";
+  }
+};
+
+TEST_F(VectorScan, SameFarthestPointForEveryLengthAroundTheVectorWidth) {
+  std::mt19937 engine(11);
+  for (Mix mix : {Mix::kFewValues, Mix::kSmooth, Mix::kNasty}) {
+    for (int round = 0; round < 40; ++round) {
+      // Up to three leading points shift the interior against the eight-point blocks.
+      for (std::size_t lead = 0; lead < 4; ++lead) {
+        for (std::size_t interior = 0; interior <= 40; ++interior) {
+          const Line line = RandomLine(engine, lead + interior + 2, mix);
+          ExpectSameScan(line, lead, lead + interior + 1);
+        }
+      }
+    }
+  }
+}
+
+TEST_F(VectorScan, TiesGoToTheLowestIndexWhicheverLaneHoldsIt) {
+  // Interior points all at one distance from the chord, with equally high bumps every seven
+  // points from `early` on, so that the bumps fall in every lane: the earliest must win.
+  for (std::size_t early = 1; early < 40; ++early) {
+    Line line(42, Vec3f{0.0f, 1.0f, 0.0f});
+    line.front() = {-1.0f, 0.0f, 0.0f};
+    line.back() = {1.0f, 0.0f, 0.0f};
+    for (std::size_t i = early; i < 41; i += 7) line[i].y = 2.0f;
+    ExpectSameScan(line, 0, 41);
+    EXPECT_EQ(FindFarthestPoint(line, 0, 41, ScanKernel::kFastest).index, early);
+  }
+  // Every interior point on the chord: all distances 0, the first interior point wins.
+  Line collinear(37);
+  for (std::size_t i = 0; i < collinear.size(); ++i) collinear[i] = {float(i), 0.0f, 0.0f};
+  ExpectSameScan(collinear, 0, 36);
+  EXPECT_EQ(FindFarthestPoint(collinear, 0, 36, ScanKernel::kFastest).index, 1u);
+}
+
+TEST_F(VectorScan, OnlyNanDistancesLeaveNoFarthestPoint) {
+  Line line(30, Vec3f{std::numeric_limits<float>::quiet_NaN(), 0.0f, 0.0f});
+  line.front() = {0.0f, 0.0f, 0.0f};
+  line.back() = {1.0f, 0.0f, 0.0f};
+  const FarthestPoint fast = FindFarthestPoint(line, 0, 29, ScanKernel::kFastest);
+  EXPECT_EQ(fast.squaredDistance, -1.0f);
+  EXPECT_EQ(fast.index, 0u);
+  ExpectSameScan(line, 0, 29);
+}
+
+TEST_F(VectorScan, SameSimplifiedLinesForRandomAndLongLines) {
+  std::mt19937 engine(5);
+  for (Mix mix : {Mix::kFewValues, Mix::kSmooth, Mix::kNasty}) {
+    for (int round = 0; round < 20; ++round) {
+      for (std::size_t count = 0; count <= 42; ++count) {
+        const Line line = RandomLine(engine, count, mix);
+        for (float epsilon : {1e-30f, 0.5f, 3.0f}) ExpectSameSimplification(line, epsilon);
+      }
+    }
+  }
+  // Ties everywhere split a part next to its end again and again: quadratic, so shorter.
+  ExpectSameSimplification(RandomLine(engine, 10'000, Mix::kFewValues), 0.5f);
+  ExpectSameSimplification(RandomLine(engine, 100'000, Mix::kNasty), 0.5f);
+  ExpectSameSimplification(testlines::NoisyWalk(100'000, 3), 0.5f);
+  ExpectSameSimplification(testlines::SpikedSpiral(100'000, 10'000), 0.05f);
 }
 
 }  // namespace
