@@ -125,14 +125,8 @@ std::int32_t QRVGeometry::UnreferencedVertexCount() {
 std::int32_t QRVGeometry::InvalidPolygonCount() {
   return Ensure(kDerivedInvalidPolygons) ? invalidPolygons_ : 0;
 }
-std::int32_t QRVGeometry::TriangleCount() {
-  return Ensure(kDerivedPolygonSizeCounts) ? sizeCounts_.triangles : 0;
-}
 std::int32_t QRVGeometry::QuadCount() {
   return Ensure(kDerivedPolygonSizeCounts) ? sizeCounts_.quads : 0;
-}
-std::int32_t QRVGeometry::LargePolygonCount() {
-  return Ensure(kDerivedPolygonSizeCounts) ? sizeCounts_.large : 0;
 }
 std::int32_t QRVGeometry::FanTriangleCount() {
   return Ensure(kDerivedPolygonSizeCounts) ? sizeCounts_.fanTriangles : 0;

@@ -146,10 +146,8 @@ class QRVGeometry {
   std::int32_t ReferencedVertexCount();
   std::int32_t UnreferencedVertexCount();
   std::int32_t InvalidPolygonCount();
-  std::int32_t TriangleCount();      // polygons of size 3
-  std::int32_t QuadCount();          // polygons of size 4
-  std::int32_t LargePolygonCount();  // polygons of size 5 or more
-  std::int32_t FanTriangleCount();   // sum over polygons of size - 2
+  std::int32_t QuadCount();         // polygons of size 4
+  std::int32_t FanTriangleCount();  // sum over polygons of size - 2
   const QRVOctree* Octree();
   std::int32_t EdgeCount();
   const std::int32_t* Edges();           // EdgeCount() pairs (a, b) with a < b, by a then b

@@ -109,7 +109,6 @@ class PathNodeState {
   // Accounts the mesh, the flags and the evaluations' search scratch.
   QRVMemoryContext& Memory() const { return *memory_; }
 
-  double CurrentTime() const { return currentTime_; }
   std::int32_t CurrentFrame() const { return currentFrame_; }  // time rounded half away from 0
   bool WholeFrame() const { return wholeFrame_; }              // within 0.001 of CurrentFrame
 

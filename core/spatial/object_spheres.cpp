@@ -3,7 +3,6 @@
 #include <cassert>
 #include <cmath>
 
-#include "core/math/mat4_ops.h"
 #include "core/math/vec3_ops.h"
 
 namespace quillix {
@@ -26,18 +25,6 @@ double SizeFactor(const SceneObjectInfo& object) {
 }
 
 }  // namespace
-
-Vec3d MatrixTransform::Scaling() const {
-  const auto& m = matrix_.m;
-  return {Length(Vec3d{m[0][0], m[0][1], m[0][2]}), Length(Vec3d{m[1][0], m[1][1], m[1][2]}),
-          Length(Vec3d{m[2][0], m[2][1], m[2][2]})};
-}
-
-Vec3d MatrixTransform::Position() const {
-  return {matrix_.m[3][0], matrix_.m[3][1], matrix_.m[3][2]};
-}
-
-Vec3d MatrixTransform::MapToWorld(Vec3d p) const { return TransformPoint(p, matrix_); }
 
 std::size_t SphereCount(const SceneObjectInfo& object) {
   if (!object.valid) return 0;

@@ -41,19 +41,6 @@ class ObjectTransform {
   virtual Vec3d MapToWorld(Vec3d objectPoint) const = 0;
 };
 
-// A placement given by a row-vector affine matrix (see TransformPoint: the fourth column is
-// ignored): scaling is the length of each axis row, position row 3.
-class MatrixTransform final : public ObjectTransform {
- public:
-  explicit MatrixTransform(const Mat4d& matrix = Mat4d::Identity()) : matrix_(matrix) {}
-  Vec3d Scaling() const override;
-  Vec3d Position() const override;
-  Vec3d MapToWorld(Vec3d objectPoint) const override;
-
- private:
-  Mat4d matrix_;
-};
-
 // Number of spheres that `object` yields: 0 when it is not valid, for a bone three per unit
 // of |length| rounded half away from zero and at least 2, otherwise 1.
 std::size_t SphereCount(const SceneObjectInfo& object);

@@ -71,8 +71,6 @@ void AppendList(std::span<const T> values, bool bracketSingle, Format format, st
   out += L">";
 }
 
-}  // namespace
-
 void AppendBoolText(bool value, std::wstring& out) { out += value ? L"1" : L"0"; }
 
 void AppendIntText(std::int32_t value, std::wstring& out) {
@@ -82,6 +80,8 @@ void AppendIntText(std::int32_t value, std::wstring& out) {
 }
 
 void AppendFloatText(float value, std::wstring& out) { AppendGeneral(value, 6, out); }
+
+}  // namespace
 
 std::int32_t RoundHalfAwayToInt32(float value) {
   double widened = value;

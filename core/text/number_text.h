@@ -16,16 +16,6 @@
 
 namespace quillix {
 
-// Appends "1" for true, "0" for false.
-void AppendBoolText(bool value, std::wstring& out);
-
-// Appends the value in decimal ("%d").
-void AppendIntText(std::int32_t value, std::wstring& out);
-
-// Appends the value widened to double in "%g" form: six significant digits, exponent form for
-// very large or small magnitudes.
-void AppendFloatText(float value, std::wstring& out);
-
 // Per-element settings of the precision-controlled rendering.
 struct NumberTextOptions {
   std::int32_t precision = 0;     // significant digits; 0 or less means plain "%g"; capped at 24
@@ -45,9 +35,10 @@ std::int32_t RoundHalfAwayToInt32(float value);
 // for the rest.
 void AppendNumberText(float value, const NumberTextOptions& options, std::wstring& out);
 
-// Appends an array of entries, each rendered as by the single-value function of its type:
-// "0" for no entry, the entry alone for one, and "<e0,e1,...>" (no blanks) for two or more.
-// A single value is rendered by passing it as a one-entry span.
+// Appends an array of entries: "0" for no entry, the entry alone for one, and "<e0,e1,...>"
+// (no blanks) for two or more. A boolean is "1" or "0", an integer decimal ("%d"), a float
+// widened to double in "%g" form (six significant digits, exponent form for very large or
+// small magnitudes). A single value is rendered by passing it as a one-entry span.
 void AppendBoolListText(std::span<const bool> values, std::wstring& out);
 void AppendIntListText(std::span<const std::int32_t> values, std::wstring& out);
 void AppendFloatListText(std::span<const float> values, std::wstring& out);

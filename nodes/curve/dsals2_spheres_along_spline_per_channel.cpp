@@ -1,13 +1,8 @@
 // Quillix_dsals2: spheres distributed along each element's spline, one encoded 4x4 matrix per
 // sphere, with an interpolation type of its own for positions, tangents and up vectors.
-#include <xsi_dataarray.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-
 #include "core/curve/spline.h"
 #include "nodes/curve/sphere_distribution_evaluation.h"
-#include "plugin/callback_guard.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

@@ -4,27 +4,20 @@
 #include <optional>
 #include <span>
 
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
 #include <xsi_geometry.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_indexset.h>
 #include <xsi_kinematics.h>
 #include <xsi_kinematicstate.h>
 #include <xsi_math.h>
 #include <xsi_nurbscurve.h>
 #include <xsi_nurbscurvelist.h>
-#include <xsi_pluginregistrar.h>
 #include <xsi_primitive.h>
 #include <xsi_ref.h>
 #include <xsi_transformation.h>
 #include <xsi_x3dobject.h>
 
 #include "core/curve/point_on_curve.h"
-#include "plugin/callback_guard.h"
-#include "plugin/evaluation.h"
 #include "plugin/host_arrays.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

@@ -4,16 +4,9 @@
 #include <new>
 #include <vector>
 
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_indexset.h>
-#include <xsi_pluginregistrar.h>
-
 #include "core/curve/line_simplify.h"
-#include "plugin/callback_guard.h"
 #include "plugin/host_arrays.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

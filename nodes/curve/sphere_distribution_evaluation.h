@@ -9,14 +9,9 @@
 #include <span>
 #include <vector>
 
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_indexset.h>
-
 #include "core/curve/sphere_distribution.h"
 #include "plugin/host_arrays.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 namespace quillix::curve {
 
@@ -53,66 +48,38 @@ constexpr plugin::PortDef IntegerInput(ULONG id, const wchar_t* scriptName,
 }
 
 // Inputs before the interpolation ports.
+// clang-format off
 inline constexpr plugin::PortDef kLeadingSpherePorts[] = {
-    {.id = kPositionsPort,
-     .direction = plugin::kIn,
-     .dataTypes = XSI::siICENodeDataVector3,
-     .structures = XSI::siICENodeStructureArray,
-     .contexts = XSI::siICENodeContextAny,
-     .scriptName = L"controlPositions",
-     .displayName = L"In Array of Control Point Positions",
-     .defaultValue = plugin::DefaultVector3Zero(),
-     .structureLink = plugin::kLinkStructure,
+    {.id = kPositionsPort, .direction = plugin::kIn, .dataTypes = XSI::siICENodeDataVector3,
+     .structures = XSI::siICENodeStructureArray, .contexts = XSI::siICENodeContextAny,
+     .scriptName = L"controlPositions", .displayName = L"In Array of Control Point Positions",
+     .defaultValue = plugin::DefaultVector3Zero(), .structureLink = plugin::kLinkStructure,
      .contextLink = plugin::kLinkContext},
-    {.id = kUpVectorsPort,
-     .direction = plugin::kIn,
-     .dataTypes = XSI::siICENodeDataVector3,
-     .structures = XSI::siICENodeStructureArray,
-     .contexts = XSI::siICENodeContextAny,
-     .scriptName = L"controlUpVectors",
-     .displayName = L"In Array of Control Point Up Vectors",
-     .defaultValue = plugin::DefaultVector3Zero(),
-     .structureLink = plugin::kLinkStructure,
+    {.id = kUpVectorsPort, .direction = plugin::kIn, .dataTypes = XSI::siICENodeDataVector3,
+     .structures = XSI::siICENodeStructureArray, .contexts = XSI::siICENodeContextAny,
+     .scriptName = L"controlUpVectors", .displayName = L"In Array of Control Point Up Vectors",
+     .defaultValue = plugin::DefaultVector3Zero(), .structureLink = plugin::kLinkStructure,
      .contextLink = plugin::kLinkContext},
-    {.id = kIntervalIndicesPort,
-     .direction = plugin::kIn,
-     .dataTypes = XSI::siICENodeDataLong,
-     .structures = XSI::siICENodeStructureArray,
-     .contexts = XSI::siICENodeContextAny,
+    {.id = kIntervalIndicesPort, .direction = plugin::kIn, .dataTypes = XSI::siICENodeDataLong,
+     .structures = XSI::siICENodeStructureArray, .contexts = XSI::siICENodeContextAny,
      .scriptName = L"controlIntervalIndices",
      .displayName = L"In Array of Control Interval Indices (Optional)",
-     .defaultValue = plugin::DefaultInt(-1),
-     .structureLink = plugin::kLinkStructure,
+     .defaultValue = plugin::DefaultInt(-1), .structureLink = plugin::kLinkStructure,
      .contextLink = plugin::kLinkContext},
-    {.id = kRadiiPort,
-     .direction = plugin::kIn,
-     .dataTypes = XSI::siICENodeDataFloat,
-     .structures = XSI::siICENodeStructureArray,
-     .contexts = XSI::siICENodeContextAny,
-     .scriptName = L"sphereRadiuses",
-     .displayName = L"In Array of Sphere Radiuses",
-     .defaultValue = plugin::DefaultFloat(1.0f),
-     .structureLink = plugin::kLinkStructure,
+    {.id = kRadiiPort, .direction = plugin::kIn, .dataTypes = XSI::siICENodeDataFloat,
+     .structures = XSI::siICENodeStructureArray, .contexts = XSI::siICENodeContextAny,
+     .scriptName = L"sphereRadiuses", .displayName = L"In Array of Sphere Radiuses",
+     .defaultValue = plugin::DefaultFloat(1.0f), .structureLink = plugin::kLinkStructure,
      .contextLink = plugin::kLinkContext},
-    {.id = kCornerThresholdPort,
-     .direction = plugin::kIn,
-     .dataTypes = XSI::siICENodeDataFloat,
-     .structures = XSI::siICENodeStructureSingle,
-     .contexts = XSI::siICENodeContextAny,
-     .scriptName = L"cornerThreshold",
-     .displayName = L"Corner Threshold",
-     .defaultValue = plugin::DefaultFloat(1.0f),
-     .structureLink = plugin::kLinkStructure,
+    {.id = kCornerThresholdPort, .direction = plugin::kIn, .dataTypes = XSI::siICENodeDataFloat,
+     .structures = XSI::siICENodeStructureSingle, .contexts = XSI::siICENodeContextAny,
+     .scriptName = L"cornerThreshold", .displayName = L"Corner Threshold",
+     .defaultValue = plugin::DefaultFloat(1.0f), .structureLink = plugin::kLinkStructure,
      .contextLink = plugin::kLinkContext},
-    {.id = kCornerScalePort,
-     .direction = plugin::kIn,
-     .dataTypes = XSI::siICENodeDataFloat,
-     .structures = XSI::siICENodeStructureSingle,
-     .contexts = XSI::siICENodeContextAny,
-     .scriptName = L"cornerScale",
-     .displayName = L"Corner Scale",
-     .defaultValue = plugin::DefaultFloat(1.0f),
-     .structureLink = plugin::kLinkStructure,
+    {.id = kCornerScalePort, .direction = plugin::kIn, .dataTypes = XSI::siICENodeDataFloat,
+     .structures = XSI::siICENodeStructureSingle, .contexts = XSI::siICENodeContextAny,
+     .scriptName = L"cornerScale", .displayName = L"Corner Scale",
+     .defaultValue = plugin::DefaultFloat(1.0f), .structureLink = plugin::kLinkStructure,
      .contextLink = plugin::kLinkContext},
     IntegerInput(kClosedPort, L"closed", L"Treat Spline as closed", 0),
     IntegerInput(kAlignmentPort, L"alignment", L"Alignment", 1),
@@ -123,15 +90,12 @@ inline constexpr plugin::PortDef kLeadingSpherePorts[] = {
 // Ports after the interpolation ports.
 inline constexpr plugin::PortDef kTrailingSpherePorts[] = {
     IntegerInput(kMaxNumSpheresPort, L"maxNumSpheres", L"Max Num Spheres", 16777216),
-    {.id = kSpheresPort,
-     .direction = plugin::kOut,
-     .dataTypes = XSI::siICENodeDataMatrix44,
-     .structures = XSI::siICENodeStructureArray,
-     .contexts = XSI::siICENodeContextAny,
-     .scriptName = L"result",
-     .displayName = L"Encoded 4x4 Matrix",
+    {.id = kSpheresPort, .direction = plugin::kOut, .dataTypes = XSI::siICENodeDataMatrix44,
+     .structures = XSI::siICENodeStructureArray, .contexts = XSI::siICENodeContextAny,
+     .scriptName = L"result", .displayName = L"Encoded 4x4 Matrix",
      .contextLink = plugin::kLinkContext},
 };
+// clang-format on
 
 // The port table of one node: the shared inputs, its own interpolation ports, the shared tail.
 template <std::size_t N>

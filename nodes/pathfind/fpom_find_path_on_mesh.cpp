@@ -3,12 +3,7 @@
 // the state machine is core/mesh/path_node_state.h, the searches core/mesh/path_chain.h.
 #include <xsi_application.h>
 #include <xsi_context.h>
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
-#include <xsi_icenodecontext.h>
 #include <xsi_iceportstate.h>
-#include <xsi_indexset.h>
-#include <xsi_pluginregistrar.h>
 #include <xsi_vector3f.h>
 
 #include <cstdio>
@@ -19,10 +14,9 @@
 #include "core/mesh/path_chain.h"
 #include "core/mesh/path_node_state.h"
 #include "kernel/status.h"
-#include "plugin/callback_guard.h"
 #include "plugin/host_arrays.h"
 #include "plugin/log.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

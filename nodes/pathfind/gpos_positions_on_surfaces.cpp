@@ -1,17 +1,11 @@
 // Quillix_gpos: positions generated on the surfaces of named polygon meshes, placed by the
 // global transforms given beside the names. Reads the scene, so it runs on one thread.
 #include <xsi_application.h>
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_indexset.h>
 #include <xsi_longarray.h>
 #include <xsi_matrix4f.h>
 #include <xsi_model.h>
-#include <xsi_pluginregistrar.h>
 #include <xsi_polygonmesh.h>
 #include <xsi_primitive.h>
-#include <xsi_status.h>
 #include <xsi_vector3.h>
 #include <xsi_vector3f.h>
 #include <xsi_x3dobject.h>
@@ -23,10 +17,9 @@
 #include "core/math/mat4_ops.h"
 #include "kernel/geometry.h"
 #include "kernel/status.h"
-#include "plugin/callback_guard.h"
 #include "plugin/host_arrays.h"
 #include "plugin/log.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

@@ -1,17 +1,13 @@
 // Quillix_cdbte: gap between the surfaces of two ellipsoids along their centre line, over
 // single matrices or arrays of them.
-#include <xsi_icenodecontext.h>
 #include <xsi_matrix4f.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
 #include <xsi_string.h>
 
 #include "core/spatial/ellipsoid.h"
 #include "nodes/spatial/matrix_pair_node.h"
-#include "plugin/callback_guard.h"
 #include "plugin/host_arrays.h"
 #include "plugin/log.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

@@ -1,15 +1,11 @@
 // Quillix_iotb: whether two oriented boxes intersect (1) or not (0), over single matrices or
 // arrays of them, with the strength of the test chosen by "mode".
-#include <xsi_icenodecontext.h>
 #include <xsi_matrix4f.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
 
 #include "core/spatial/box_intersect.h"
 #include "nodes/spatial/matrix_pair_node.h"
-#include "plugin/callback_guard.h"
 #include "plugin/host_arrays.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

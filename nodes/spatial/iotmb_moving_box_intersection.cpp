@@ -1,16 +1,12 @@
 // Quillix_iotmb: the fraction of a time step at which two moving boxes first touch (0 when
 // they already intersect, -1 when no contact is found), over single matrices or arrays.
 // Each matrix packs a box, its displacement over the step and a subdivision count.
-#include <xsi_icenodecontext.h>
 #include <xsi_matrix4f.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
 
 #include "core/spatial/moving_box.h"
 #include "nodes/spatial/matrix_pair_node.h"
-#include "plugin/callback_guard.h"
 #include "plugin/host_arrays.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

@@ -3,12 +3,10 @@
 // into the pair broadcast of plugin/broadcast.h.
 #pragma once
 
-#include <xsi_dataarray.h>
-#include <xsi_icenodecontext.h>
 #include <xsi_matrix4f.h>
 
 #include "plugin/broadcast.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 namespace quillix::spatial {
 

@@ -5,22 +5,14 @@
 #include <vector>
 
 #include <xsi_application.h>
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_indexset.h>
 #include <xsi_math.h>
 #include <xsi_model.h>
-#include <xsi_pluginregistrar.h>
 #include <xsi_primitive.h>
-#include <xsi_status.h>
 #include <xsi_transformation.h>
 #include <xsi_x3dobject.h>
 
 #include "core/spatial/object_spheres.h"
-#include "plugin/callback_guard.h"
-#include "plugin/evaluation.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

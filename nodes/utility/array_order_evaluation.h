@@ -5,19 +5,14 @@
 // whole batch, so the inner loop is a plain copy for one concrete type.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
 
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_indexset.h>
-
 #include "core/array/array_order.h"
 #include "nodes/utility/host_strings.h"
-#include "plugin/evaluation.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 namespace quillix::utility {
 
@@ -131,16 +126,18 @@ void ReorderBatch(XSI::ICENodeContext& context, XSI::ULONG arrayPort,
 
 }  // namespace detail
 
-// Writes every element of the batch of the evaluated output as the `arrayPort` input, resolved
-// as `array`, reordered by `reordering`. Any type outside the thirteen value types writes
-// nothing.
+// Writes every element of the batch of the evaluated output as the `arrayPort` input reordered
+// by `reordering`. Writes nothing when the host cannot tell the input's type, or for a type
+// outside the thirteen value types.
 template <class Reordering>
 void ReorderArrays(XSI::ICENodeContext& context, XSI::ULONG arrayPort,
-                   const plugin::PortInfo& array, const Reordering& reordering) {
+                   const Reordering& reordering) {
   using namespace XSI;
   using detail::ReorderBatch;
-  const siICENodeStructureType structure = array.structure;
-  switch (array.type) {
+  const std::optional<plugin::PortInfo> array = plugin::QueryPortInfo(context, arrayPort);
+  if (!array) return;
+  const siICENodeStructureType structure = array->structure;
+  switch (array->type) {
     case siICENodeDataBool:
       return ReorderBatch<bool>(context, arrayPort, structure, reordering);
     case siICENodeDataLong:

@@ -1,15 +1,7 @@
 // Quillix_arrrev: reverses each element's array, of any value type; single values are copied
 // through.
-#include <optional>
-
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "nodes/utility/array_order_evaluation.h"
-#include "plugin/callback_guard.h"
-#include "plugin/evaluation.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
@@ -29,9 +21,7 @@ constexpr PortDef kPorts[] = {
 
 QUILLIX_EVALUATE(Quillix_arrrev) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  const std::optional<PortInfo> array = QueryPortInfo(context, kArrayPort);
-  if (!array) return CStatus::OK;
-  ReorderArrays(context, kArrayPort, *array, ReverseOrder{});
+  ReorderArrays(context, kArrayPort, ReverseOrder{});
   return CStatus::OK;
 }
 

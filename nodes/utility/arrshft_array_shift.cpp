@@ -1,16 +1,7 @@
 // Quillix_arrshft: rotates each element's array, of any value type, by that element's shift;
 // single values are copied through and the shift ignored.
-#include <optional>
-
-#include <xsi_dataarray.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "nodes/utility/array_order_evaluation.h"
-#include "plugin/callback_guard.h"
-#include "plugin/evaluation.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
@@ -37,11 +28,9 @@ constexpr PortDef kPorts[] = {
 
 QUILLIX_EVALUATE(Quillix_arrshft) {
   if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  const std::optional<PortInfo> array = QueryPortInfo(context, kArrayPort);
-  if (!array) return CStatus::OK;
   const CDataArrayLong shifts(context, kShiftPort);
   if (shifts.GetCount() == 0) return CStatus::OK;
-  ReorderArrays(context, kArrayPort, *array, ShiftOrder{shifts});
+  ReorderArrays(context, kArrayPort, ShiftOrder{shifts});
   return CStatus::OK;
 }
 

@@ -4,15 +4,8 @@
 // numbering is the same whatever the batches are; this is why the node is single-threaded.
 #include <cstdint>
 
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "core/array/running_ids.h"
-#include "plugin/callback_guard.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

@@ -1,13 +1,8 @@
 // Quillix_divi: integer division giving the quotient ("Result") and the remainder, element-wise
 // over single values and arrays. A zero divisor gives 0 on both outputs.
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "core/math/int_divide.h"
 #include "plugin/broadcast.h"
-#include "plugin/callback_guard.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

@@ -1,13 +1,7 @@
 // Quillix_fchk: whether the file named by a path can be opened for reading. Single-threaded,
 // since it touches the file system; singleton context, element 0 only.
-#include <xsi_dataarray.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "core/file/file_probe.h"
-#include "plugin/callback_guard.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

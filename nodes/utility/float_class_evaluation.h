@@ -5,23 +5,16 @@
 #include <array>
 #include <optional>
 
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_indexset.h>
-
 #include "core/math/float_class.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 namespace quillix::utility {
 
-// The port IDs of a classification node.
-struct FloatClassPortIds {
-  XSI::ULONG input = 0;
-  XSI::ULONG isNaN = 0;
-  XSI::ULONG positiveInfinity = 0;
-  XSI::ULONG negativeInfinity = 0;
-};
+// The port IDs of both classification nodes.
+inline constexpr XSI::ULONG kFloatInputPort = 1010;
+inline constexpr XSI::ULONG kIsNaNPort = 2010;
+inline constexpr XSI::ULONG kPositiveInfinityPort = 2020;
+inline constexpr XSI::ULONG kNegativeInfinityPort = 2030;
 
 // What tells the two nodes' ports apart: the outputs' data type, and the structures and
 // contexts every port accepts.
@@ -33,8 +26,7 @@ struct FloatClassPortKind {
 
 // The port table of a classification node: the float "Input" and the three flags "IsNaN",
 // "Positive INF" and "Negative INF", all linked in structure and context.
-constexpr std::array<plugin::PortDef, 4> FloatClassPorts(const FloatClassPortIds& ids,
-                                                         const FloatClassPortKind& kind) {
+constexpr std::array<plugin::PortDef, 4> FloatClassPorts(const FloatClassPortKind& kind) {
   const auto flag = [&kind](XSI::ULONG id, const wchar_t* scriptName,
                             const wchar_t* displayName) -> plugin::PortDef {
     return {.id = id,
@@ -47,7 +39,7 @@ constexpr std::array<plugin::PortDef, 4> FloatClassPorts(const FloatClassPortIds
             .structureLink = plugin::kLinkStructure,
             .contextLink = plugin::kLinkContext};
   };
-  return {plugin::PortDef{.id = ids.input,
+  return {plugin::PortDef{.id = kFloatInputPort,
                           .direction = plugin::kIn,
                           .dataTypes = XSI::siICENodeDataFloat,
                           .structures = kind.structures,
@@ -57,26 +49,25 @@ constexpr std::array<plugin::PortDef, 4> FloatClassPorts(const FloatClassPortIds
                           .defaultValue = plugin::DefaultFloat(0.0f),
                           .structureLink = plugin::kLinkStructure,
                           .contextLink = plugin::kLinkContext},
-          flag(ids.isNaN, L"IsNaN", L"IsNaN"),
-          flag(ids.positiveInfinity, L"IsINFpos", L"Positive INF"),
-          flag(ids.negativeInfinity, L"IsINFneg", L"Negative INF")};
+          flag(kIsNaNPort, L"IsNaN", L"IsNaN"),
+          flag(kPositiveInfinityPort, L"IsINFpos", L"Positive INF"),
+          flag(kNegativeInfinityPort, L"IsINFneg", L"Negative INF")};
 }
 
 // The test of output `port`, with `positiveTest` on "Positive INF"; nullopt for a port the node
 // does not have.
-inline std::optional<FloatTest> TestForPort(XSI::ULONG port, const FloatClassPortIds& ids,
-                                            FloatTest positiveTest) {
-  if (port == ids.isNaN) return FloatTest::NaN;
-  if (port == ids.positiveInfinity) return positiveTest;
-  if (port == ids.negativeInfinity) return FloatTest::NegativeInfinity;
+inline std::optional<FloatTest> TestForPort(XSI::ULONG port, FloatTest positiveTest) {
+  if (port == kIsNaNPort) return FloatTest::NaN;
+  if (port == kPositiveInfinityPort) return positiveTest;
+  if (port == kNegativeInfinityPort) return FloatTest::NegativeInfinity;
   return std::nullopt;
 }
 
 // Writes `test` of every single input value of the batch into the evaluated output, as R: a
 // boolean, or an integer 1 or 0. Writes nothing when the host supplies no input.
 template <class R>
-void ClassifySingles(XSI::ICENodeContext& context, XSI::ULONG inputPort, FloatTest test) {
-  const XSI::CDataArrayFloat input(context, inputPort);
+void ClassifySingles(XSI::ICENodeContext& context, FloatTest test) {
+  const XSI::CDataArrayFloat input(context, kFloatInputPort);
   XSI::CDataArray<R> result(context);
   if (input.GetCount() == 0 || result.GetCount() == 0) return;
   XSI::CIndexSet indexSet(context);
@@ -87,8 +78,8 @@ void ClassifySingles(XSI::ICENodeContext& context, XSI::ULONG inputPort, FloatTe
 
 // Writes `test` of every entry of each element's input array into an integer array of the same
 // length (1 or 0 per entry).
-inline void ClassifyArrays(XSI::ICENodeContext& context, XSI::ULONG inputPort, FloatTest test) {
-  const XSI::CDataArray2DFloat input(context, inputPort);
+inline void ClassifyArrays(XSI::ICENodeContext& context, FloatTest test) {
+  const XSI::CDataArray2DFloat input(context, kFloatInputPort);
   XSI::CDataArray2DLong result(context);
   XSI::CIndexSet indexSet(context);
   for (XSI::CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {

@@ -1,12 +1,7 @@
 // Quillix_ftoa2: the floats of every "Input" instance of an element as text in "%g" form, the
 // instances' renderings joined with ",".
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "nodes/utility/to_string_evaluation.h"
-#include "plugin/callback_guard.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
@@ -14,25 +9,14 @@ using namespace quillix::utility;
 
 namespace {
 
-constexpr ULONG kInputPort = 1010;
-constexpr ULONG kResultPort = 2010;
-
-constexpr PortDef kPorts[] = {
-    TextInputPort(kInputPort, siICENodeDataFloat, DefaultFloat(0.0f)),
-    TextResultPort(kResultPort),
-};
+constexpr auto kPorts = ListTextPorts(siICENodeDataFloat, DefaultFloat(0.0f));
 
 }  // namespace
 
 QUILLIX_EVALUATE(Quillix_ftoa2) {
-  if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  EvaluateListText<float>(context, kInputPort, InputInstances::All, BatchEnd::AllElements);
-  return CStatus::OK;
+  return EvaluateListTextNode<float>(context, InputInstances::All, BatchEnd::AllElements);
 }
 
 CStatus Quillix_ftoa2_Register(PluginRegistrar& registrar) {
-  return RegisterNode(registrar, {.name = L"Quillix_ftoa2",
-                                  .threadingModel = siICENodeMultiThreading,
-                                  .groupMax = kUnbounded,
-                                  .ports = kPorts});
+  return RegisterListTextNode(registrar, L"Quillix_ftoa2", kPorts, InputInstances::All);
 }

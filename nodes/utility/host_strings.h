@@ -5,12 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
-#include <xsi_icenodecontext.h>
 #include <xsi_string.h>
 
-#include "plugin/evaluation.h"
+#include "plugin/node.h"
 
 namespace quillix::utility {
 

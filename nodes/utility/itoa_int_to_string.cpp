@@ -1,12 +1,7 @@
 // Quillix_itoa: each element's integer, or array of integers, as text: "-12", an array as
 // "<3,-12>", an empty one as "0".
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "nodes/utility/to_string_evaluation.h"
-#include "plugin/callback_guard.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
@@ -14,24 +9,14 @@ using namespace quillix::utility;
 
 namespace {
 
-constexpr ULONG kInputPort = 1010;
-constexpr ULONG kResultPort = 2010;
-
-constexpr PortDef kPorts[] = {
-    TextInputPort(kInputPort, siICENodeDataLong, DefaultInt(0)),
-    TextResultPort(kResultPort),
-};
+constexpr auto kPorts = ListTextPorts(siICENodeDataLong, DefaultInt(0));
 
 }  // namespace
 
 QUILLIX_EVALUATE(Quillix_itoa) {
-  if (context.GetEvaluatedOutputPortID() != kResultPort) return CStatus::OK;
-  EvaluateListText<LONG>(context, kInputPort, InputInstances::First, BatchEnd::AllElements);
-  return CStatus::OK;
+  return EvaluateListTextNode<LONG>(context, InputInstances::First, BatchEnd::AllElements);
 }
 
 CStatus Quillix_itoa_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_itoa", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
+  return RegisterListTextNode(registrar, L"Quillix_itoa", kPorts, InputInstances::First);
 }

@@ -5,17 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include <xsi_dataarray.h>
-#include <xsi_dataarray2D.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "core/text/string_join.h"
 #include "nodes/utility/host_strings.h"
-#include "plugin/callback_guard.h"
-#include "plugin/evaluation.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

@@ -3,14 +3,8 @@
 // that a count of broken values counts it once.
 #include <optional>
 
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "nodes/utility/float_class_evaluation.h"
-#include "plugin/callback_guard.h"
-#include "plugin/evaluation.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
@@ -19,25 +13,22 @@ using quillix::FloatTest;
 
 namespace {
 
-constexpr FloatClassPortIds kPortIds{
-    .input = 1010, .isNaN = 2010, .positiveInfinity = 2020, .negativeInfinity = 2030};
-
-constexpr auto kPorts = FloatClassPorts(kPortIds, {.flagType = siICENodeDataLong,
-                                                   .structures = siICENodeStructureAny,
-                                                   .contexts = siICENodeContextAny});
+constexpr auto kPorts = FloatClassPorts({.flagType = siICENodeDataLong,
+                                         .structures = siICENodeStructureAny,
+                                         .contexts = siICENodeContextAny});
 
 }  // namespace
 
 QUILLIX_EVALUATE(Quillix_nan2) {
   const std::optional<FloatTest> test =
-      TestForPort(context.GetEvaluatedOutputPortID(), kPortIds, FloatTest::PositiveInfinity);
+      TestForPort(context.GetEvaluatedOutputPortID(), FloatTest::PositiveInfinity);
   if (!test) return CStatus::OK;
-  const std::optional<PortInfo> info = QueryPortInfo(context, kPortIds.input);
+  const std::optional<PortInfo> info = QueryPortInfo(context, kFloatInputPort);
   if (!info) return CStatus::OK;
   if (info->IsArray()) {
-    ClassifyArrays(context, kPortIds.input, *test);
+    ClassifyArrays(context, *test);
   } else {
-    ClassifySingles<LONG>(context, kPortIds.input, *test);
+    ClassifySingles<LONG>(context, *test);
   }
   return CStatus::OK;
 }

@@ -3,13 +3,8 @@
 // as on "IsNaN", as this node has always done.
 #include <optional>
 
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "nodes/utility/float_class_evaluation.h"
-#include "plugin/callback_guard.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;
@@ -18,21 +13,17 @@ using quillix::FloatTest;
 
 namespace {
 
-constexpr FloatClassPortIds kPortIds{
-    .input = 1010, .isNaN = 2010, .positiveInfinity = 2020, .negativeInfinity = 2030};
-
-constexpr auto kPorts =
-    FloatClassPorts(kPortIds, {.flagType = siICENodeDataBool,
-                               .structures = siICENodeStructureSingle,
-                               .contexts = siICENodeContextSingletonOrComponent0D});
+constexpr auto kPorts = FloatClassPorts({.flagType = siICENodeDataBool,
+                                         .structures = siICENodeStructureSingle,
+                                         .contexts = siICENodeContextSingletonOrComponent0D});
 
 }  // namespace
 
 QUILLIX_EVALUATE(Quillix_nan) {
   const std::optional<FloatTest> test =
-      TestForPort(context.GetEvaluatedOutputPortID(), kPortIds, FloatTest::PositiveInfinityOrNaN);
+      TestForPort(context.GetEvaluatedOutputPortID(), FloatTest::PositiveInfinityOrNaN);
   if (!test) return CStatus::OK;
-  ClassifySingles<bool>(context, kPortIds.input, *test);
+  ClassifySingles<bool>(context, *test);
   return CStatus::OK;
 }
 

@@ -5,18 +5,10 @@
 #include <span>
 #include <string>
 
-#include <xsi_dataarray.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_indexset.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "core/text/number_text.h"
 #include "nodes/utility/host_strings.h"
 #include "nodes/utility/to_string_evaluation.h"
-#include "plugin/callback_guard.h"
-#include "plugin/evaluation.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

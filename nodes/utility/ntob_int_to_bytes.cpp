@@ -1,15 +1,7 @@
 // Quillix_ntob: splits each element's integer into its four bytes, Byte 0 the least
 // significant; every output lies in 0 to 255, also for negative inputs.
-#include <xsi_dataarray.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_indexset.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "core/math/int_bits.h"
-#include "plugin/callback_guard.h"
-#include "plugin/evaluation.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

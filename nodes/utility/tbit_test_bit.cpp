@@ -1,13 +1,8 @@
 // Quillix_tbit: 1 if a bit of an integer is set, 0 otherwise, element-wise over single values
 // and arrays. The bit number wraps modulo 32.
-#include <xsi_icenodecontext.h>
-#include <xsi_pluginregistrar.h>
-#include <xsi_status.h>
-
 #include "core/math/int_bits.h"
 #include "plugin/broadcast.h"
-#include "plugin/callback_guard.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 using namespace XSI;
 using namespace quillix::plugin;

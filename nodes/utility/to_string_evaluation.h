@@ -1,25 +1,24 @@
-// What the to-string nodes share: their "Input" and "Result" ports, and the evaluation of the
-// six list renderings (Quillix_btoa, _itoa, _ftoa and their variadic forms _btoa2, _itoa2,
-// _ftoa2), which write one string per element of the batch. The variadic nodes join the
-// renderings of all their group instances with ",".
+// What the to-string nodes share: their "Input" and "Result" ports, and the evaluation and
+// registration of the six list renderings (Quillix_btoa, _itoa, _ftoa and their variadic forms
+// _btoa2, _itoa2, _ftoa2), which write one string per element of the batch. The variadic nodes
+// join the renderings of all their group instances with ",".
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
-#include <xsi_dataarray.h>
-#include <xsi_icenodecontext.h>
-#include <xsi_indexset.h>
-#include <xsi_status.h>
-
 #include "core/text/number_text.h"
-#include "plugin/evaluation.h"
-#include "plugin/registration.h"
+#include "plugin/node.h"
 
 namespace quillix::utility {
+
+// The port IDs of a list-rendering node.
+inline constexpr XSI::ULONG kListInputPort = 1010;
+inline constexpr XSI::ULONG kListResultPort = 2010;
 
 // The "Input" port of a to-string node: `dataTypes` values, single or array, any context.
 constexpr plugin::PortDef TextInputPort(XSI::ULONG id, XSI::ULONG dataTypes,
@@ -46,6 +45,12 @@ constexpr plugin::PortDef TextResultPort(XSI::ULONG id) {
           .scriptName = L"Result",
           .displayName = L"Result",
           .contextLink = plugin::kLinkContext};
+}
+
+// The port table of a list-rendering node: "Input" of `dataType`, then "Result".
+constexpr std::array<plugin::PortDef, 2> ListTextPorts(XSI::ULONG dataType,
+                                                       plugin::DefaultValue defaultValue) {
+  return {TextInputPort(kListInputPort, dataType, defaultValue), TextResultPort(kListResultPort)};
 }
 
 // Which group instances a node renders: its one input, or every instance of a variadic group.
@@ -110,6 +115,29 @@ void EvaluateListText(XSI::ICENodeContext& context, XSI::ULONG inputPort, InputI
   for (std::size_t i = 0; i < written; ++i) {
     result.SetData(indices[i], texts[i].c_str(), static_cast<XSI::ULONG>(texts[i].size()));
   }
+}
+
+// The evaluation of a list-rendering node: the renderings of its "Input" values of type T when
+// the host asks for "Result", nothing for any other port.
+template <class T>
+XSI::CStatus EvaluateListTextNode(XSI::ICENodeContext& context, InputInstances instances,
+                                  BatchEnd end) {
+  if (context.GetEvaluatedOutputPortID() == kListResultPort) {
+    EvaluateListText<T>(context, kListInputPort, instances, end);
+  }
+  return XSI::CStatus::OK;
+}
+
+// Registers a list-rendering node: multi-threaded, its group variadic when it renders every
+// instance.
+inline XSI::CStatus RegisterListTextNode(XSI::PluginRegistrar& registrar, const wchar_t* name,
+                                         std::span<const plugin::PortDef> ports,
+                                         InputInstances instances) {
+  return plugin::RegisterNode(
+      registrar, {.name = name,
+                  .threadingModel = XSI::siICENodeMultiThreading,
+                  .groupMax = instances == InputInstances::All ? plugin::kUnbounded : 1,
+                  .ports = ports});
 }
 
 }  // namespace quillix::utility

@@ -4,8 +4,28 @@
 
 #include <cmath>
 
+#include "core/math/mat4_ops.h"
+#include "core/math/vec3_ops.h"
+
 namespace quillix {
 namespace {
+
+// A placement given by a row-vector affine matrix: scaling is the length of each axis row,
+// position row 3.
+class MatrixTransform final : public ObjectTransform {
+ public:
+  explicit MatrixTransform(const Mat4d& matrix = Mat4d::Identity()) : matrix_(matrix) {}
+  Vec3d Scaling() const override {
+    const auto& m = matrix_.m;
+    return {Length(Vec3d{m[0][0], m[0][1], m[0][2]}), Length(Vec3d{m[1][0], m[1][1], m[1][2]}),
+            Length(Vec3d{m[2][0], m[2][1], m[2][2]})};
+  }
+  Vec3d Position() const override { return {matrix_.m[3][0], matrix_.m[3][1], matrix_.m[3][2]}; }
+  Vec3d MapToWorld(Vec3d p) const override { return TransformPoint(p, matrix_); }
+
+ private:
+  Mat4d matrix_;
+};
 
 SceneObjectInfo Object(const wchar_t* type, double length = 0, double radius = 0, double size = 0) {
   return {true, type, length, radius, size};

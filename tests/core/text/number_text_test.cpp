@@ -12,7 +12,7 @@ namespace {
 
 std::wstring FloatText(float value) {
   std::wstring out;
-  AppendFloatText(value, out);
+  AppendFloatListText({&value, 1}, out);
   return out;
 }
 
