@@ -361,6 +361,13 @@ int EvaluateDocument(xsihost::Host& host, const json& document, const EvalOption
   return 0;
 }
 
+std::string NotValidJson(const json::exception& e) {
+  std::string reason = e.what();
+  const std::size_t id = reason.rfind("] ", reason.find(' '));
+  if (reason.rfind("[json.exception.", 0) == 0 && id != std::string::npos) reason.erase(0, id + 2);
+  return "not valid JSON: " + reason;
+}
+
 int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out,
             std::ostream& err) {
   const std::string file = options.requestPath == "-" ? "<stdin>" : options.requestPath;
@@ -374,7 +381,7 @@ int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out
     document = json::parse(text);
   } catch (const json::exception& e) {
     // Syntax errors, and numbers beyond a double (1E400), which the parser refuses apart.
-    err << "quillix: " << file << ": not valid JSON: " << e.what() << '\n';
+    err << "quillix: " << file << ": " << NotValidJson(e) << '\n';
     return 2;
   }
   text = std::string();  // the document holds it all now

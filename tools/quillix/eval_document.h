@@ -20,4 +20,8 @@ int EvaluateDocument(xsihost::Host& host, const nlohmann::json& document,
                      const EvalOptions& options, const std::string& file, nlohmann::json& out,
                      std::ostream& err);
 
+// "not valid JSON: <the parser's reason>" for a document the parser refused, without the
+// library's own error number: "parse error at line 1, column 9: syntax error ...".
+std::string NotValidJson(const nlohmann::json::exception& e);
+
 }  // namespace quillix::tool

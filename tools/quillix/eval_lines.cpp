@@ -33,12 +33,14 @@ bool EvaluateLine(xsihost::Host& host, std::string_view line, const EvalOptions&
     err << "quillix: " << label << ": empty line (expected a request document)\n";
   } else {
     json document;
+    bool parsed = false;
     try {
       document = json::parse(line);
-      status = EvaluateDocument(host, document, options, label, result, err);
+      parsed = true;
     } catch (const json::exception& e) {
-      err << "quillix: " << label << ": not valid JSON: " << e.what() << '\n';
+      err << "quillix: " << label << ": " << NotValidJson(e) << '\n';
     }
+    if (parsed) status = EvaluateDocument(host, document, options, label, result, err);
   }
   error = err.str();
   while (!error.empty() && error.back() == '\n') error.pop_back();
