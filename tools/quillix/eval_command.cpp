@@ -207,18 +207,16 @@ void ReadPortInfo(const json& r, const NodeDefinitionRecord& node, const JsonPla
 void ReadThreading(const json& r, const EvalOptions& options, const JsonPlace& place,
                    xsihost::EvaluationRequest& request) {
   const unsigned hardware = std::max(1u, std::thread::hardware_concurrency());
-  request.threads = options.threads ? options.threads
-                    : r.contains("threads")
-                        ? ReadUnsigned(r["threads"], JsonPlace(place, "threads"))
-                        : hardware;
-  request.batchSize = options.batchSize ? options.batchSize
-                      : r.contains("batchSize")
-                          ? ReadUnsigned(r["batchSize"], JsonPlace(place, "batchSize"))
-                          : 1024;
+  const JsonPlace threadsPlace(place, "threads"), batchSizePlace(place, "batchSize");
+  request.threads = options.threads         ? options.threads
+                    : r.contains("threads") ? ReadUnsigned(r["threads"], threadsPlace)
+                                            : hardware;
+  request.batchSize = options.batchSize         ? options.batchSize
+                      : r.contains("batchSize") ? ReadUnsigned(r["batchSize"], batchSizePlace)
+                                                : 1024;
   if (request.threads == 0 || request.threads > 256)
-    throw InputError(JsonPlace(place, "threads"), "expected 1 to 256 threads");
-  if (request.batchSize == 0)
-    throw InputError(JsonPlace(place, "batchSize"), "expected a positive batch size");
+    throw InputError(threadsPlace, "expected 1 to 256 threads");
+  if (request.batchSize == 0) throw InputError(batchSizePlace, "expected a positive batch size");
 }
 
 // A named instance lives on across requests (Init once, Term at the end); an unnamed one lives
