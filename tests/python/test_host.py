@@ -91,7 +91,7 @@ def test_named_instances_live_from_call_to_call():
 def test_bad_requests_raise_the_tools_message(host):
     with pytest.raises(ValueError, match=r"unknown node \"Quillix_none\""):
         host.eval({"node": "Quillix_none", "port": 2010})
-    with pytest.raises(ValueError, match=r"\$.requests\[0\].inputs.1010: expected an object"):
+    with pytest.raises(ValueError, match=r"/requests/0/inputs/1010: expected an object"):
         host.eval([{"node": "Quillix_divi", "port": 2010, "inputs": {"1010": 3}}])
 
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "xsihost/scene_nurbs.h"
@@ -76,6 +77,22 @@ TEST(NurbsCircle, NormalizedParameterMapsTheRangeLinearly) {
   EXPECT_DOUBLE_EQ(curve.parameterFromNormalized(0.25), 12.0);
   EXPECT_DOUBLE_EQ(curve.parameterFromNormalized(1.0), 18.0);
   EXPECT_DOUBLE_EQ(curve.parameterFromNormalized(7.0), 18.0);
+}
+
+TEST(NurbsCircle, NonFiniteParametersAreClampedIntoTheRange) {
+  NurbsCurveData data = unitCircle();
+  for (double& k : data.knots) k = 10.0 + 2.0 * k;  // range [10, 18]
+  const NurbsCurveEvaluator curve(data);
+  const double inf = std::numeric_limits<double>::infinity();
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  // Infinities go to the ends like any value beyond them; NaN counts as the start.
+  EXPECT_EQ(curve.evaluate(-inf).position, curve.evaluate(10.0).position);
+  EXPECT_EQ(curve.evaluate(inf).position, curve.evaluate(18.0).position);
+  EXPECT_EQ(curve.evaluate(nan).position, curve.evaluate(10.0).position);
+  EXPECT_EQ(curve.parameterFromNormalized(nan), 10.0);
+  EXPECT_EQ(curve.parameterFromNormalized(inf), 18.0);
+  EXPECT_EQ(curve.lengthTo(nan), 0.0);
+  EXPECT_EQ(curve.lengthTo(inf), curve.length());
 }
 
 TEST(NurbsCurve, DerivativesMatchFiniteDifferencesOnAnUnevenRationalCubic) {

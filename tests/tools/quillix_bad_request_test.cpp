@@ -3,51 +3,19 @@
 // standard output, and exit status 2; none may crash or hang the tool.
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "tools/tool_process.h"
+
 namespace {
 
-struct ToolRun {
-  int status = -1;
-  std::string out, err;
-};
-
-std::string readFile(const std::filesystem::path& p) {
-  std::ifstream in(p, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-// Runs quillix with `args`, capturing both streams in files beside the request.
-ToolRun runQuillix(const std::vector<std::string>& args, const std::filesystem::path& dir) {
-  const auto outPath = dir / "stdout.txt", errPath = dir / "stderr.txt";
-  const pid_t pid = fork();
-  if (pid == 0) {
-    std::freopen(outPath.c_str(), "w", stdout);
-    std::freopen(errPath.c_str(), "w", stderr);
-    std::vector<char*> argv;
-    std::string tool = QUILLIX_TOOL_PATH;
-    argv.push_back(tool.data());
-    std::vector<std::string> copies = args;
-    for (auto& a : copies) argv.push_back(a.data());
-    argv.push_back(nullptr);
-    execv(tool.c_str(), argv.data());
-    _exit(127);
-  }
-  ToolRun run;
-  int raw = 0;
-  waitpid(pid, &raw, 0);
-  run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
-  run.out = readFile(outPath);
-  run.err = readFile(errPath);
-  return run;
-}
+using quillix::test::RunTool;
+using quillix::test::ToolRun;
 
 class QuillixBadRequest : public ::testing::Test {
  protected:
@@ -68,7 +36,7 @@ class QuillixBadRequest : public ::testing::Test {
       std::ofstream f(request, std::ios::binary | std::ios::trunc);
       f.write(content.data(), std::streamsize(content.size()));
     }
-    const ToolRun run = runQuillix({"eval", request.string()}, dir_);
+    const ToolRun run = RunTool({"eval", request.string()}, dir_);
     EXPECT_EQ(run.status, 2) << run.err;
     EXPECT_TRUE(run.out.empty()) << run.out.substr(0, 200);
     ASSERT_FALSE(run.err.empty());
@@ -131,17 +99,17 @@ TEST_F(QuillixBadRequest, OversizedRequestsAreRefusedBeforeAnyEvaluation) {
 
 TEST_F(QuillixBadRequest, WronglyTypedValuesNameTheirPlace) {
   const auto one = [](const std::string& request) { return R"({"requests": [)" + request + "]}"; };
-  expectRejected("node not a string", one(R"({"node": 5, "port": 2010})"), "$.requests[0].node");
+  expectRejected("node not a string", one(R"({"node": 5, "port": 2010})"), "/requests/0/node");
   expectRejected("port negative", one(R"({"node": "Quillix_divi", "port": -1})"),
-                 "$.requests[0].port");
+                 "/requests/0/port");
   expectRejected("port a string", one(R"({"node": "Quillix_divi", "port": "2010"})"),
-                 "$.requests[0].port");
+                 "/requests/0/port");
   expectRejected("elements a string",
                  one(R"({"node": "Quillix_divi", "port": 2010, "elements": "3"})"), "elements");
   expectRejected(
       "values not a list",
       one(R"({"node": "Quillix_divi", "port": 2010, "inputs": {"1010": {"type": "int", "values": "abc"}}})"),
-      "$.requests[0].inputs.1010.values");
+      "/requests/0/inputs/1010/values");
   expectRejected(
       "type the port refuses",
       one(R"({"node": "Quillix_divi", "port": 2010, "inputs": {"1010": {"type": "string", "values": ["a"]}}})"),
@@ -177,7 +145,9 @@ TEST_F(QuillixBadRequest, NonsensicalFilesAreRejected) {
                  "not valid JSON");
   expectRejected("a bare string", R"("hello")", "expected a list of requests");
   expectRejected("requests not a list", R"({"requests": {}})", "expected a list of requests");
-  expectRejected("no requests key", R"({"request": []})", "missing \"requests\"");
+  expectRejected("no requests key", R"({"request": []})",
+                 "/request: unknown key; did you mean \"requests\"?");
+  expectRejected("no requests at all", R"({})", "/: missing \"requests\"");
   expectRejected("a request that is a number", R"({"requests": [42]})",
                  "expected a request object");
   expectRejected("unknown node", R"({"requests": [{"node": "Quillix_nothing", "port": 2010}]})",
@@ -185,11 +155,12 @@ TEST_F(QuillixBadRequest, NonsensicalFilesAreRejected) {
   expectRejected(
       "unknown input port",
       R"({"requests": [{"node": "Quillix_divi", "port": 2010, "inputs": {"4242": {"type": "int", "values": [1]}}}]})",
-      "has no input port 4242");
+      "/requests/0/inputs/4242: node Quillix_divi has no input port \"4242\"");
   expectRejected(
-      "input port not a number",
+      "input port name misspelt",
       R"({"requests": [{"node": "Quillix_divi", "port": 2010, "inputs": {"divideBy": {"type": "int", "values": [1]}}}]})",
-      "is not a port ID");
+      "/requests/0/inputs/divideBy: node Quillix_divi has no input port \"divideBy\"; did you "
+      "mean \"DivideBy\"?");
   expectRejected(
       "instance shared by two nodes",
       R"({"requests": [{"node": "Quillix_divi", "port": 2010, "instance": "a"}, {"node": "Quillix_nan", "port": 2010, "instance": "a"}]})",
@@ -197,17 +168,17 @@ TEST_F(QuillixBadRequest, NonsensicalFilesAreRejected) {
   // A good request before a bad one: still nothing on standard output.
   expectRejected("good then bad",
                  R"({"requests": [{"node": "Quillix_divi", "port": 2010}, {"node": 1}]})",
-                 "$.requests[1].node");
+                 "/requests/1/node");
 }
 
 TEST_F(QuillixBadRequest, MissingFileAndDirectoryAreOneMessage) {
-  const ToolRun missing = runQuillix({"eval", (dir_ / "absent.json").string()}, dir_);
+  const ToolRun missing = RunTool({"eval", (dir_ / "absent.json").string()}, dir_);
   EXPECT_EQ(missing.status, 2);
-  EXPECT_EQ(missing.err,
-            "quillix: " + (dir_ / "absent.json").string() + ": cannot open the request file\n");
-  const ToolRun directory = runQuillix({"eval", dir_.string()}, dir_);
+  EXPECT_EQ(missing.err, "quillix: " + (dir_ / "absent.json").string() +
+                             ": cannot open the request file: No such file or directory\n");
+  const ToolRun directory = RunTool({"eval", dir_.string()}, dir_);
   EXPECT_EQ(directory.status, 2);
-  EXPECT_EQ(directory.err.find('\n'), directory.err.size() - 1) << directory.err;
+  EXPECT_EQ(directory.err, "quillix: " + dir_.string() + ": is a directory\n");
   EXPECT_TRUE(directory.out.empty());
 }
 

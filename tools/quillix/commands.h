@@ -2,6 +2,7 @@
 // bad input (after printing one message naming the place).
 #pragma once
 
+#include <cstdio>
 #include <iosfwd>
 #include <string>
 
@@ -14,7 +15,7 @@
 namespace quillix::tool {
 
 struct EvalOptions {
-  std::string requestPath;  // "-" reads standard input
+  std::string requestPath;  // "-" reads standard input (so does "" with --ndjson)
   unsigned threads = 0;     // 0: the request's or the machine's
   unsigned batchSize = 0;   // 0: the request's or 1024
   bool sceneGiven = false;  // a --scene option overrides the request file's "scene"
@@ -32,5 +33,13 @@ int RunList(const xsihost::PluginRecord& plugin, bool asJson, std::ostream& out)
 // prints one message to `err` and returns 2.
 int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out,
             std::ostream& err);
+
+// `eval --ndjson`: reads one request document per line of `in` and writes one compact line
+// per input line to `out`, flushed as each finishes: the {"results", "shutdownLog"} of the
+// line, or {"error": "<the message>", "line": N} for a bad line, whose message also goes to
+// `err`. Each line is evaluated as a request file of its own (named instances end with it),
+// so memory does not grow with the number of lines. Returns 2 when any line was bad, else 0.
+int RunEvalLines(xsihost::Host& host, const EvalOptions& options, std::FILE* in, std::ostream& out,
+                 std::ostream& err);
 
 }  // namespace quillix::tool

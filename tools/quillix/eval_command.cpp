@@ -1,10 +1,7 @@
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <map>
 #include <memory>
-#include <sstream>
 #include <thread>
 
 #include <xsi_decl.h>
@@ -12,7 +9,12 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/quillix/commands.h"
+#include "tools/quillix/eval_document.h"
+#include "tools/quillix/file_text.h"
 #include "tools/quillix/json_values.h"
+#include "tools/quillix/nearest_name.h"
+#include "tools/quillix/request_names.h"
+#include "tools/quillix/result_limits.h"
 #include "tools/quillix/scene_tool.h"
 
 namespace quillix::tool {
@@ -24,64 +26,60 @@ using xsihost::PortRecord;
 
 namespace {
 
-ULONG ReadPortID(const std::string& key, const std::string& place) {
-  char* end = nullptr;
-  const unsigned long id = std::strtoul(key.c_str(), &end, 10);
-  if (key.empty() || !end || *end != '\0' || id > 0xFFFFFFFFul)
-    throw InputError(place, "\"" + key + "\" is not a port ID");
-  return static_cast<ULONG>(id);
-}
-
-ULONG ReadUnsigned(const json& j, const std::string& place) {
-  if (!j.is_number_unsigned() && !(j.is_number_integer() && j.get<std::int64_t>() >= 0))
-    throw InputError(place, "expected a non-negative integer");
-  const std::uint64_t v = j.get<std::uint64_t>();
-  if (v > 0xFFFFFFFFull) throw InputError(place, "number too large");
-  return static_cast<ULONG>(v);
-}
-
-ULONG ReadStructure(const json& j, const std::string& place) {
+ULONG ReadStructure(const json& j, const JsonPlace& place) {
   if (j == "single") return 1;
   if (j == "array") return 2;
   throw InputError(place, "expected \"single\" or \"array\"");
 }
 
-ULONG ReadContext(const json& j, const std::string& place) {
+ULONG ReadContext(const json& j, const JsonPlace& place) {
   static const std::map<std::string, ULONG> kNames = {
       {"singleton", 1}, {"point", 2}, {"edge", 4}, {"polygon", 8}, {"node", 16}, {"generated", 32}};
-  if (j.is_string() && kNames.count(j.get<std::string>())) return kNames.at(j.get<std::string>());
+  if (j.is_string()) {
+    const std::string name = j.get<std::string>();
+    if (kNames.count(name)) return kNames.at(name);
+    std::vector<std::string> names;
+    for (const auto& [n, bits] : kNames) names.push_back(n);
+    throw InputError(place, "unknown context " + j.dump() + DidYouMean(name, names));
+  }
   const ULONG v = ReadUnsigned(j, place);
   if (v == 0 || v > 63) throw InputError(place, "expected a context name or bits between 1 and 63");
   return v;
 }
 
-const json& Member(const json& object, const char* key, const std::string& place) {
+const json& Member(const json& object, const char* key, const JsonPlace& place) {
   if (!object.contains(key)) throw InputError(place, std::string("missing \"") + key + "\"");
   return object.at(key);
 }
 
 // One input: {"structure", "type", "constant", "values"}; checked against the port.
 xsihost::PortValues ReadInput(const json& j, const PortRecord& port, ULONG elements,
-                              const std::string& place) {
+                              const JsonPlace& place) {
   if (!j.is_object()) throw InputError(place, "expected an object with \"type\" and \"values\"");
+  CheckKnownKeys(j, place, {"type", "structure", "constant", "values"});
   const json& typeJson = Member(j, "type", place);
-  const ULONG type = typeJson.is_string() ? xsihost::TypeFromName(typeJson.get<std::string>()) : 0;
-  if (type == 0) throw InputError(place + ".type", "unknown data type " + typeJson.dump());
+  const JsonPlace typePlace(place, "type");
+  const ULONG type = ReadDataType(typeJson, typePlace);
   if ((port.dataTypes & type) == 0)
-    throw InputError(place + ".type",
-                     "port " + std::to_string(port.id) + " does not accept " + typeJson.dump());
+    throw InputError(typePlace, "port " + std::to_string(port.id) + " does not accept " +
+                                    typeJson.dump() + " (it takes " +
+                                    Listed(DataTypeNames(port.dataTypes)) + ")");
+  const JsonPlace structurePlace(place, "structure");
   const ULONG structure =
-      j.contains("structure") ? ReadStructure(j["structure"], place + ".structure") : 1;
+      j.contains("structure") ? ReadStructure(j["structure"], structurePlace) : 1;
   if ((port.structures & structure) == 0)
-    throw InputError(place + ".structure",
+    throw InputError(structurePlace,
                      "port " + std::to_string(port.id) + " does not accept this structure");
-  const bool constant = j.value("constant", false);
+  const bool constant = j.contains("constant") && j["constant"] == true;
+  if (j.contains("constant") && !j["constant"].is_boolean())
+    throw InputError(JsonPlace(place, "constant"), "expected true or false");
+  const JsonPlace valuesPlace(place, "values");
   xsihost::PortValues values =
-      ReadPortValues(Member(j, "values", place), type, structure == 2, place + ".values");
+      ReadPortValues(Member(j, "values", place), type, structure == 2, valuesPlace);
   values.constant = constant;
   const ULONG expected = constant ? 1 : elements;
   if (values.count != expected)
-    throw InputError(place + ".values",
+    throw InputError(valuesPlace,
                      "expected " + std::to_string(expected) +
                          (constant ? " value (constant input)" : " values (one per element)") +
                          ", got " + std::to_string(values.count));
@@ -89,43 +87,36 @@ xsihost::PortValues ReadInput(const json& j, const PortRecord& port, ULONG eleme
 }
 
 void ReadInputs(const json& inputs, const NodeDefinitionRecord& node, ULONG instance,
-                ULONG elements, const std::string& place, xsihost::EvaluationRequest& request) {
-  if (!inputs.is_object()) throw InputError(place, "expected an object keyed by input port ID");
+                ULONG elements, const JsonPlace& place, xsihost::EvaluationRequest& request) {
+  if (!inputs.is_object())
+    throw InputError(place, "expected an object keyed by input port ID or script name");
   for (const auto& [key, value] : inputs.items()) {
-    const std::string at = place + "." + key;
-    const ULONG id = ReadPortID(key, at);
-    const PortRecord* port = node.FindInput(id);
-    if (!port) throw InputError(at, "node " + WideToUtf8(node.name) + " has no input port " + key);
-    request.SetInput(id, ReadInput(value, *port, elements, at), instance);
+    const JsonPlace at(place, key);
+    const PortRecord& port = FindPortByKey(node, key, PortKind::kInput, at);
+    request.SetInput(port.id, ReadInput(value, port, elements, at), instance);
   }
 }
 
-const NodeDefinitionRecord& ReadNode(const xsihost::Host& host, const json& r,
-                                     const std::string& place) {
-  const json& nodeJson = Member(r, "node", place);
-  if (!nodeJson.is_string()) throw InputError(place + ".node", "expected a node name");
-  const NodeDefinitionRecord* node = host.FindNode(Utf8ToWide(nodeJson.get<std::string>()));
-  if (!node) throw InputError(place + ".node", "unknown node " + nodeJson.dump());
-  return *node;
-}
-
-std::vector<ULONG> ReadPorts(const json& r, const std::string& place) {
+std::vector<ULONG> ReadPorts(const json& r, const NodeDefinitionRecord& node,
+                             const JsonPlace& place) {
   std::vector<ULONG> ports;
   const json& portJson = Member(r, "port", place);
+  const JsonPlace portPlace(place, "port");
   if (portJson.is_array()) {
     for (std::size_t i = 0; i < portJson.size(); ++i)
-      ports.push_back(ReadUnsigned(portJson[i], place + ".port[" + std::to_string(i) + "]"));
+      ports.push_back(
+          ReadPortReference(node, portJson[i], PortKind::kOutput, JsonPlace(portPlace, i)));
   } else {
-    ports.push_back(ReadUnsigned(portJson, place + ".port"));
+    ports.push_back(ReadPortReference(node, portJson, PortKind::kOutput, portPlace));
   }
   return ports;
 }
 
-std::vector<ULONG> ReadBatch(const json& b, ULONG elements, const std::string& place) {
+std::vector<ULONG> ReadBatch(const json& b, ULONG elements, const JsonPlace& place) {
   if (!b.is_array()) throw InputError(place, "expected a list of element indices");
   std::vector<ULONG> batch;
   for (std::size_t i = 0; i < b.size(); ++i) {
-    const std::string at = place + "[" + std::to_string(i) + "]";
+    const JsonPlace at(place, i);
     const ULONG index = ReadUnsigned(b[i], at);
     if (index >= elements) throw InputError(at, "element index beyond the element count");
     if (!batch.empty() && index <= batch.back()) throw InputError(at, "indices must be ascending");
@@ -135,90 +126,97 @@ std::vector<ULONG> ReadBatch(const json& b, ULONG elements, const std::string& p
 }
 
 // Element count, context, time and batch.
-void ReadElements(const json& r, const std::string& place, xsihost::EvaluationRequest& request) {
-  request.elements = r.contains("elements") ? ReadUnsigned(r["elements"], place + ".elements") : 1;
-  if (request.elements > (1u << 24)) throw InputError(place + ".elements", "too many elements");
-  if (r.contains("context")) request.context = ReadContext(r["context"], place + ".context");
+void ReadElements(const json& r, const JsonPlace& place, xsihost::EvaluationRequest& request) {
+  const JsonPlace elementsPlace(place, "elements");
+  request.elements = r.contains("elements") ? ReadUnsigned(r["elements"], elementsPlace) : 1;
+  if (request.elements > kMaxElements)
+    throw InputError(elementsPlace, "too many elements: " + std::to_string(request.elements) +
+                                        " (at most " + std::to_string(kMaxElements) +
+                                        " in one request)");
+  if (r.contains("context"))
+    request.context = ReadContext(r["context"], JsonPlace(place, "context"));
   if (r.contains("time")) {
-    if (!r["time"].is_number()) throw InputError(place + ".time", "expected a number of frames");
+    if (!r["time"].is_number())
+      throw InputError(JsonPlace(place, "time"), "expected a number of frames");
     request.time = r["time"].get<double>();
   }
   if (r.contains("batch"))
-    request.batch = ReadBatch(r["batch"], request.elements, place + ".batch");
+    request.batch = ReadBatch(r["batch"], request.elements, JsonPlace(place, "batch"));
 }
 
 // "inputs", or "instances" with one input object per group instance.
-void ReadAllInputs(const json& r, const NodeDefinitionRecord& node, const std::string& place,
+void ReadAllInputs(const json& r, const NodeDefinitionRecord& node, const JsonPlace& place,
                    xsihost::EvaluationRequest& request) {
   if (r.contains("inputs"))
-    ReadInputs(r["inputs"], node, 0, request.elements, place + ".inputs", request);
+    ReadInputs(r["inputs"], node, 0, request.elements, JsonPlace(place, "inputs"), request);
   if (!r.contains("instances")) return;
   const json& groups = r["instances"];
+  const JsonPlace instancesPlace(place, "instances");
   if (!groups.is_array() || groups.empty())
-    throw InputError(place + ".instances", "expected a list of group instances");
+    throw InputError(instancesPlace, "expected a list of group instances");
   ULONG maxInstances = 1;
   for (const auto& g : node.groups) maxInstances = std::max(maxInstances, g.maxInstances);
   if (groups.size() > maxInstances)
-    throw InputError(place + ".instances", "the node's group takes at most " +
-                                               std::to_string(maxInstances) + " instances");
+    throw InputError(instancesPlace, "the node's group takes at most " +
+                                         std::to_string(maxInstances) + " instances");
   for (std::size_t k = 0; k < groups.size(); ++k)
     ReadInputs(groups[k], node, static_cast<ULONG>(k), request.elements,
-               place + ".instances[" + std::to_string(k) + "]", request);
+               JsonPlace(instancesPlace, k), request);
   request.groupInstances = static_cast<ULONG>(groups.size());
 }
 
 // "portInfo" overrides and "failPortInfo".
-void ReadPortInfo(const json& r, const NodeDefinitionRecord& node, const std::string& place,
+void ReadPortInfo(const json& r, const NodeDefinitionRecord& node, const JsonPlace& place,
                   xsihost::EvaluationRequest& request) {
   if (r.contains("portInfo")) {
     const json& info = r["portInfo"];
+    const JsonPlace infoPlace(place, "portInfo");
     if (!info.is_object())
-      throw InputError(place + ".portInfo", "expected an object keyed by port ID");
+      throw InputError(infoPlace, "expected an object keyed by port ID or script name");
     for (const auto& [key, value] : info.items()) {
-      const std::string at = place + ".portInfo." + key;
-      const ULONG id = ReadPortID(key, at);
-      if (!node.FindPort(id)) throw InputError(at, "the node has no port " + key);
+      const JsonPlace at(infoPlace, key);
+      const ULONG id = FindPortByKey(node, key, PortKind::kAny, at).id;
+      if (!value.is_object()) throw InputError(at, "expected an object");
+      CheckKnownKeys(value, at, {"type", "structure", "context"});
       xsihost::PortInfoOverride o;
-      if (value.contains("type")) {
-        o.type =
-            value["type"].is_string() ? xsihost::TypeFromName(value["type"].get<std::string>()) : 0;
-        if (*o.type == 0) throw InputError(at + ".type", "unknown data type");
-      }
+      if (value.contains("type")) o.type = ReadDataType(value["type"], JsonPlace(at, "type"));
       if (value.contains("structure"))
-        o.structure = ReadStructure(value["structure"], at + ".structure");
-      if (value.contains("context")) o.context = ReadContext(value["context"], at + ".context");
+        o.structure = ReadStructure(value["structure"], JsonPlace(at, "structure"));
+      if (value.contains("context"))
+        o.context = ReadContext(value["context"], JsonPlace(at, "context"));
       request.portInfo[id] = o;
     }
   }
   if (r.contains("failPortInfo")) {
     const json& f = r["failPortInfo"];
+    const JsonPlace failPlace(place, "failPortInfo");
     if (f == true) {
       for (const auto& p : node.inputs) request.failingPortInfo.insert(p.id);
       for (const auto& p : node.outputs) request.failingPortInfo.insert(p.id);
     } else if (f.is_array()) {
       for (std::size_t i = 0; i < f.size(); ++i)
         request.failingPortInfo.insert(
-            ReadUnsigned(f[i], place + ".failPortInfo[" + std::to_string(i) + "]"));
+            ReadPortReference(node, f[i], PortKind::kAny, JsonPlace(failPlace, i)));
     } else {
-      throw InputError(place + ".failPortInfo", "expected true or a list of port IDs");
+      throw InputError(failPlace, "expected true or a list of port IDs");
     }
   }
 }
 
 // Threads and batch size: the command line's, else the request's, else the defaults.
-void ReadThreading(const json& r, const EvalOptions& options, const std::string& place,
+void ReadThreading(const json& r, const EvalOptions& options, const JsonPlace& place,
                    xsihost::EvaluationRequest& request) {
   const unsigned hardware = std::max(1u, std::thread::hardware_concurrency());
+  const JsonPlace threadsPlace(place, "threads"), batchSizePlace(place, "batchSize");
   request.threads = options.threads         ? options.threads
-                    : r.contains("threads") ? ReadUnsigned(r["threads"], place + ".threads")
+                    : r.contains("threads") ? ReadUnsigned(r["threads"], threadsPlace)
                                             : hardware;
   request.batchSize = options.batchSize         ? options.batchSize
-                      : r.contains("batchSize") ? ReadUnsigned(r["batchSize"], place + ".batchSize")
+                      : r.contains("batchSize") ? ReadUnsigned(r["batchSize"], batchSizePlace)
                                                 : 1024;
   if (request.threads == 0 || request.threads > 256)
-    throw InputError(place + ".threads", "expected 1 to 256 threads");
-  if (request.batchSize == 0)
-    throw InputError(place + ".batchSize", "expected a positive batch size");
+    throw InputError(threadsPlace, "expected 1 to 256 threads");
+  if (request.batchSize == 0) throw InputError(batchSizePlace, "expected a positive batch size");
 }
 
 // A named instance lives on across requests (Init once, Term at the end); an unnamed one lives
@@ -227,15 +225,49 @@ xsihost::EvaluationOutcome EvaluateRequest(xsihost::Host& host, const json& r,
                                            const NodeDefinitionRecord& node,
                                            const xsihost::EvaluationRequest& request,
                                            const std::vector<ULONG>& ports,
-                                           const std::string& place) {
+                                           const JsonPlace& place) {
   if (!r.contains("instance")) return *host.EvaluateOnce(node.name, request, ports);
-  if (!r["instance"].is_string())
-    throw InputError(place + ".instance", "expected an instance name");
+  const JsonPlace instancePlace(place, "instance");
+  if (!r["instance"].is_string()) throw InputError(instancePlace, "expected an instance name");
   xsihost::NodeInstance* instance = host.Instance(r["instance"].get<std::string>(), node.name);
   if (!instance)
-    throw InputError(place + ".instance",
+    throw InputError(instancePlace,
                      "instance " + r["instance"].dump() + " belongs to another node");
   return host.Evaluate(*instance, request, ports);
+}
+
+// The key of "inputs" that names input `port`, for a message about its value.
+std::string InputKeyOf(const json& r, const NodeDefinitionRecord& node, ULONG port) {
+  if (r.contains("inputs") && r["inputs"].is_object())
+    for (const auto& [key, value] : r["inputs"].items())
+      if (FindPortByKey(node, key, PortKind::kInput, JsonPlace()).id == port) return key;
+  return std::to_string(port);
+}
+
+// Refuses, before anything is evaluated, a request whose results would not fit in memory.
+void CheckResultSize(const json& r, const NodeDefinitionRecord& node,
+                     const xsihost::EvaluationRequest& request, const std::vector<ULONG>& ports,
+                     const JsonPlace& place) {
+  const std::uint64_t memory = MachineMemoryBytes();
+  if (memory == 0) return;
+  const std::uint64_t bytes = EstimateResultBytes(node, request.elements, ports);
+  if (bytes > memory)
+    throw InputError(JsonPlace(place, "elements"),
+                     "too many elements: the results of " + std::to_string(request.elements) +
+                         " elements on " + std::to_string(ports.size()) +
+                         " port(s) would need about " + ByteText(bytes) + ", more than the " +
+                         ByteText(memory) + " of memory this machine has");
+  const std::uint64_t points = ResampledPoints(node, request);
+  const std::uint64_t pointBytes = points * ArrayEntryBytes(XSI::siICENodeDataVector3);
+  if (points > 0 && pointBytes > memory - bytes) {
+    const std::string key = InputKeyOf(r, node, kResampleCountPort);
+    const JsonPlace inputsPlace(place, "inputs");
+    throw InputError(JsonPlace(inputsPlace, key),
+                     "the resampled lines would have " + std::to_string(points) +
+                         " points, about " + ByteText(pointBytes) +
+                         " with their results, more than the " + ByteText(memory) +
+                         " of memory this machine has");
+  }
 }
 
 json ResultJson(const json& r, const xsihost::EvaluationOutcome& outcome) {
@@ -250,34 +282,21 @@ json ResultJson(const json& r, const xsihost::EvaluationOutcome& outcome) {
 }
 
 json RunRequest(xsihost::Host& host, const json& r, const EvalOptions& options,
-                const std::string& place) {
+                const JsonPlace& place) {
   if (!r.is_object()) throw InputError(place, "expected a request object");
-  const NodeDefinitionRecord& node = ReadNode(host, r, place);
-  const std::vector<ULONG> ports = ReadPorts(r, place);
+  CheckKnownKeys(r, place,
+                 {"node", "port", "elements", "context", "batch", "inputs", "instances", "portInfo",
+                  "failPortInfo", "time", "instance", "threads", "batchSize"});
+  const NodeDefinitionRecord& node =
+      FindNodeNamed(host, Member(r, "node", place), JsonPlace(place, "node"));
+  const std::vector<ULONG> ports = ReadPorts(r, node, place);
   xsihost::EvaluationRequest request;
   ReadElements(r, place, request);
   ReadAllInputs(r, node, place, request);
   ReadPortInfo(r, node, place, request);
   ReadThreading(r, options, place, request);
+  CheckResultSize(r, node, request, ports, place);
   return ResultJson(r, EvaluateRequest(host, r, node, request, ports, place));
-}
-
-std::string ReadRequestText(const EvalOptions& options, const std::string& file, std::ostream& err,
-                            bool& ok) {
-  std::string text;
-  ok = true;
-  if (options.requestPath == "-") {
-    text.assign(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
-    return text;
-  }
-  std::ifstream in(options.requestPath, std::ios::binary);
-  if (!in) {
-    err << "quillix: " << file << ": cannot open the request file\n";
-    ok = false;
-    return text;
-  }
-  text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  return text;
 }
 
 // A request file may name the scene its nodes read, relative to the file itself; a scene given
@@ -286,7 +305,7 @@ bool LoadRequestScene(const json& document, const EvalOptions& options, const st
                       std::ostream& err) {
   if (!document.is_object() || !document.contains("scene") || options.sceneGiven) return true;
   if (!document["scene"].is_string()) {
-    err << "quillix: " << file << ": $.scene: expected the path of a scene file\n";
+    err << "quillix: " << file << ": /scene: expected the path of a scene file\n";
     return false;
   }
   std::filesystem::path scene = document["scene"].get<std::string>();
@@ -308,31 +327,24 @@ bool WriteOutputs(const json& request, const json& result, std::size_t index,
 
 }  // namespace
 
-int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out,
-            std::ostream& err) {
-  const std::string file = options.requestPath == "-" ? "<stdin>" : options.requestPath;
-  bool ok = true;
-  const std::string text = ReadRequestText(options, file, err, ok);
-  if (!ok) return 2;
-  json document;
-  try {
-    document = json::parse(text);
-  } catch (const json::exception& e) {
-    // Syntax errors, and numbers beyond a double (1E400), which the parser refuses apart.
-    err << "quillix: " << file << ": not valid JSON: " << e.what() << '\n';
-    return 2;
-  }
+int EvaluateDocument(xsihost::Host& host, const json& document, const EvalOptions& options,
+                     const std::string& file, json& out, std::ostream& err) {
   if (!LoadRequestScene(document, options, file, err)) return 2;
-
   json results = json::array();
   host.TakeLog();
   try {
+    const JsonPlace root;
     const json* requests = &document;
-    if (document.is_object()) requests = &Member(document, "requests", "$");
-    if (!requests->is_array()) throw InputError("$.requests", "expected a list of requests");
+    if (document.is_object()) {
+      CheckKnownKeys(document, root, {"requests", "scene"});
+      requests = &Member(document, "requests", root);
+    }
+    const JsonPlace requestsPlace(root, "requests");
+    if (!requests->is_array())
+      throw InputError(document.is_object() ? requestsPlace : root, "expected a list of requests");
     for (std::size_t i = 0; i < requests->size(); ++i) {
-      results.push_back(
-          RunRequest(host, (*requests)[i], options, "$.requests[" + std::to_string(i) + "]"));
+      results.push_back(RunRequest(host, (*requests)[i], options,
+                                   JsonPlace(document.is_object() ? requestsPlace : root, i)));
       if (!WriteOutputs((*requests)[i], results.back(), i, options.outputs, err)) return 2;
     }
   } catch (const InputError& e) {
@@ -343,8 +355,35 @@ int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out
   // Term of the named instances, unless the caller keeps them for its next requests.
   const std::vector<xsihost::LogLine> shutdown =
       options.keepInstances ? std::vector<xsihost::LogLine>{} : host.DestroyInstances();
-  out = {{"results", results}, {"shutdownLog", LogJson(shutdown)}};
+  out = {{"results", std::move(results)}, {"shutdownLog", LogJson(shutdown)}};
   return 0;
+}
+
+std::string NotValidJson(const json::exception& e) {
+  std::string reason = e.what();
+  const std::size_t id = reason.rfind("] ", reason.find(' '));
+  if (reason.rfind("[json.exception.", 0) == 0 && id != std::string::npos) reason.erase(0, id + 2);
+  return "not valid JSON: " + reason;
+}
+
+int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out,
+            std::ostream& err) {
+  const std::string file = options.requestPath == "-" ? "<stdin>" : options.requestPath;
+  std::string text, error;
+  if (!ReadFileText(options.requestPath, "request", text, error)) {
+    err << "quillix: " << error << '\n';
+    return 2;
+  }
+  json document;
+  try {
+    document = json::parse(text);
+  } catch (const json::exception& e) {
+    // Syntax errors, and numbers beyond a double (1E400), which the parser refuses apart.
+    err << "quillix: " << file << ": " << NotValidJson(e) << '\n';
+    return 2;
+  }
+  text = std::string();  // the document holds it all now
+  return EvaluateDocument(host, document, options, file, out, err);
 }
 
 }  // namespace quillix::tool

@@ -59,7 +59,7 @@ std::string WideToUtf8(const std::wstring& text) {
 
 namespace {
 
-float ReadFloat(const json& j, const std::string& place) {
+float ReadFloat(const json& j, const JsonPlace& place) {
   if (j.is_number()) {
     const double d = j.get<double>();
     if (std::isfinite(d) && std::fabs(d) > double(std::numeric_limits<float>::max()))
@@ -79,7 +79,7 @@ float ReadFloat(const json& j, const std::string& place) {
   throw InputError(place, "expected a number, got " + std::string(j.type_name()));
 }
 
-XSI::LONG ReadInt(const json& j, const std::string& place) {
+XSI::LONG ReadInt(const json& j, const JsonPlace& place) {
   if (j.is_number_integer()) {
     const std::int64_t v = j.get<std::int64_t>();
     if (v < std::numeric_limits<XSI::LONG>::min() || v > std::numeric_limits<XSI::LONG>::max())
@@ -98,7 +98,7 @@ XSI::LONG ReadInt(const json& j, const std::string& place) {
 
 // Reads `count` floats from a list, or, for matrices, from a list of rows.
 std::vector<float> readFloats(const json& j, std::size_t count, std::size_t rows,
-                              const std::string& place) {
+                              const JsonPlace& place) {
   if (!j.is_array())
     throw InputError(place, "expected a list of " + std::to_string(count) + " numbers");
   std::vector<float> out;
@@ -106,24 +106,23 @@ std::vector<float> readFloats(const json& j, std::size_t count, std::size_t rows
     for (std::size_t r = 0; r < rows; ++r) {
       const json& row = j[r];
       if (!row.is_array() || row.size() != count / rows)
-        throw InputError(place + "[" + std::to_string(r) + "]",
+        throw InputError(JsonPlace(place, r),
                          "expected a row of " + std::to_string(count / rows) + " numbers");
+      const JsonPlace rowPlace(place, r);
       for (std::size_t c = 0; c < row.size(); ++c)
-        out.push_back(
-            ReadFloat(row[c], place + "[" + std::to_string(r) + "][" + std::to_string(c) + "]"));
+        out.push_back(ReadFloat(row[c], JsonPlace(rowPlace, c)));
     }
     return out;
   }
   if (j.size() != count)
     throw InputError(
         place, "expected " + std::to_string(count) + " numbers, got " + std::to_string(j.size()));
-  for (std::size_t i = 0; i < count; ++i)
-    out.push_back(ReadFloat(j[i], place + "[" + std::to_string(i) + "]"));
+  for (std::size_t i = 0; i < count; ++i) out.push_back(ReadFloat(j[i], JsonPlace(place, i)));
   return out;
 }
 
 // Appends the bytes of one value of `type` to `out`.
-void ReadValue(const json& j, ULONG type, const std::string& place, std::vector<std::byte>& out) {
+void ReadValue(const json& j, ULONG type, const JsonPlace& place, std::vector<std::byte>& out) {
   auto append = [&out](const void* data, std::size_t size) {
     const auto* b = static_cast<const std::byte*>(data);
     out.insert(out.end(), b, b + size);
@@ -149,10 +148,10 @@ void ReadValue(const json& j, ULONG type, const std::string& place, std::vector<
     case XSI::siICENodeDataShape: {
       if (!j.is_array() || j.size() != 4)
         throw InputError(place, "expected a shape as [type, p0, p1, p2]");
-      const std::int32_t shapeType = ReadInt(j[0], place + "[0]");
+      const std::int32_t shapeType = ReadInt(j[0], JsonPlace(place, std::size_t(0)));
       append(&shapeType, sizeof shapeType);
       for (int k = 1; k < 4; ++k) {
-        const float f = ReadFloat(j[k], place + "[" + std::to_string(k) + "]");
+        const float f = ReadFloat(j[k], JsonPlace(place, std::size_t(k)));
         append(&f, sizeof f);
       }
       return;
@@ -229,31 +228,31 @@ json WriteValue(const std::byte* data, ULONG type) {
 
 }  // namespace
 
-PortValues ReadPortValues(const json& values, ULONG type, bool array, const std::string& place) {
+PortValues ReadPortValues(const json& values, ULONG type, bool array, const JsonPlace& place) {
   if (!values.is_array()) throw InputError(place, "expected a list with one value per element");
   PortValues p;
   p.type = type;
   p.array = array;
   p.Resize(static_cast<ULONG>(values.size()));
   for (std::size_t i = 0; i < values.size(); ++i) {
-    const std::string at = place + "[" + std::to_string(i) + "]";
+    const JsonPlace at(place, i);
     const json& item = values[i];
     if (array && !item.is_array()) throw InputError(at, "expected a list (an array per element)");
     if (p.IsString()) {
-      auto readString = [](const json& s, const std::string& where) {
+      auto readString = [](const json& s, const JsonPlace& where) {
         if (!s.is_string())
           throw InputError(where, "expected a string, got " + std::string(s.type_name()));
         return Utf8ToWide(s.get<std::string>());
       };
       if (array) {
         for (std::size_t k = 0; k < item.size(); ++k)
-          p.stringArrays[i].push_back(readString(item[k], at + "[" + std::to_string(k) + "]"));
+          p.stringArrays[i].push_back(readString(item[k], JsonPlace(at, k)));
       } else {
         p.strings[i] = readString(item, at);
       }
     } else if (array) {
       for (std::size_t k = 0; k < item.size(); ++k)
-        ReadValue(item[k], type, at + "[" + std::to_string(k) + "]", p.arrays[i]);
+        ReadValue(item[k], type, JsonPlace(at, k), p.arrays[i]);
     } else {
       std::vector<std::byte> bytes;
       ReadValue(item, type, at, bytes);

@@ -14,19 +14,22 @@
 #include <xsihost/session.h>
 #include <nlohmann/json.hpp>
 
+#include "tools/quillix/json_place.h"
+
 namespace quillix::tool {
 
-// A fault in the user's input, with the place it was found ("requests[0].inputs.1010").
+// A fault in the user's input, with the place it was found ("/requests/0/inputs/1010"); the
+// place's text is made here, once a fault is found.
 class InputError : public std::runtime_error {
  public:
-  InputError(const std::string& place, const std::string& message)
-      : std::runtime_error(place + ": " + message) {}
+  InputError(const JsonPlace& place, const std::string& message)
+      : std::runtime_error(place.Pointer() + ": " + message) {}
 };
 
 // Reads `values` (one entry per item) of data type `type` into a PortValues of `items`
 // items, single-valued or arrays per item. Throws InputError naming `place`.
 xsihost::PortValues ReadPortValues(const nlohmann::json& values, XSI::ULONG type, bool array,
-                                   const std::string& place);
+                                   const JsonPlace& place);
 
 // One entry per item: the value, or null where the item was not written (outputs) .
 nlohmann::json WritePortValues(const xsihost::PortValues& values, bool outputsOnly);

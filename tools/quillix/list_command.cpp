@@ -1,10 +1,13 @@
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include <xsihost/port_values.h>
 #include <nlohmann/json.hpp>
 
 #include "tools/quillix/commands.h"
 #include "tools/quillix/json_values.h"
+#include "tools/quillix/request_names.h"
 
 namespace quillix::tool {
 
@@ -15,10 +18,35 @@ using xsihost::PortRecord;
 
 namespace {
 
-json TypeNames(ULONG bits) {
-  json names = json::array();
-  for (ULONG bit = 1; bit != 0 && bit <= bits; bit <<= 1)
-    if ((bits & bit) && xsihost::IsValueType(bit)) names.push_back(xsihost::TypeName(bit));
+// What each node and command does, from the headings of its docs section.
+struct Summary {
+  const wchar_t* name;
+  const char* text;
+};
+constexpr Summary kSummaries[] = {
+#include "tools/quillix/node_summaries.inc"
+};
+
+std::string SummaryOf(const std::wstring& name) {
+  for (const Summary& s : kSummaries)
+    if (name == s.name) return s.text;
+  return "";
+}
+
+const char* ThreadingName(ULONG model) {
+  return model == 1 ? "single-threaded" : model == 2 ? "multi-threaded" : "unknown";
+}
+
+const char* StructureName(ULONG s) { return s == 1 ? "single" : s == 2 ? "array" : "any"; }
+
+// Context bits as names, "any" for all six.
+std::vector<std::string> ContextNames(ULONG bits) {
+  static const char* const kNames[] = {"singleton",   "per point",        "per edge",
+                                       "per polygon", "per polygon node", "per generated element"};
+  if ((bits & 63u) == 63u) return {"any"};
+  std::vector<std::string> names;
+  for (unsigned k = 0; k < 6; ++k)
+    if (bits & (1u << k)) names.push_back(kNames[k]);
   return names;
 }
 
@@ -57,9 +85,11 @@ json PortJson(const PortRecord& p) {
             {"scriptName", WideToUtf8(p.scriptName)},
             {"displayName", WideToUtf8(p.displayName)},
             {"dataTypes", p.dataTypes},
-            {"types", TypeNames(p.dataTypes)},
+            {"types", DataTypeNames(p.dataTypes)},
             {"structures", p.structures},
+            {"structure", StructureName(p.structures)},
             {"contexts", p.contexts},
+            {"contextNames", ContextNames(p.contexts)},
             {"links",
              {{"type", link(p.typeLink)},
               {"structure", link(p.structureLink)},
@@ -79,13 +109,26 @@ json NodeJson(const NodeDefinitionRecord& n) {
   for (const auto& p : n.inputs) inputs.push_back(PortJson(p));
   for (const auto& p : n.outputs) outputs.push_back(PortJson(p));
   return {{"name", WideToUtf8(n.name)},
+          {"summary", SummaryOf(n.name)},
           {"threadingModel", n.threadingModel},
+          {"threading", ThreadingName(n.threadingModel)},
           {"groups", groups},
           {"inputs", inputs},
           {"outputs", outputs}};
 }
 
-const char* structureName(ULONG s) { return s == 1 ? "single" : s == 2 ? "array" : "any"; }
+// The text listing's port columns: "int/float, single, per point/per polygon".
+std::string TypesText(ULONG dataTypes) {
+  const std::vector<std::string> names = DataTypeNames(dataTypes);
+  return names == DataTypeNames(0xFFFFFFFFu) ? "any type" : Listed(names, "/");
+}
+
+std::string StructureText(ULONG s) { return s == 1 || s == 2 ? StructureName(s) : "any structure"; }
+
+std::string ContextText(ULONG contexts) {
+  const std::vector<std::string> names = ContextNames(contexts);
+  return names.size() == 1 && names[0] == "any" ? "any context" : Listed(names, "/");
+}
 
 }  // namespace
 
@@ -109,18 +152,19 @@ int RunList(const xsihost::PluginRecord& plugin, bool asJson, std::ostream& out)
   out << WideToUtf8(r.name) << " " << r.versionMajor << "." << r.versionMinor << " by "
       << WideToUtf8(r.author) << " <" << WideToUtf8(r.email) << "> " << WideToUtf8(r.url) << "\n\n";
   out << "Commands:\n";
-  for (const auto& c : r.commands) out << "  " << WideToUtf8(c) << '\n';
+  for (const auto& c : r.commands) out << "  " << WideToUtf8(c) << " — " << SummaryOf(c) << '\n';
   out << "\nNodes (" << r.nodes.size() << "):\n";
   for (const auto& n : r.nodes) {
-    out << "  " << WideToUtf8(n->name) << "  (threading model " << n->threadingModel << ")\n";
+    out << "  " << WideToUtf8(n->name) << " — " << SummaryOf(n->name) << " ("
+        << ThreadingName(n->threadingModel) << ")\n";
     for (const auto& g : n->groups)
       out << "    group " << g.id << " \"" << WideToUtf8(g.name) << "\" " << g.minInstances << ".."
           << g.maxInstances << '\n';
     auto printPort = [&out](const PortRecord& p) {
       out << "    " << (p.input ? "in  " : "out ") << p.id << " " << WideToUtf8(p.scriptName)
-          << " \"" << WideToUtf8(p.displayName) << "\" types " << TypeNames(p.dataTypes).dump()
-          << " " << structureName(p.structures) << " context " << p.contexts;
-      if (p.input) out << " default " << DefaultJson(p.defaultValue).dump();
+          << " \"" << WideToUtf8(p.displayName) << "\": " << TypesText(p.dataTypes) << ", "
+          << StructureText(p.structures) << ", " << ContextText(p.contexts);
+      if (p.input) out << ", default " << DefaultJson(p.defaultValue).dump();
       out << '\n';
     };
     for (const auto& p : n->inputs) printPort(p);

@@ -1,15 +1,21 @@
 // quillix: the command-line host. Loads the plug-in through its exported entry points and
 // lists it, or evaluates its nodes on requests read from files.
+#include <cstdio>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include <xsihost/host.h>
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include "tools/quillix/commands.h"
+#include "tools/quillix/file_text.h"
 #include "tools/quillix/json_values.h"
+#include "tools/quillix/nearest_name.h"
+#include "tools/quillix/request_names.h"
 #include "tools/quillix/scene_tool.h"
 
 namespace {
@@ -17,6 +23,38 @@ namespace {
 // The tool's build and the identity of the plug-in it loads by default.
 std::string VersionText() {
   return "quillix " QUILLIX_VERSION " (the Quillix plug-in, version 1900.0, and its offline host)";
+}
+
+// The message for a first argument that names no subcommand, with the nearest one suggested.
+std::optional<std::string> UnknownCommandText(const CLI::App& app) {
+  if (!app.get_subcommands().empty()) return std::nullopt;
+  for (const std::string& arg : app.remaining()) {
+    if (arg.empty() || arg[0] == '-') continue;
+    std::vector<std::string> names;
+    for (const CLI::App* sub : app.get_subcommands({})) names.push_back(sub->get_name());
+    const std::string hint = quillix::tool::DidYouMean(arg, names);
+    return "unknown command \"" + arg + "\"" +
+           (hint.empty() ? " (" + quillix::tool::Listed(names) + ")" : hint);
+  }
+  return std::nullopt;
+}
+
+// `eval --ndjson` over standard input or the file named.
+int RunLines(xsihost::Host& host, const quillix::tool::EvalOptions& options) {
+  if (options.requestPath.empty() || options.requestPath == "-")
+    return quillix::tool::RunEvalLines(host, options, stdin, std::cout, std::cerr);
+  std::string error;
+  if (!quillix::tool::CheckReadableFile(options.requestPath, "request", error)) {
+    std::cerr << "quillix: " << error << '\n';
+    return 2;
+  }
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(std::fopen(options.requestPath.c_str(), "r"),
+                                                     &std::fclose);
+  if (!in) {
+    std::cerr << "quillix: " << options.requestPath << ": cannot open the request file\n";
+    return 2;
+  }
+  return quillix::tool::RunEvalLines(host, options, in.get(), std::cout, std::cerr);
 }
 
 int Run(int argc, char** argv) {
@@ -35,18 +73,26 @@ int Run(int argc, char** argv) {
   quillix::tool::EvalOptions evalOptions;
   CLI::App* eval =
       app.add_subcommand("eval", "Evaluate node outputs described by a JSON request file");
-  eval->add_option("request", evalOptions.requestPath, "Request file, or - for standard input")
-      ->required();
+  eval->add_option("request", evalOptions.requestPath, "Request file, or - for standard input");
+  bool ndjson = false;
+  CLI::Option* ndjsonFlag = eval->add_flag(
+      "--ndjson", ndjson,
+      "Read one request document per line (standard input, or the file) and write one result "
+      "line per input line");
   eval->add_option("--threads", evalOptions.threads, "Threads for multi-threaded nodes")
       ->check(CLI::Range(1, 256));
   eval->add_option("--batch-size", evalOptions.batchSize, "Elements per batch")
       ->check(CLI::PositiveNumber);
   std::string evalScene;
   eval->add_option("--scene", evalScene, "Scene file for the nodes that read the scene");
+  // Result files are named by request; lines of --ndjson input would overwrite each other's.
   eval->add_option("--out", evalOptions.outputs.outDir,
-                   "Folder for the geometric results as OBJ and PLY files");
-  eval->add_option("--png", evalOptions.outputs.pngDir, "Folder for pictures of the results (PNG)");
-  eval->add_option("--svg", evalOptions.outputs.svgDir, "Folder for pictures of the results (SVG)");
+                   "Folder for the geometric results as OBJ and PLY files")
+      ->excludes(ndjsonFlag);
+  eval->add_option("--png", evalOptions.outputs.pngDir, "Folder for pictures of the results (PNG)")
+      ->excludes(ndjsonFlag);
+  eval->add_option("--svg", evalOptions.outputs.svgDir, "Folder for pictures of the results (SVG)")
+      ->excludes(ndjsonFlag);
   std::string view = "z";
   eval->add_option("--view", view, "Axis the pictures look along: x, y, z or iso")
       ->check(CLI::IsMember({"x", "y", "z", "iso"}));
@@ -60,12 +106,16 @@ int Run(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) return app.exit(e);  // --help, --version
-    std::cerr << "quillix: " << e.what() << '\n';
+    std::cerr << "quillix: " << UnknownCommandText(app).value_or(e.what()) << '\n';
     return 2;
   }
 
   if (app.get_subcommands().empty()) {
     std::cerr << "quillix: a subcommand is required (list, eval, run, scene); see quillix --help\n";
+    return 2;
+  }
+  if (*eval && !ndjson && evalOptions.requestPath.empty()) {
+    std::cerr << "quillix: eval: a request file is required (- for standard input)\n";
     return 2;
   }
   evalOptions.outputs.view = *quillix::ParseViewAxis(view);
@@ -90,6 +140,9 @@ int Run(int argc, char** argv) {
       std::cerr << "log " << line.severity << ": " << quillix::tool::WideToUtf8(line.text) << '\n';
   } else if (app.got_subcommand("run")) {
     status = quillix::tool::RunCommand(*host, runOptions, std::cout, std::cerr);
+    host->Unload();
+  } else if (*eval && ndjson) {
+    status = RunLines(*host, evalOptions);
     host->Unload();
   } else if (*eval) {
     nlohmann::json out;

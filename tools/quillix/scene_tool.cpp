@@ -12,7 +12,9 @@
 #include <xsihost/scene_commands.h>
 #include <nlohmann/json.hpp>
 
+#include "tools/quillix/file_text.h"
 #include "tools/quillix/json_values.h"
+#include "tools/quillix/nearest_name.h"
 
 namespace quillix::tool {
 
@@ -129,7 +131,7 @@ void AddSceneSubcommands(CLI::App& app, RunOptions& run, SceneOptions& scene) {
 
 bool LoadActiveScene(const std::string& path, std::ostream& err) {
   std::string error;
-  if (xsihost::Host::LoadScene(path, error)) return true;
+  if (CheckReadableFile(path, "scene", error) && xsihost::Host::LoadScene(path, error)) return true;
   err << "quillix: " << error << '\n';
   return false;
 }
@@ -143,7 +145,10 @@ int RunCommand(xsihost::Host& host, const RunOptions& options, std::ostream& out
   const std::wstring name = Utf8ToWide(options.command);
   const auto definition = xsihost::FindCommand(name);
   if (!definition) {
-    err << "quillix: run: unknown command \"" << options.command << "\"\n";
+    std::vector<std::string> names{"OpenScene"};
+    for (const std::wstring& c : host.Plugin().commands) names.push_back(Text(c));
+    err << "quillix: run: unknown command \"" << options.command << "\""
+        << DidYouMean(options.command, names) << '\n';
     return 2;
   }
   XSI::CValueArray arguments(static_cast<XSI::LONG>(definition->m_arguments.size()));
@@ -158,8 +163,11 @@ int RunCommand(xsihost::Host& host, const RunOptions& options, std::ostream& out
     while (index < definition->m_arguments.size() && definition->m_arguments[index].name != argName)
       ++index;
     if (index == definition->m_arguments.size()) {
+      std::vector<std::string> names;
+      for (const auto& a : definition->m_arguments) names.push_back(Text(a.name));
       err << "quillix: run: " << options.command << " has no argument \""
-          << assignment.substr(0, eq) << "\"\n";
+          << assignment.substr(0, eq) << "\"" << DidYouMean(assignment.substr(0, eq), names)
+          << '\n';
       return 2;
     }
     const std::string value = assignment.substr(eq + 1);

@@ -32,7 +32,9 @@ std::wstring widen(const std::string& s) {
   return out;
 }
 
-std::string child(const std::string& path, const std::string& key) { return path + "/" + key; }
+std::string child(const std::string& path, const std::string& key) {
+  return path + "/" + JsonPointerToken(key);
+}
 std::string child(const std::string& path, std::size_t index) {
   return path + "/" + std::to_string(index);
 }
@@ -529,6 +531,20 @@ std::string lineAndColumn(const std::string& text, std::size_t byte) {
 }
 
 }  // namespace
+
+std::string JsonPointerToken(std::string_view key) {
+  std::string token;
+  token.reserve(key.size());
+  for (char c : key) {
+    if (c == '~')
+      token += "~0";
+    else if (c == '/')
+      token += "~1";
+    else
+      token += c;
+  }
+  return token;
+}
 
 std::shared_ptr<Scene> ParseSceneText(const std::string& text, const std::string& baseDirectory,
                                       const std::string& fileLabel, std::string& error) {

@@ -18,6 +18,12 @@ double norm(const Vec3d& a) { return std::sqrt(dot(a, a)); }
 Vec3d cross(const Vec3d& a, const Vec3d& b) {
   return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
+// `u` clamped to [lo, hi]; NaN, which orders with nothing, counts as the start of the range
+// (as a NaN percentage does), so every parameter lands inside a knot span.
+double clampParameter(double u, double lo, double hi) {
+  return std::isnan(u) ? lo : std::clamp(u, lo, hi);
+}
+
 Vec3d unit(const Vec3d& a) {
   const double n = norm(a);
   return n > 0.0 ? scale(1.0 / n, a) : Vec3d{0.0, 0.0, 0.0};
@@ -186,7 +192,7 @@ void NurbsCurveEvaluator::derivatives(double u, Vec3d& position, Vec3d& first,
   const int p = curve_.degree;
   const int n = static_cast<int>(curve_.points.size());
   const auto& t = curve_.knots;
-  u = std::clamp(u, min_, max_);
+  u = clampParameter(u, min_, max_);
   // Span k with t[k] <= u < t[k+1]; the end of the range belongs to the last non-empty span.
   int k;
   if (u >= max_) {
@@ -275,7 +281,7 @@ CurveSample NurbsCurveEvaluator::evaluate(double u) const {
 }
 
 double NurbsCurveEvaluator::parameterFromNormalized(double t) const {
-  t = std::clamp(t, 0.0, 1.0);
+  t = clampParameter(t, 0.0, 1.0);
   return min_ + t * (max_ - min_);
 }
 
@@ -284,7 +290,7 @@ double NurbsCurveEvaluator::spanLength(double a, double b) const {
 }
 
 double NurbsCurveEvaluator::lengthTo(double u) const {
-  u = std::clamp(u, min_, max_);
+  u = clampParameter(u, min_, max_);
   if (u >= max_) return length();
   const auto it = std::upper_bound(spanStarts_.begin(), spanStarts_.end(), u);
   const size_t j = static_cast<size_t>(it - spanStarts_.begin()) - 1;

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include <xsihost/scene.h>
 
@@ -23,5 +24,9 @@ std::shared_ptr<Scene> ParseSceneText(const std::string& text, const std::string
 /// vertex numbering and its polygons as they are (no triangulation). Returns false and sets
 /// `error` on failure.
 bool LoadMeshFile(const std::string& path, MeshData& mesh, std::string& error);
+
+/// `key` as one reference token of a JSON Pointer (RFC 6901): "~" becomes "~0" and "/" becomes
+/// "~1". Places in scene files and in `quillix` requests are written with it.
+std::string JsonPointerToken(std::string_view key);
 
 }  // namespace xsihost
