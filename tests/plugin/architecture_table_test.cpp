@@ -80,7 +80,9 @@ TEST(ArchitectureTable, EveryRowPointsAtFilesThatSayWhatTheRowSays) {
     // A node's binding is found by listing one folder: its file name starts with the short name.
     const std::string shortName = row.name.substr(command ? 9 : 8);
     const std::string stem = fs::path(row.binding).stem().string();
-    if (!command) EXPECT_EQ(stem.rfind(shortName, 0), 0u) << row.binding;
+    if (!command) {
+      EXPECT_EQ(stem.rfind(shortName, 0), 0u) << row.binding;
+    }
     const std::string binding = ReadText(kRoot / row.binding);
     const std::string callback = command ? row.name + "_Execute" : row.name + "_Register";
     EXPECT_NE(binding.find(callback), std::string::npos) << row.binding;
