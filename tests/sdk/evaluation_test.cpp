@@ -40,7 +40,7 @@ TEST(Evaluation, MissingInputsReadTheirPortDefaults) {
   EvaluationRequest r;
   r.elements = 2;
   r.SetInput(1010, PortValues::Singles<XSI::LONG>({5, -8}));
-  const auto out = evaluate(L"Quillix_divi", r, 2010);
+  const auto out = Evaluate(L"Quillix_divi", r, 2010);
   EXPECT_EQ(out.values.Single<XSI::LONG>(0), 5);
   EXPECT_EQ(out.values.Single<XSI::LONG>(1), -8);
 }
@@ -53,7 +53,7 @@ TEST(Evaluation, PortInfoOverridesChangeTheNodesPath) {
   r.elements = 1;
   r.SetInput(1010, PortValues::Singles<XSI::LONG>({5}));
   r.portInfo[1010].structure = 2;
-  const auto out = evaluate(L"Quillix_divi", r, 2010);
+  const auto out = Evaluate(L"Quillix_divi", r, 2010);
   ASSERT_TRUE(out.values.array);
   EXPECT_TRUE(out.values.WasWritten(0));
   EXPECT_TRUE(out.values.ArrayAt<XSI::LONG>(0).empty());
@@ -64,7 +64,7 @@ TEST(Evaluation, EmptyIndexSetWritesNothing) {
   r.elements = 3;
   r.batch = std::vector<ULONG>{};
   r.SetInput(1010, PortValues::Singles<XSI::LONG>({1, 2, 3}));
-  const auto out = evaluate(L"Quillix_divi", r, 2010);
+  const auto out = Evaluate(L"Quillix_divi", r, 2010);
   for (ULONG i = 0; i < 3; ++i) EXPECT_FALSE(out.values.WasWritten(i));
 }
 

@@ -45,9 +45,9 @@ constexpr std::byte kUnwritten{0xA5};  // fill of single-value outputs before ev
 class NodeObject : public Object {
  public:
   NodeObject(std::wstring name, std::uint32_t id) : name_(std::move(name)), id_(id) {}
-  std::wstring name() const override { return name_; }
-  std::wstring typeName() const override { return L"ICENode"; }
-  std::uint32_t objectID() const override { return id_; }
+  std::wstring Name() const override { return name_; }
+  std::wstring TypeName() const override { return L"ICENode"; }
+  std::uint32_t ObjectID() const override { return id_; }
 
  private:
   std::wstring name_;
@@ -357,7 +357,7 @@ NodeInstance::NodeInstance(const LoadedPlugin& plugin, const NodeDefinitionRecor
 
 NodeInstance::~NodeInstance() { Terminate(); }
 
-std::uint32_t NodeInstance::ObjectID() const { return object_->objectID(); }
+std::uint32_t NodeInstance::ObjectID() const { return object_->ObjectID(); }
 
 std::string NodeInstance::CallbackName(const char* suffix) const {
   return std::string(node_.name.begin(), node_.name.end()) + suffix;

@@ -28,7 +28,7 @@ constexpr TypeEntry kTypes[] = {
     {XSI::siICENodeDataString, 0, "string"},
 };
 
-const TypeEntry* findType(ULONG type) {
+const TypeEntry* FindType(ULONG type) {
   for (const TypeEntry& e : kTypes)
     if (e.type == type) return &e;
   return nullptr;
@@ -37,14 +37,14 @@ const TypeEntry* findType(ULONG type) {
 }  // namespace
 
 std::size_t ValueSize(ULONG type) {
-  const TypeEntry* e = findType(type);
+  const TypeEntry* e = FindType(type);
   return e ? e->size : 0;
 }
 
-bool IsValueType(ULONG type) { return findType(type) != nullptr; }
+bool IsValueType(ULONG type) { return FindType(type) != nullptr; }
 
 const char* TypeName(ULONG type) {
-  const TypeEntry* e = findType(type);
+  const TypeEntry* e = FindType(type);
   return e ? e->name : "";
 }
 

@@ -47,10 +47,6 @@ struct EvaluationRequest {
   void SetInput(ULONG port, PortValues values, ULONG instance = 0) {
     inputs[{port, instance}] = std::move(values);
   }
-  // Transitional spelling for the node tests (see PortValues).
-  void setInput(ULONG port, PortValues values, ULONG instance = 0) {
-    SetInput(port, std::move(values), instance);
-  }
 };
 
 struct OutputResult {
@@ -90,14 +86,6 @@ class NodeInstance {
   /// Port states, as the SDK's CICEPortState reads and clears them.
   bool IsDirty(ULONG port, ULONG instance) const;
   void ClearState(ULONG port, ULONG instance);
-
-  // Transitional spellings for the node tests (see PortValues).
-  std::vector<OutputResult> evaluate(const EvaluationRequest& request,
-                                     const std::vector<ULONG>& outputPorts) {
-    return Evaluate(request, outputPorts);
-  }
-  std::uint32_t objectID() const { return ObjectID(); }
-  void terminate() { Terminate(); }
 
  private:
   struct PortState {
