@@ -41,14 +41,14 @@ PortValues BoolArray(std::initializer_list<int> values) {
   PortValues p;
   p.type = XSI::siICENodeDataBool;
   p.array = true;
-  p.resize(1);
+  p.Resize(1);
   for (int v : values) p.arrays[0].push_back(std::byte(v != 0));
   return p.AsConstant();
 }
 PortValues BoolSingles(std::initializer_list<int> values) {
   PortValues p;
   p.type = XSI::siICENodeDataBool;
-  p.resize(ULONG(values.size()));
+  p.Resize(ULONG(values.size()));
   std::size_t i = 0;
   for (int v : values) p.flat[i++] = std::byte(v != 0);
   return p;

@@ -43,7 +43,7 @@ inline EvaluationRequest instancesOf(ULONG elements, ULONG port,
 inline PortValues boolSingles(std::initializer_list<bool> values) {
   PortValues p;
   p.type = XSI::siICENodeDataBool;
-  p.resize(static_cast<ULONG>(values.size()));
+  p.Resize(static_cast<ULONG>(values.size()));
   std::size_t i = 0;
   for (bool v : values) std::memcpy(p.flat.data() + i++, &v, 1);
   return p;
@@ -53,7 +53,7 @@ inline PortValues boolArrays(std::initializer_list<std::initializer_list<bool>> 
   PortValues p;
   p.type = XSI::siICENodeDataBool;
   p.array = true;
-  p.resize(static_cast<ULONG>(values.size()));
+  p.Resize(static_cast<ULONG>(values.size()));
   std::size_t i = 0;
   for (const auto& entries : values) {
     for (bool v : entries) p.arrays[i].push_back(std::byte{v});
@@ -118,7 +118,7 @@ inline PortValues threeEntryArray(ULONG type, std::initializer_list<int> order) 
   PortValues values;
   values.type = type;
   values.array = true;
-  values.resize(1);
+  values.Resize(1);
   for (int entry : order) {
     values.arrays[0].insert(values.arrays[0].end(), xsihost::ValueSize(type),
                             std::byte(fill[entry]));

@@ -89,7 +89,7 @@ PortValues repeatItem(const PortValues& values, ULONG item, ULONG count) {
   PortValues out;
   out.type = values.type;
   out.array = values.array;
-  out.resize(count);
+  out.Resize(count);
   for (ULONG k = 0; k < count; ++k) copyItem(values, item, out, k);
   return out;
 }
