@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +37,9 @@ struct PortValues {
   std::vector<std::wstring> strings;                    // single string
   std::vector<std::vector<std::wstring>> stringArrays;  // array of strings
   std::vector<char> written;                            // outputs only
+  // ContentHash() as EvaluationRequest::SetInput computed it, so that evaluations recognise an
+  // unchanged input without reading it. Whoever changes the data afterwards resets it.
+  std::optional<std::uint64_t> contentHash;
 
   /// True when the port carries wide strings (held in `strings` or `stringArrays`).
   bool IsString() const { return type == XSI::siICENodeDataString; }
@@ -102,6 +107,9 @@ struct PortValues {
 
   /// Same type, structure, constancy, count and bytes; what is written is not compared.
   bool SameData(const PortValues& other) const;
+  /// A 64-bit hash of what SameData compares: equal data give equal hashes, and different
+  /// data practically never do. Reads every byte once.
+  std::uint64_t ContentHash() const;
 };
 
 }  // namespace xsihost
