@@ -212,13 +212,15 @@ void ReadThreading(const json& r, const EvalOptions& options, const std::string&
   request.threads = options.threads         ? options.threads
                     : r.contains("threads") ? ReadUnsigned(r["threads"], place + ".threads")
                                             : hardware;
-  request.batchSize = options.batchSize         ? options.batchSize
-                      : r.contains("batchSize") ? ReadUnsigned(r["batchSize"], place + ".batchSize")
-                                                : 1024;
   if (request.threads == 0 || request.threads > 256)
     throw InputError(place + ".threads", "expected 1 to 256 threads");
-  if (request.batchSize == 0)
-    throw InputError(place + ".batchSize", "expected a positive batch size");
+  // Without a batch size the host sizes batches for the threads.
+  request.batchSize = options.batchSize;
+  if (!options.batchSize && r.contains("batchSize")) {
+    request.batchSize = ReadUnsigned(r["batchSize"], place + ".batchSize");
+    if (request.batchSize == 0)
+      throw InputError(place + ".batchSize", "expected a positive batch size");
+  }
 }
 
 // A named instance lives on across requests (Init once, Term at the end); an unnamed one lives
@@ -238,12 +240,16 @@ xsihost::EvaluationOutcome EvaluateRequest(xsihost::Host& host, const json& r,
   return host.Evaluate(*instance, request, ports);
 }
 
-json ResultJson(const json& r, const xsihost::EvaluationOutcome& outcome) {
+json ResultJson(const json& r, ULONG elements, const xsihost::EvaluationOutcome& outcome) {
   json outputs = json::array();
-  for (const auto& result : outcome.outputs)
+  for (const auto& result : outcome.outputs) {
+    // A port the node does not define has no data: like every unwritten element, null.
+    const bool unknown = result.values.type == 0;
     outputs.push_back({{"port", result.port},
                        {"status", result.status},
-                       {"values", WritePortValues(result.values, true)}});
+                       {"values", unknown ? json(std::vector<std::nullptr_t>(elements, nullptr))
+                                          : WritePortValues(result.values, true)}});
+  }
   json out = {{"node", r["node"]}, {"outputs", outputs}, {"log", LogJson(outcome.log)}};
   if (r.contains("instance")) out["instance"] = r["instance"];
   return out;
@@ -259,7 +265,7 @@ json RunRequest(xsihost::Host& host, const json& r, const EvalOptions& options,
   ReadAllInputs(r, node, place, request);
   ReadPortInfo(r, node, place, request);
   ReadThreading(r, options, place, request);
-  return ResultJson(r, EvaluateRequest(host, r, node, request, ports, place));
+  return ResultJson(r, request.elements, EvaluateRequest(host, r, node, request, ports, place));
 }
 
 std::string ReadRequestText(const EvalOptions& options, const std::string& file, std::ostream& err,
