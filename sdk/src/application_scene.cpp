@@ -11,19 +11,19 @@
 namespace XSI {
 
 CStatus CRef::Set(const CString& path) {
-  object_ = xsihost::ActiveScene().find(path.Wide());
+  object_ = xsihost::ActiveScene().Find(path.Wide());
   return object_ ? CStatus::OK : CStatus::Fail;
 }
 
-Model Application::GetActiveSceneRoot() const { return Model(CRef(xsihost::ActiveScene().root())); }
+Model Application::GetActiveSceneRoot() const { return Model(CRef(xsihost::ActiveScene().Root())); }
 
 namespace {
 
 // What a Selection refers to: the host's one selection (kept by the scene side).
 class SelectionObject : public xsihost::Object {
  public:
-  std::wstring name() const override { return L"Selection"; }
-  std::wstring typeName() const override { return L"Selection"; }
+  std::wstring Name() const override { return L"Selection"; }
+  std::wstring TypeName() const override { return L"Selection"; }
 };
 
 }  // namespace

@@ -21,26 +21,26 @@ ArgumentArray Command::GetArguments() const {
 
 CString Command::GetDescription() const {
   const auto c = as<CommandObject>(ref_);
-  return c ? CString(c->m_description.c_str()) : CString();
+  return c ? CString(c->description_.c_str()) : CString();
 }
 
 CStatus Command::PutDescription(const CString& description) {
   const auto c = as<CommandObject>(ref_);
   if (!c) return CStatus::Fail;
-  c->m_description = description.Wide();
+  c->description_ = description.Wide();
   return CStatus::OK;
 }
 
 CStatus Command::SetFlag(LONG flag, bool value) {
   const auto c = as<CommandObject>(ref_);
   if (!c) return CStatus::Fail;
-  c->m_flags = value ? (c->m_flags | flag) : (c->m_flags & ~flag);
+  c->flags_ = value ? (c->flags_ | flag) : (c->flags_ & ~flag);
   return CStatus::OK;
 }
 
 bool Command::GetFlag(LONG flag) const {
   const auto c = as<CommandObject>(ref_);
-  return c && (c->m_flags & flag) == flag;
+  return c && (c->flags_ & flag) == flag;
 }
 
 CStatus Command::EnableReturnValue(bool enable) {
@@ -59,29 +59,28 @@ CStatus ArgumentArray::Add(const CString& name, const CValue& value) {
   const auto c = as<CommandObject>(ref_);
   if (!c) return CStatus::Fail;
   if (name.IsEmpty()) return CStatus::InvalidArgument;
-  for (const auto& a : c->m_arguments)
+  for (const auto& a : c->arguments_)
     if (a.name == name.Wide()) return CStatus::InvalidArgument;
-  c->m_arguments.push_back({name.Wide(), value});
+  c->arguments_.push_back({name.Wide(), value});
   return CStatus::OK;
 }
 
 LONG ArgumentArray::GetCount() const {
   const auto c = as<CommandObject>(ref_);
-  return c ? static_cast<LONG>(c->m_arguments.size()) : 0;
+  return c ? static_cast<LONG>(c->arguments_.size()) : 0;
 }
 
 Argument ArgumentArray::GetItem(LONG index) const {
   const auto c = as<CommandObject>(ref_);
-  if (!c || index < 0 || static_cast<std::size_t>(index) >= c->m_arguments.size())
-    return Argument();
+  if (!c || index < 0 || static_cast<std::size_t>(index) >= c->arguments_.size()) return Argument();
   return Argument(CRef(std::make_shared<ArgumentObject>(c, static_cast<std::size_t>(index))));
 }
 
 Argument ArgumentArray::GetItem(const CString& name) const {
   const auto c = as<CommandObject>(ref_);
   if (!c) return Argument();
-  for (std::size_t i = 0; i < c->m_arguments.size(); ++i)
-    if (c->m_arguments[i].name == name.Wide())
+  for (std::size_t i = 0; i < c->arguments_.size(); ++i)
+    if (c->arguments_[i].name == name.Wide())
       return Argument(CRef(std::make_shared<ArgumentObject>(c, i)));
   return Argument();
 }
@@ -90,13 +89,13 @@ Argument::Argument(const CRef& ref) : SIObject(as<ArgumentObject>(ref) ? ref : C
 
 CValue Argument::GetValue() const {
   const auto a = as<ArgumentObject>(ref_);
-  return a ? a->command_->m_arguments[a->index_].value : CValue();
+  return a ? a->command_->arguments_[a->index_].value : CValue();
 }
 
 CStatus Argument::PutValue(const CValue& value) {
   const auto a = as<ArgumentObject>(ref_);
   if (!a) return CStatus::Fail;
-  a->command_->m_arguments[a->index_].value = value;
+  a->command_->arguments_[a->index_].value = value;
   return CStatus::OK;
 }
 

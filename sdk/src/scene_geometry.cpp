@@ -36,7 +36,7 @@ std::vector<CVector3> pointsOf(const SceneObject& o) {
     for (const auto& p : o.mesh_->points) out.emplace_back(p[0], p[1], p[2]);
   } else {
     for (const auto& c : o.curves_)
-      for (const auto& p : c->data().points) out.emplace_back(p[0], p[1], p[2]);
+      for (const auto& p : c->Data().points) out.emplace_back(p[0], p[1], p[2]);
   }
   return out;
 }
@@ -48,8 +48,8 @@ class AttributeObject : public xsihost::Object {
  public:
   AttributeObject(std::shared_ptr<const SceneObject> owner, std::wstring name)
       : owner_(std::move(owner)), name_(std::move(name)) {}
-  std::wstring name() const override { return name_; }
-  std::wstring typeName() const override { return L"ICEAttribute"; }
+  std::wstring Name() const override { return name_; }
+  std::wstring TypeName() const override { return L"ICEAttribute"; }
   const AttributeData* data() const {
     if (!owner_->mesh_) return nullptr;
     const auto it = owner_->mesh_->attributes.find(name_);
@@ -297,7 +297,7 @@ siICENodeContextType ICEAttribute::GetContextType() const {
 
 ULONG ICEAttribute::GetElementCount() const {
   const AttributeData* a = attributeData(ref_);
-  return a ? static_cast<ULONG>(a->elementCount()) : 0;
+  return a ? static_cast<ULONG>(a->ElementCount()) : 0;
 }
 
 bool ICEAttribute::IsConstant() const {
@@ -309,7 +309,7 @@ CStatus ICEAttribute::GetDataArray(CBaseICEAttributeDataArray& data) const {
   const AttributeData* a = attributeData(ref_);
   if (!a) return CStatus::Fail;
   if (data.GetDataType() != GetDataType()) return CStatus::InvalidArgument;
-  const std::size_t n = a->elementCount();
+  const std::size_t n = a->ElementCount();
   data.count_ = static_cast<ULONG>(n);
   data.constant_ = a->context == AttributeData::Context::Singleton;
   switch (a->type) {
@@ -475,11 +475,11 @@ CStatus sample(const CRef& ref, int mode, double value, CVector3& position, CVec
   const auto c = as<xsihost::CurveObject>(ref);
   if (!c) return CStatus::Fail;
   if (!std::isfinite(value)) return CStatus::InvalidArgument;
-  const xsihost::NurbsCurveEvaluator& curve = c->curve();
+  const xsihost::NurbsCurveEvaluator& curve = c->Curve();
   const double u = mode == 0   ? value
-                   : mode == 1 ? curve.parameterFromNormalized(value)
-                               : curve.parameterFromPercentage(value);
-  const xsihost::CurveSample s = curve.evaluate(u);
+                   : mode == 1 ? curve.ParameterFromNormalized(value)
+                               : curve.ParameterFromPercentage(value);
+  const xsihost::CurveSample s = curve.Evaluate(u);
   position = toVector(s.position);
   tangent = toVector(s.tangent);
   normal = toVector(s.normal);
@@ -508,26 +508,26 @@ CStatus NurbsCurve::EvaluatePositionFromPercentage(double percentage, CVector3& 
 CStatus NurbsCurve::GetLength(double& length) const {
   const auto c = as<xsihost::CurveObject>(ref_);
   if (!c) return CStatus::Fail;
-  length = c->curve().length();
+  length = c->Curve().Length();
   return CStatus::OK;
 }
 
 CStatus NurbsCurve::GetParameterRange(double& min, double& max) const {
   const auto c = as<xsihost::CurveObject>(ref_);
   if (!c) return CStatus::Fail;
-  min = c->curve().minParameter();
-  max = c->curve().maxParameter();
+  min = c->Curve().MinParameter();
+  max = c->Curve().MaxParameter();
   return CStatus::OK;
 }
 
 bool NurbsCurve::IsClosed() const {
   const auto c = as<xsihost::CurveObject>(ref_);
-  return c && c->curve().data().closed;
+  return c && c->Curve().Data().closed;
 }
 
 LONG NurbsCurve::GetDegree() const {
   const auto c = as<xsihost::CurveObject>(ref_);
-  return c ? c->curve().data().degree : 0;
+  return c ? c->Curve().Data().degree : 0;
 }
 
 }  // namespace XSI

@@ -102,7 +102,7 @@ Property::Property(const CRef& ref) : SceneItem(bindIf(ref, as<PropertyObject>(r
 
 CValue Property::GetParameterValue(const CString& name, double frame) const {
   CValue value;
-  if (const auto p = as<PropertyObject>(ref_)) p->parameterAt(name.Wide(), frame, value);
+  if (const auto p = as<PropertyObject>(ref_)) p->ParameterAt(name.Wide(), frame, value);
   return value;
 }
 
@@ -130,7 +130,7 @@ CRefArray X3DObject::GetChildren() const {
 
 Primitive X3DObject::GetActivePrimitive() const {
   const auto o = as<SceneObject>(ref_);
-  if (!o || o->isModel()) return Primitive();
+  if (!o || o->IsModel()) return Primitive();
   return Primitive(CRef(std::make_shared<PrimitiveObject>(o)));
 }
 
@@ -144,13 +144,13 @@ CRef X3DObject::GetModel() const {
   const auto o = as<SceneObject>(ref_);
   if (!o) return CRef();
   for (auto p = o->parent_.lock(); p; p = p->parent_.lock())
-    if (p->isModel()) return CRef(p);
+    if (p->IsModel()) return CRef(p);
   return CRef();
 }
 
 Model::Model(const CRef& ref) {
   const auto o = as<SceneObject>(ref);
-  SetObject(o && o->isModel() ? ref : CRef());
+  SetObject(o && o->IsModel() ? ref : CRef());
 }
 
 // ---- Kinematics ---------------------------------------------------------------------------
@@ -185,8 +185,8 @@ KinematicState::KinematicState(const CRef& ref) {
 MATH::CTransformation KinematicState::GetTransform(double frame) const {
   const auto p = as<PropertyObject>(ref_);
   if (!p) return MATH::CTransformation();
-  return p->kind_ == PropertyObject::Kind::GlobalState ? p->owner_->globalAt(frame)
-                                                       : p->owner_->localAt(frame);
+  return p->kind_ == PropertyObject::Kind::GlobalState ? p->owner_->GlobalAt(frame)
+                                                       : p->owner_->LocalAt(frame);
 }
 
 // ---- Primitive ----------------------------------------------------------------------------
@@ -196,7 +196,7 @@ Primitive::Primitive(const CRef& ref)
 
 CValue Primitive::GetParameterValue(const CString& name, double frame) const {
   CValue value;
-  if (const auto p = as<PrimitiveObject>(ref_)) p->parameterAt(name.Wide(), frame, value);
+  if (const auto p = as<PrimitiveObject>(ref_)) p->ParameterAt(name.Wide(), frame, value);
   return value;
 }
 

@@ -56,28 +56,28 @@ const std::string kScene =
 
 class FindMatchingObjects : public ::testing::Test {
  protected:
-  static void SetUpTestSuite() { xsihost::AttachPluginCommands(plugin()); }
-  static void TearDownTestSuite() { xsihost::DetachPluginCommands(plugin()); }
+  static void SetUpTestSuite() { xsihost::AttachPluginCommands(Plugin()); }
+  static void TearDownTestSuite() { xsihost::DetachPluginCommands(Plugin()); }
   void SetUp() override {
     std::string error;
     auto scene = xsihost::ParseSceneText(kScene, ".", "match test scene", error);
     ASSERT_TRUE(scene) << error;
-    xsihost::setActiveScene(scene);
-    takeLog();
+    xsihost::SetActiveScene(scene);
+    TakeLog();
   }
-  void TearDown() override { xsihost::setActiveScene(nullptr); }
+  void TearDown() override { xsihost::SetActiveScene(nullptr); }
 
   // Runs the command with the named arguments (the others take their defaults) and returns
   // the log lines that the command itself wrote, without the host's call line.
   CStatus Run(const std::map<std::wstring, CValue>& named) {
     const auto definition = xsihost::FindCommand(kCommand);
     CValueArray arguments;
-    for (const auto& argument : definition->m_arguments) {
+    for (const auto& argument : definition->arguments_) {
       const auto it = named.find(argument.name);
       arguments.Add(it == named.end() ? CValue() : it->second);
     }
     const CStatus status = Application().ExecuteCommand(kCommand, arguments, result);
-    log = takeLog();
+    log = TakeLog();
     if (!log.empty() && log.front().severity == siInfoMsg) log.erase(log.begin());
     return status;
   }
@@ -100,10 +100,10 @@ LogLine Info(const std::wstring& text) { return {siCommentMsg, text}; }
 TEST_F(FindMatchingObjects, InitDefinesTheTwentySixArgumentsWithTheirDefaults) {
   const auto definition = xsihost::FindCommand(kCommand);
   ASSERT_NE(definition, nullptr);
-  EXPECT_EQ(definition->m_description, L"Find matching objects");
-  EXPECT_EQ(definition->m_flags & xsihost::kCommandNoLoggingFlag, 0);
+  EXPECT_EQ(definition->description_, L"Find matching objects");
+  EXPECT_EQ(definition->flags_ & xsihost::kCommandNoLoggingFlag, 0);
   std::wstring table;
-  for (const auto& argument : definition->m_arguments) {
+  for (const auto& argument : definition->arguments_) {
     table += argument.name + L"=" + CString(argument.value).GetWideString() + L"/" +
              std::to_wstring(argument.value.GetType()) + L" ";
   }
@@ -240,7 +240,7 @@ TEST_F(FindMatchingObjects, StopsLogTheirMessageAndLeaveSelectionAndResultAlone)
   EXPECT_TRUE(result.IsEmpty());
 
   std::map<std::wstring, CValue> zero = {{L"inObj", CValue(L"cube")}, {L"selectOut", CValue(true)}};
-  for (const auto& argument : xsihost::FindCommand(kCommand)->m_arguments) {
+  for (const auto& argument : xsihost::FindCommand(kCommand)->arguments_) {
     if (argument.name.rfind(L"weight", 0) == 0) zero[argument.name] = CValue(-1.0f);
   }
   EXPECT_EQ(Run(zero), CStatus(CStatus::OK));

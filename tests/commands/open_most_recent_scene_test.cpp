@@ -32,20 +32,20 @@ std::string Entry(const std::string& path) { return "<recent_file>" + path + "</
 
 class OpenMostRecentScene : public ::testing::Test {
  protected:
-  static void SetUpTestSuite() { xsihost::AttachPluginCommands(plugin()); }
-  static void TearDownTestSuite() { xsihost::DetachPluginCommands(plugin()); }
+  static void SetUpTestSuite() { xsihost::AttachPluginCommands(Plugin()); }
+  static void TearDownTestSuite() { xsihost::DetachPluginCommands(Plugin()); }
   void SetUp() override {
     home_ = fs::temp_directory_path() / ("quillix_recent_" + std::to_string(getpid()));
     fs::remove_all(home_);
     fs::create_directories(home_ / "Data" / "Preferences");
     ::setenv("XSI_USERHOME", home_.c_str(), 1);
-    xsihost::setActiveScene(nullptr);
-    takeLog();
+    xsihost::SetActiveScene(nullptr);
+    TakeLog();
   }
   void TearDown() override {
     ::unsetenv("XSI_USERHOME");
     fs::remove_all(home_);
-    xsihost::setActiveScene(nullptr);
+    xsihost::SetActiveScene(nullptr);
   }
 
   std::string ListPath() const {
@@ -64,7 +64,7 @@ class OpenMostRecentScene : public ::testing::Test {
   CStatus Run() {
     CValue result;
     const CStatus status = Application().ExecuteCommand(kCommand, CValueArray(), result);
-    log_ = takeLog();
+    log_ = TakeLog();
     EXPECT_FALSE(log_.empty());
     if (!log_.empty()) {
       EXPECT_EQ(log_.front(), (LogLine{siInfoMsg, L"Quillix__OpenMostRecentScene()"}));
@@ -79,9 +79,9 @@ class OpenMostRecentScene : public ::testing::Test {
 TEST_F(OpenMostRecentScene, InitSetsDescriptionAndNoArguments) {
   const auto definition = xsihost::FindCommand(kCommand);
   ASSERT_NE(definition, nullptr);
-  EXPECT_EQ(definition->m_description, L"Opens the most recent scene file");
-  EXPECT_EQ(definition->m_flags & xsihost::kCommandNoLoggingFlag, 0);
-  EXPECT_TRUE(definition->m_arguments.empty());
+  EXPECT_EQ(definition->description_, L"Opens the most recent scene file");
+  EXPECT_EQ(definition->flags_ & xsihost::kCommandNoLoggingFlag, 0);
+  EXPECT_TRUE(definition->arguments_.empty());
 }
 
 TEST_F(OpenMostRecentScene, OpensTheFirstSceneAfterTheMarker) {

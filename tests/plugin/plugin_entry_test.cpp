@@ -9,7 +9,7 @@ namespace quillix::test {
 namespace {
 
 TEST(PluginEntry, IdentityIsPutInOrderWithVersionAsTwoIntegers) {
-  const auto& record = plugin().Record();
+  const auto& record = Plugin().Record();
   EXPECT_EQ(record.name, L"Quillix Plugin");
   EXPECT_FALSE(record.author.empty());
   EXPECT_FALSE(record.email.empty());
@@ -22,7 +22,7 @@ TEST(PluginEntry, IdentityIsPutInOrderWithVersionAsTwoIntegers) {
 }
 
 TEST(PluginEntry, CommandsComeFirstThenNodesInCatalogueOrder) {
-  const auto& record = plugin().Record();
+  const auto& record = Plugin().Record();
   EXPECT_EQ(record.commands, (std::vector<std::wstring>{L"Quillix__FindMatchingObjects",
                                                         L"Quillix__OpenMostRecentScene"}));
   ASSERT_GE(record.calls.size(), 7u);
@@ -38,7 +38,7 @@ TEST(PluginEntry, CommandsComeFirstThenNodesInCatalogueOrder) {
 }
 
 TEST(PluginEntry, EveryNodeFollowsThePortVocabulary) {
-  for (const auto& node : plugin().Record().nodes) {
+  for (const auto& node : Plugin().Record().nodes) {
     SCOPED_TRACE(std::string(node->name.begin(), node->name.end()));
     EXPECT_TRUE(node->threadingModel == 1 || node->threadingModel == 2);
     ASSERT_EQ(node->groups.size(), 1u);
@@ -54,7 +54,7 @@ TEST(PluginEntry, EveryNodeFollowsThePortVocabulary) {
 }
 
 TEST(PluginEntry, DiviRegistersItsExactPortTable) {
-  const auto* divi = nodeDefinition(L"Quillix_divi");
+  const auto* divi = NodeDefinition(L"Quillix_divi");
   ASSERT_NE(divi, nullptr);
   EXPECT_EQ(divi->threadingModel, 2u);
   EXPECT_EQ(divi->groups[0].minInstances, 1u);
@@ -80,11 +80,11 @@ TEST(PluginEntry, DiviRegistersItsExactPortTable) {
 
 TEST(PluginEntry, UnloadLogsTheRegisteredNameOnce) {
   std::string error;
-  auto second = xsihost::LoadedPlugin::Load(pluginPath(), error);
+  auto second = xsihost::LoadedPlugin::Load(PluginPath(), error);
   ASSERT_NE(second, nullptr) << error;
-  takeLog();
+  TakeLog();
   second->Unload();
-  const auto log = takeLog();
+  const auto log = TakeLog();
   ASSERT_EQ(log.size(), 1u);
   EXPECT_EQ(log[0].severity, 32);
   EXPECT_EQ(log[0].text, L"Quillix Plugin has been unloaded.");
@@ -92,14 +92,14 @@ TEST(PluginEntry, UnloadLogsTheRegisteredNameOnce) {
 
 TEST(PluginEntry, UnloadMessageFollowsTheRegisteredName) {
   using UnloadFunction = XSI::CStatus (*)(const XSI::PluginRegistrar&);
-  auto unload = reinterpret_cast<UnloadFunction>(plugin().Symbol("XSIUnloadPlugin"));
+  auto unload = reinterpret_cast<UnloadFunction>(Plugin().Symbol("XSIUnloadPlugin"));
   ASSERT_NE(unload, nullptr);
   xsihost::PluginRecord renamed;
   XSI::PluginRegistrar registrar(&renamed);
   registrar.PutName(L"Other Name");
-  takeLog();
+  TakeLog();
   EXPECT_EQ(unload(registrar), XSI::CStatus::OK);
-  const auto log = takeLog();
+  const auto log = TakeLog();
   ASSERT_EQ(log.size(), 1u);
   EXPECT_EQ(log[0].text, L"Other Name has been unloaded.");
 }

@@ -33,14 +33,14 @@ class DegenerateInputs : public ::testing::TestWithParam<Fill> {};
 TEST_P(DegenerateInputs, EveryNodeAnswersEveryElementWithoutFaulting) {
   const Fill fill = GetParam();
   InputMaker maker(static_cast<unsigned>(fill) + 17);
-  const auto& nodes = plugin().Record().nodes;
+  const auto& nodes = Plugin().Record().nodes;
   ASSERT_EQ(nodes.size(), 29u);
   for (const auto& node : nodes) {
     SCOPED_TRACE(narrow(node->name) + " with " + fillName(fill) + " inputs");
     const ULONG elements = elementsFor(*node);
     const EvaluationRequest request = maker.request(*node, fill, elements);
     const auto ports = outputPorts(*node);
-    const auto results = evaluate(node->name, request, ports);
+    const auto results = Evaluate(node->name, request, ports);
     ASSERT_EQ(results.size(), ports.size());
     for (const auto& out : results) {
       EXPECT_EQ(out.status, 0u) << "port " << out.port;
@@ -56,7 +56,7 @@ TEST_P(DegenerateInputs, EveryNodeAnswersEveryElementWithoutFaulting) {
             << "port " << out.port << ": element " << written << " not written";
       }
     }
-    takeLog();
+    TakeLog();
   }
 }
 
@@ -77,14 +77,14 @@ using Vec3 = XSI::MATH::CVector3f;
 
 TEST(DegenerateDefinedValues, EmptyAndShortLinesGiveTheirDefinedResults) {
   // Reversing an empty array gives an empty array.
-  auto out = evaluate(L"Quillix_arrrev",
+  auto out = Evaluate(L"Quillix_arrrev",
                       requestFor({{1010, PortValues::ArraysOf<XSI::LONG>({{}})}}), 2010);
   ASSERT_TRUE(out.values.WasWritten(0));
   EXPECT_TRUE(out.values.ArrayAt<XSI::LONG>(0).empty());
 
   // Resampling fewer than two points gives no points, whatever the count asked for.
   for (float count : {5.0f, -2.0f, std::numeric_limits<float>::quiet_NaN(), 3.0e38f}) {
-    out = evaluate(L"Quillix_rlins",
+    out = Evaluate(L"Quillix_rlins",
                    requestFor({{1010, PortValues::ArraysOf<Vec3>({{Vec3{1, 2, 3}}})},
                                {1020, PortValues::Singles<float>({count})}}),
                    2010);
@@ -92,7 +92,7 @@ TEST(DegenerateDefinedValues, EmptyAndShortLinesGiveTheirDefinedResults) {
     EXPECT_TRUE(out.values.arrays[0].empty()) << count;
   }
   // A count beyond a host array on a real line gives no points either, without allocating them.
-  out = evaluate(L"Quillix_rlins",
+  out = Evaluate(L"Quillix_rlins",
                  requestFor({{1010, PortValues::ArraysOf<Vec3>({{Vec3{0, 0, 0}, Vec3{1, 0, 0}}})},
                              {1020, PortValues::Singles<float>({3.0e38f})}}),
                  2010);
@@ -100,7 +100,7 @@ TEST(DegenerateDefinedValues, EmptyAndShortLinesGiveTheirDefinedResults) {
   EXPECT_TRUE(out.values.arrays[0].empty());
 
   // Simplifying an empty line with a NaN tolerance leaves it empty.
-  out = evaluate(
+  out = Evaluate(
       L"Quillix_slins",
       requestFor({{1010, PortValues::ArraysOf<Vec3>({{}})},
                   {1020, PortValues::Singles<float>({std::numeric_limits<float>::quiet_NaN()})},
@@ -113,7 +113,7 @@ TEST(DegenerateDefinedValues, EmptyAndShortLinesGiveTheirDefinedResults) {
 TEST(DegenerateDefinedValues, FloatClassesOfNaNAndInfinities) {
   const float nan = std::numeric_limits<float>::quiet_NaN(),
               inf = std::numeric_limits<float>::infinity();
-  const auto results = evaluate(
+  const auto results = Evaluate(
       L"Quillix_nan2", requestFor({{1010, PortValues::Singles<float>({nan, inf, -inf, 0.0f})}}, 4),
       {2010, 2020, 2030});
   ASSERT_EQ(results.size(), 3u);
@@ -133,13 +133,13 @@ TEST(DegenerateDefinedValues, FloatClassesOfNaNAndInfinities) {
 TEST(DegenerateDefinedValues, DisabledPathNodeReturnsMinusTwoAndNoPaths) {
   auto r =
       requestFor({{1010, boolSingle(false)}, {1040, PortValues::ArraysOf<XSI::LONG>({{0, 1}})}});
-  const auto results = evaluate(L"Quillix_fpom", r, {2010, 2020});
+  const auto results = Evaluate(L"Quillix_fpom", r, {2010, 2020});
   ASSERT_EQ(results.size(), 2u);
   ASSERT_TRUE(results[0].values.WasWritten(0));
   EXPECT_EQ(results[0].values.Single<XSI::LONG>(0), -2);
   ASSERT_TRUE(results[1].values.WasWritten(0));
   EXPECT_TRUE(results[1].values.arrays[0].empty());
-  takeLog();
+  TakeLog();
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ EvaluationRequest pathRequest(bool enable, float scale) {
 // One lifecycle: Init with the first evaluation, the same inputs again, disabled, then
 // enabled again on a changed mesh (a rebuild), and Term.
 void runCycle(const xsihost::NodeDefinitionRecord& node, int i) {
-  xsihost::NodeInstance instance(plugin(), node);
+  xsihost::NodeInstance instance(Plugin(), node);
   const std::vector<ULONG> ports = {2010, 2020};
   auto out = instance.Evaluate(pathRequest(true, 1.0f), ports);
   ASSERT_EQ(out[0].values.Single<XSI::LONG>(0), 0);
@@ -50,18 +50,18 @@ void runCycle(const xsihost::NodeDefinitionRecord& node, int i) {
 }
 
 TEST(Lifecycle, TenThousandPathNodeCyclesThroughThePlugInLeaveNoHeapBehind) {
-  const auto* node = nodeDefinition(L"Quillix_fpom");
+  const auto* node = NodeDefinition(L"Quillix_fpom");
   ASSERT_NE(node, nullptr);
   for (int i = 0; i < 100; ++i) runCycle(*node, i);  // warm-up: caches and the log's capacity
-  takeLog();
+  TakeLog();
   const std::size_t before = heapBytesInUse();
   constexpr int kCycles = 10000;
   for (int i = 0; i < kCycles; ++i) {
     runCycle(*node, i);
     if (HasFatalFailure()) return;
-    if (i % 100 == 0) takeLog();
+    if (i % 100 == 0) TakeLog();
   }
-  takeLog();
+  TakeLog();
   const std::size_t after = heapBytesInUse();
   // A leak of even one small block per cycle would show as 10^4 blocks; allow the noise of
   // the log's and the allocator's own bookkeeping.
@@ -111,13 +111,13 @@ TEST(Lifecycle, ThousandLoadUnloadCyclesOfThePlugIn) {
   std::size_t before = 0;
   for (int i = 0; i < 1000; ++i) {
     std::string error;
-    auto loaded = xsihost::LoadedPlugin::Load(pluginPath(), error);
+    auto loaded = xsihost::LoadedPlugin::Load(PluginPath(), error);
     ASSERT_NE(loaded, nullptr) << error;
     ASSERT_EQ(loaded->Record().nodes.size(), 29u);
     ASSERT_EQ(loaded->Record().commands.size(), 2u);
     loaded->Unload();
     loaded.reset();
-    const auto lines = takeLog();
+    const auto lines = TakeLog();
     ASSERT_FALSE(lines.empty());
     EXPECT_EQ(lines.back().text, L"Quillix Plugin has been unloaded.");
     if (i == 19) before = heapBytesInUse();

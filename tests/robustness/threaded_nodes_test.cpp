@@ -26,14 +26,14 @@ std::vector<OutputResult> evaluateWith(const std::wstring& node, EvaluationReque
                                        unsigned threads) {
   r.threads = threads;
   r.batchSize = 7;
-  auto results = evaluate(node, r, outputPorts(*nodeDefinition(node)));
-  takeLog();
+  auto results = Evaluate(node, r, outputPorts(*NodeDefinition(node)));
+  TakeLog();
   return results;
 }
 
 TEST(ThreadedNodes, EveryMultiThreadedNodeMatchesItsSingleThreadedRun) {
   int compared = 0;
-  for (const auto& node : plugin().Record().nodes) {
+  for (const auto& node : Plugin().Record().nodes) {
     if (node->threadingModel != 2 || node->name == L"Quillix_fpom") continue;
     SCOPED_TRACE(narrow(node->name));
     for (Fill fill : {Fill::Ordinary, Fill::MismatchedLengths, Fill::NaN}) {

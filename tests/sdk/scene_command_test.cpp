@@ -81,11 +81,11 @@ xsihost::LoadedPlugin* Commands::s_plugin = nullptr;
 TEST_F(Commands, InitDefinesDescriptionFlagsAndArgumentsWithDefaults) {
   const auto sum = xsihost::FindCommand(L"SceneTest__Sum");
   ASSERT_NE(sum, nullptr);
-  EXPECT_EQ(sum->m_description, L"Adds two numbers");
-  EXPECT_EQ(sum->m_flags & xsihost::kCommandNoLoggingFlag, 0);
-  ASSERT_EQ(sum->m_arguments.size(), 3u);
-  EXPECT_EQ(sum->m_arguments[1].name, L"b");
-  EXPECT_EQ(static_cast<double>(sum->m_arguments[1].value), 2.5);
+  EXPECT_EQ(sum->description_, L"Adds two numbers");
+  EXPECT_EQ(sum->flags_ & xsihost::kCommandNoLoggingFlag, 0);
+  ASSERT_EQ(sum->arguments_.size(), 3u);
+  EXPECT_EQ(sum->arguments_[1].name, L"b");
+  EXPECT_EQ(static_cast<double>(sum->arguments_[1].value), 2.5);
 }
 
 TEST_F(Commands, ExecuteCommandRoundTripWithArgumentsByPosition) {
@@ -103,7 +103,7 @@ TEST_F(Commands, ExecuteCommandRoundTripWithArgumentsByPosition) {
   arguments[0] = CValue();
   Application().ExecuteCommand(L"SceneTest__Sum", arguments, result);
   EXPECT_EQ(static_cast<double>(result), 1.25);
-  EXPECT_EQ(static_cast<LONG>(xsihost::FindCommand(L"SceneTest__Sum")->m_arguments[0].value), 1);
+  EXPECT_EQ(static_cast<LONG>(xsihost::FindCommand(L"SceneTest__Sum")->arguments_[0].value), 1);
 
   const auto log = xsihost::HostLog().Take();
   ASSERT_EQ(log.size(), 3u);

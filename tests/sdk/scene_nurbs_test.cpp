@@ -37,7 +37,7 @@ TEST(NurbsCircle, EveryPositionLiesOnTheCircleWithUnitTangentPerpendicularToTheR
   const NurbsCurveEvaluator curve(data);
   for (int i = 0; i <= 400; ++i) {
     const double u = 4.0 * i / 400.0;
-    const CurveSample s = curve.evaluate(u);
+    const CurveSample s = curve.Evaluate(u);
     EXPECT_NEAR(len(s.position), 2.0, 1e-12) << "u=" << u;
     EXPECT_NEAR(s.position[2], 0.0, 1e-15);
     const double tangentLength = len(s.tangent);
@@ -52,31 +52,31 @@ TEST(NurbsCircle, EveryPositionLiesOnTheCircleWithUnitTangentPerpendicularToTheR
 
 TEST(NurbsCircle, ArcLengthIsTheCircumferenceAndPercentagesAreTurns) {
   const NurbsCurveEvaluator curve(unitCircle(1.5));
-  EXPECT_NEAR(curve.length(), 2.0 * kPi * 1.5, 1e-9 * 2.0 * kPi * 1.5);
+  EXPECT_NEAR(curve.Length(), 2.0 * kPi * 1.5, 1e-9 * 2.0 * kPi * 1.5);
   // By symmetry 25 % of the length ends exactly at the quarter turn, parameter 1.
-  const CurveSample quarter = curve.evaluate(curve.parameterFromPercentage(25.0));
+  const CurveSample quarter = curve.Evaluate(curve.ParameterFromPercentage(25.0));
   EXPECT_NEAR(quarter.position[0], 0.0, 1e-9);
   EXPECT_NEAR(quarter.position[1], 1.5, 1e-9);
-  EXPECT_NEAR(curve.parameterFromPercentage(50.0), 2.0, 1e-9);
+  EXPECT_NEAR(curve.ParameterFromPercentage(50.0), 2.0, 1e-9);
   // Anywhere else the reached angle is the percentage of a full turn, to 1e-6 relative.
   for (double pct : {0.01, 3.0, 12.5, 33.3, 61.0, 99.9}) {
-    const CurveSample s = curve.evaluate(curve.parameterFromPercentage(pct));
+    const CurveSample s = curve.Evaluate(curve.ParameterFromPercentage(pct));
     double angle = std::atan2(s.position[1], s.position[0]);
     if (angle < 0.0) angle += 2.0 * kPi;
     EXPECT_NEAR(angle, pct / 100.0 * 2.0 * kPi, 1e-6 * pct / 100.0 * 2.0 * kPi) << pct;
   }
-  EXPECT_EQ(curve.parameterFromPercentage(-5.0), 0.0);
-  EXPECT_EQ(curve.parameterFromPercentage(150.0), 4.0);
+  EXPECT_EQ(curve.ParameterFromPercentage(-5.0), 0.0);
+  EXPECT_EQ(curve.ParameterFromPercentage(150.0), 4.0);
 }
 
 TEST(NurbsCircle, NormalizedParameterMapsTheRangeLinearly) {
   NurbsCurveData data = unitCircle();
   for (double& k : data.knots) k = 10.0 + 2.0 * k;  // range [10, 18]
   const NurbsCurveEvaluator curve(data);
-  EXPECT_DOUBLE_EQ(curve.parameterFromNormalized(0.0), 10.0);
-  EXPECT_DOUBLE_EQ(curve.parameterFromNormalized(0.25), 12.0);
-  EXPECT_DOUBLE_EQ(curve.parameterFromNormalized(1.0), 18.0);
-  EXPECT_DOUBLE_EQ(curve.parameterFromNormalized(7.0), 18.0);
+  EXPECT_DOUBLE_EQ(curve.ParameterFromNormalized(0.0), 10.0);
+  EXPECT_DOUBLE_EQ(curve.ParameterFromNormalized(0.25), 12.0);
+  EXPECT_DOUBLE_EQ(curve.ParameterFromNormalized(1.0), 18.0);
+  EXPECT_DOUBLE_EQ(curve.ParameterFromNormalized(7.0), 18.0);
 }
 
 TEST(NurbsCircle, NonFiniteParametersAreClampedIntoTheRange) {
@@ -106,16 +106,16 @@ TEST(NurbsCurve, DerivativesMatchFiniteDifferencesOnAnUnevenRationalCubic) {
   const double h = 1e-5;
   for (double u : {0.05, 0.3, 0.7, 1.1, 1.5, 1.95}) {
     Vec3d p, d1, d2, pa, pb, da, db, unused;
-    curve.derivatives(u, p, d1, d2);
-    curve.derivatives(u - h, pa, da, unused);
-    curve.derivatives(u + h, pb, db, unused);
+    curve.Derivatives(u, p, d1, d2);
+    curve.Derivatives(u - h, pa, da, unused);
+    curve.Derivatives(u + h, pb, db, unused);
     for (int k = 0; k < 3; ++k) {
       EXPECT_NEAR(d1[k], (pb[k] - pa[k]) / (2 * h), 1e-5 * (1 + std::fabs(d1[k]))) << u;
       EXPECT_NEAR(d2[k], (db[k] - da[k]) / (2 * h), 1e-4 * (1 + std::fabs(d2[k]))) << u;
     }
   }
   // Clamped ends interpolate the end points.
-  const CurveSample start = curve.evaluate(-1.0), end = curve.evaluate(5.0);
+  const CurveSample start = curve.Evaluate(-1.0), end = curve.Evaluate(5.0);
   EXPECT_NEAR(start.position[0], 0.0, 1e-15);
   EXPECT_NEAR(end.position[0], 7.0, 1e-12);
   EXPECT_NEAR(end.position[1], 3.0, 1e-12);
@@ -127,10 +127,10 @@ TEST(NurbsCurve, StraightLineLengthAndAPerpendicularFrame) {
   c.points = {{0, 0, 0, 1}, {3, 4, 0, 1}, {6, 8, 0, 1}};
   c.knots = {0, 0, 0.2, 1, 1};  // uneven speed on the two halves
   const NurbsCurveEvaluator curve(c);
-  EXPECT_NEAR(curve.length(), 10.0, 1e-12);
-  EXPECT_NEAR(curve.parameterFromPercentage(50.0), 0.2, 1e-12);
-  EXPECT_NEAR(curve.lengthTo(0.6), 7.5, 1e-12);
-  const CurveSample s = curve.evaluate(0.5);
+  EXPECT_NEAR(curve.Length(), 10.0, 1e-12);
+  EXPECT_NEAR(curve.ParameterFromPercentage(50.0), 0.2, 1e-12);
+  EXPECT_NEAR(curve.LengthTo(0.6), 7.5, 1e-12);
+  const CurveSample s = curve.Evaluate(0.5);
   EXPECT_NEAR(len(s.normal), 1.0, 1e-12);
   EXPECT_NEAR(dotp(s.normal, s.tangent), 0.0, 1e-12);
   EXPECT_NEAR(len(s.binormal), 1.0, 1e-12);
@@ -144,11 +144,11 @@ TEST(NurbsCurve, PercentagesCrossSpansOfDifferentLengthsOnAPolyline) {
   c.points = {{0, 0, 0, 1}, {3, 0, 0, 1}, {3, 4, 0, 1}, {3, 4, 5, 1}};
   c.knots = {0, 0, 1, 2, 3, 3};
   const NurbsCurveEvaluator curve(c);
-  EXPECT_NEAR(curve.length(), 12.0, 1e-12);
-  EXPECT_NEAR(curve.parameterFromPercentage(25.0), 1.0, 1e-12);
-  EXPECT_NEAR(curve.parameterFromPercentage(50.0), 1.75, 1e-12);
-  EXPECT_NEAR(curve.parameterFromPercentage(75.0), 2.0 + 2.0 / 5.0, 1e-12);
-  const CurveSample s = curve.evaluate(curve.parameterFromPercentage(50.0));
+  EXPECT_NEAR(curve.Length(), 12.0, 1e-12);
+  EXPECT_NEAR(curve.ParameterFromPercentage(25.0), 1.0, 1e-12);
+  EXPECT_NEAR(curve.ParameterFromPercentage(50.0), 1.75, 1e-12);
+  EXPECT_NEAR(curve.ParameterFromPercentage(75.0), 2.0 + 2.0 / 5.0, 1e-12);
+  const CurveSample s = curve.Evaluate(curve.ParameterFromPercentage(50.0));
   EXPECT_NEAR(s.position[1], 3.0, 1e-12);
   // On a straight span the frame is still orthonormal.
   EXPECT_NEAR(dotp(s.normal, s.binormal), 0.0, 1e-15);

@@ -6,12 +6,12 @@
 
 namespace quillix::test {
 
-std::string pluginPath() { return QUILLIX_PLUGIN_PATH; }
+std::string PluginPath() { return QUILLIX_PLUGIN_PATH; }
 
-xsihost::Host& host() {
+xsihost::Host& TestHost() {
   static std::unique_ptr<xsihost::Host> loaded = [] {
     std::string error;
-    auto h = xsihost::Host::Load(pluginPath(), error);
+    auto h = xsihost::Host::Load(PluginPath(), error);
     if (!h) {
       ADD_FAILURE() << error;
       std::abort();
@@ -22,28 +22,28 @@ xsihost::Host& host() {
   return *loaded;
 }
 
-const xsihost::LoadedPlugin& plugin() { return host().Loaded(); }
+const xsihost::LoadedPlugin& Plugin() { return TestHost().Loaded(); }
 
-const xsihost::NodeDefinitionRecord* nodeDefinition(const std::wstring& node) {
-  const auto* definition = host().FindNode(node);
+const xsihost::NodeDefinitionRecord* NodeDefinition(const std::wstring& node) {
+  const auto* definition = TestHost().FindNode(node);
   if (definition == nullptr) ADD_FAILURE() << "node not registered";
   return definition;
 }
 
-std::vector<OutputResult> evaluate(const std::wstring& node, const EvaluationRequest& request,
+std::vector<OutputResult> Evaluate(const std::wstring& node, const EvaluationRequest& request,
                                    const std::vector<ULONG>& ports) {
-  const auto* definition = nodeDefinition(node);
+  const auto* definition = NodeDefinition(node);
   if (definition == nullptr) return {};
-  xsihost::NodeInstance instance(plugin(), *definition);
-  return instance.evaluate(request, ports);
+  xsihost::NodeInstance instance(Plugin(), *definition);
+  return instance.Evaluate(request, ports);
 }
 
-OutputResult evaluate(const std::wstring& node, const EvaluationRequest& request, ULONG port) {
-  std::vector<OutputResult> results = evaluate(node, request, std::vector<ULONG>{port});
+OutputResult Evaluate(const std::wstring& node, const EvaluationRequest& request, ULONG port) {
+  std::vector<OutputResult> results = Evaluate(node, request, std::vector<ULONG>{port});
   return results.empty() ? OutputResult{} : std::move(results.front());
 }
 
 // Reads the log without loading the shared plug-in: some tests load their own.
-std::vector<xsihost::LogLine> takeLog() { return xsihost::HostLog().Take(); }
+std::vector<xsihost::LogLine> TakeLog() { return xsihost::HostLog().Take(); }
 
 }  // namespace quillix::test

@@ -14,20 +14,20 @@ using xsihost::OutputResult;
 using xsihost::PortValues;
 
 // The plug-in built with the tests, loaded once per test process.
-xsihost::Host& host();
-const xsihost::LoadedPlugin& plugin();
-std::string pluginPath();
+xsihost::Host& TestHost();
+const xsihost::LoadedPlugin& Plugin();
+std::string PluginPath();
 
 // The registered definition of `node`; fails the test (and returns null) when missing.
-const xsihost::NodeDefinitionRecord* nodeDefinition(const std::wstring& node);
+const xsihost::NodeDefinitionRecord* NodeDefinition(const std::wstring& node);
 
 // Evaluates `ports` of a fresh instance of `node` (Init, Begin, Evaluate, End, Term).
-std::vector<OutputResult> evaluate(const std::wstring& node, const EvaluationRequest& request,
+std::vector<OutputResult> Evaluate(const std::wstring& node, const EvaluationRequest& request,
                                    const std::vector<ULONG>& ports);
 // The same for one port.
-OutputResult evaluate(const std::wstring& node, const EvaluationRequest& request, ULONG port);
+OutputResult Evaluate(const std::wstring& node, const EvaluationRequest& request, ULONG port);
 
 // The log lines written since the last call.
-std::vector<xsihost::LogLine> takeLog();
+std::vector<xsihost::LogLine> TakeLog();
 
 }  // namespace quillix::test

@@ -137,6 +137,10 @@ TEST_F(ResultOutput, ShapePairsFollowTheNodesPairing) {
 
 TEST_F(ResultOutput, OtherResultsWriteNothing) {
   EXPECT_TRUE(WriteExample("divi.json").empty());
+  // The port the node does not define (request 5) answers null for its one element.
+  const json unknown =
+      Evaluate(fs::path(QUILLIX_SOURCE_DIR) / "examples" / "divi.json")["results"][5];
+  EXPECT_EQ(unknown["outputs"][0]["values"], json::parse("[null]"));
   EXPECT_TRUE(WriteExample("curve/gpoc.json").empty());
   EXPECT_FALSE(fs::exists(options_.outDir));
 }

@@ -36,16 +36,16 @@ TEST(SceneFile, TheShowcaseLoadsWithEveryKindOfObject) {
   std::string error;
   const auto scene = LoadSceneFile((kExamples / "showcase.json").string(), error);
   ASSERT_NE(scene, nullptr) << error;
-  EXPECT_EQ(scene->objects().size(), 23u);
-  const auto bone3 = scene->find(L"arm_bone3");
+  EXPECT_EQ(scene->Objects().size(), 23u);
+  const auto bone3 = scene->Find(L"arm_bone3");
   ASSERT_NE(bone3, nullptr);
-  const auto p = bone3->globalAt(1.0).GetTranslation();
+  const auto p = bone3->GlobalAt(1.0).GetTranslation();
   EXPECT_NEAR(p.GetX(), -5 + 2 + 1.5 * std::sqrt(3.0) / 2, 1e-12);
   EXPECT_NEAR(p.GetY(), 0.75, 1e-12);
-  EXPECT_EQ(scene->find(L"props.crate")->mesh_->polygons.size(), 6u);
-  EXPECT_FALSE(scene->find(L"props.crate_hidden")->visible_.at(1.0));
-  EXPECT_EQ(scene->find(L"track")->curves_.size(), 2u);
-  EXPECT_EQ(scene->currentFrame(), 1.0);
+  EXPECT_EQ(scene->Find(L"props.crate")->mesh_->polygons.size(), 6u);
+  EXPECT_FALSE(scene->Find(L"props.crate_hidden")->visible_.At(1.0));
+  EXPECT_EQ(scene->Find(L"track")->curves_.size(), 2u);
+  EXPECT_EQ(scene->CurrentFrame(), 1.0);
 }
 
 TEST(MeshFiles, VertexIOfTheFileIsPointIOfTheMesh) {
@@ -215,7 +215,7 @@ TEST(SceneFile, ALongChainOfParentsLoadsAndGoesAwayWithoutDeepRecursion) {
   std::string error;
   auto scene = ParseSceneText("{\"objects\": [" + list + "]}", ".", "s.json", error);
   ASSERT_NE(scene, nullptr) << error;
-  EXPECT_EQ(scene->find(L"n0")->globalAt(1.0).GetPosX(), static_cast<double>(kDepth));
+  EXPECT_EQ(scene->Find(L"n0")->GlobalAt(1.0).GetPosX(), static_cast<double>(kDepth));
   scene.reset();
 }
 
@@ -229,11 +229,11 @@ TEST(SceneFile, FullNamesCarryTheEnclosingModels) {
       {"name": "top", "type": "null"})"),
                                     ".", "s.json", error);
   ASSERT_NE(scene, nullptr) << error;
-  EXPECT_EQ(scene->find(L"outer.inner.mid.leaf"), nullptr);  // only models prefix names
-  EXPECT_NE(scene->find(L"outer.inner.mid"), nullptr);
-  EXPECT_EQ(scene->find(L"outer.inner.leaf")->fullName(), L"outer.inner.leaf");
-  EXPECT_EQ(scene->find(L"outer.inner")->name_, L"inner");
-  EXPECT_NE(scene->find(L"top"), nullptr);
+  EXPECT_EQ(scene->Find(L"outer.inner.mid.leaf"), nullptr);  // only models prefix names
+  EXPECT_NE(scene->Find(L"outer.inner.mid"), nullptr);
+  EXPECT_EQ(scene->Find(L"outer.inner.leaf")->FullName(), L"outer.inner.leaf");
+  EXPECT_EQ(scene->Find(L"outer.inner")->name_, L"inner");
+  EXPECT_NE(scene->Find(L"top"), nullptr);
 }
 
 TEST(SceneFile, KnotVectorsWithoutEndKnotsOrWithoutKnotsAtAll) {
@@ -244,16 +244,16 @@ TEST(SceneFile, KnotVectorsWithoutEndKnotsOrWithoutKnotsAtAll) {
       {"name": "loop", "type": "crvlist", "curves": [{"degree": 3, "closed": true, "points": [[1,0,0],[0,1,0],[-1,0,0],[0,-1,0]]}]})"),
                                     ".", "s.json", error);
   ASSERT_NE(scene, nullptr) << error;
-  EXPECT_EQ(scene->find(L"short")->curves_[0]->data().knots,
+  EXPECT_EQ(scene->Find(L"short")->curves_[0]->Data().knots,
             (std::vector<double>{0, 0, 0, 1, 1, 1}));
-  EXPECT_EQ(scene->find(L"open")->curves_[0]->data().knots,
+  EXPECT_EQ(scene->Find(L"open")->curves_[0]->Data().knots,
             (std::vector<double>{0, 0, 0, 0, 1, 2, 2, 2, 2}));
-  const auto& loop = *scene->find(L"loop")->curves_[0];
-  EXPECT_EQ(loop.data().points.size(), 7u);
-  EXPECT_EQ(loop.minParameter(), 0.0);
-  EXPECT_EQ(loop.maxParameter(), 4.0);
+  const auto& loop = *scene->Find(L"loop")->curves_[0];
+  EXPECT_EQ(loop.Data().points.size(), 7u);
+  EXPECT_EQ(loop.MinParameter(), 0.0);
+  EXPECT_EQ(loop.MaxParameter(), 4.0);
   // A periodic curve ends where it starts, with the same tangent.
-  const auto a = loop.evaluate(0.0), b = loop.evaluate(4.0);
+  const auto a = loop.Evaluate(0.0), b = loop.Evaluate(4.0);
   for (int k = 0; k < 3; ++k) {
     EXPECT_NEAR(a.position[k], b.position[k], 1e-12);
     EXPECT_NEAR(a.tangent[k], b.tangent[k], 1e-12);

@@ -17,7 +17,7 @@ namespace quillix::tool {
 struct EvalOptions {
   std::string requestPath;  // "-" reads standard input (so does "" with --ndjson)
   unsigned threads = 0;     // 0: the request's or the machine's
-  unsigned batchSize = 0;   // 0: the request's or 1024
+  unsigned batchSize = 0;   // 0: the request's, else sized by the host
   bool sceneGiven = false;  // a --scene option overrides the request file's "scene"
   // Named instances outlive the call (a session that evaluates again later, as the Python
   // host does); their Term then runs when the host destroys them, not here.

@@ -211,12 +211,14 @@ void ReadThreading(const json& r, const EvalOptions& options, const JsonPlace& p
   request.threads = options.threads         ? options.threads
                     : r.contains("threads") ? ReadUnsigned(r["threads"], threadsPlace)
                                             : hardware;
-  request.batchSize = options.batchSize         ? options.batchSize
-                      : r.contains("batchSize") ? ReadUnsigned(r["batchSize"], batchSizePlace)
-                                                : 1024;
   if (request.threads == 0 || request.threads > 256)
     throw InputError(threadsPlace, "expected 1 to 256 threads");
-  if (request.batchSize == 0) throw InputError(batchSizePlace, "expected a positive batch size");
+  // Without a batch size the host sizes batches for the threads.
+  request.batchSize = options.batchSize;
+  if (!options.batchSize && r.contains("batchSize")) {
+    request.batchSize = ReadUnsigned(r["batchSize"], batchSizePlace);
+    if (request.batchSize == 0) throw InputError(batchSizePlace, "expected a positive batch size");
+  }
 }
 
 // A named instance lives on across requests (Init once, Term at the end); an unnamed one lives
@@ -270,12 +272,16 @@ void CheckResultSize(const json& r, const NodeDefinitionRecord& node,
   }
 }
 
-json ResultJson(const json& r, const xsihost::EvaluationOutcome& outcome) {
+json ResultJson(const json& r, ULONG elements, const xsihost::EvaluationOutcome& outcome) {
   json outputs = json::array();
-  for (const auto& result : outcome.outputs)
+  for (const auto& result : outcome.outputs) {
+    // A port the node does not define has no data: like every unwritten element, null.
+    const bool unknown = result.values.type == 0;
     outputs.push_back({{"port", result.port},
                        {"status", result.status},
-                       {"values", WritePortValues(result.values, true)}});
+                       {"values", unknown ? json(std::vector<std::nullptr_t>(elements, nullptr))
+                                          : WritePortValues(result.values, true)}});
+  }
   json out = {{"node", r["node"]}, {"outputs", outputs}, {"log", LogJson(outcome.log)}};
   if (r.contains("instance")) out["instance"] = r["instance"];
   return out;
@@ -296,7 +302,7 @@ json RunRequest(xsihost::Host& host, const json& r, const EvalOptions& options,
   ReadPortInfo(r, node, place, request);
   ReadThreading(r, options, place, request);
   CheckResultSize(r, node, request, ports, place);
-  return ResultJson(r, EvaluateRequest(host, r, node, request, ports, place));
+  return ResultJson(r, request.elements, EvaluateRequest(host, r, node, request, ports, place));
 }
 
 // A request file may name the scene its nodes read, relative to the file itself; a scene given

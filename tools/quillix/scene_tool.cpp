@@ -151,7 +151,7 @@ int RunCommand(xsihost::Host& host, const RunOptions& options, std::ostream& out
         << DidYouMean(options.command, names) << '\n';
     return 2;
   }
-  XSI::CValueArray arguments(static_cast<XSI::LONG>(definition->m_arguments.size()));
+  XSI::CValueArray arguments(static_cast<XSI::LONG>(definition->arguments_.size()));
   for (const std::string& assignment : options.assignments) {
     const auto eq = assignment.find('=');
     if (eq == std::string::npos || eq == 0) {
@@ -160,11 +160,11 @@ int RunCommand(xsihost::Host& host, const RunOptions& options, std::ostream& out
     }
     const std::wstring argName = Utf8ToWide(assignment.substr(0, eq));
     std::size_t index = 0;
-    while (index < definition->m_arguments.size() && definition->m_arguments[index].name != argName)
+    while (index < definition->arguments_.size() && definition->arguments_[index].name != argName)
       ++index;
-    if (index == definition->m_arguments.size()) {
+    if (index == definition->arguments_.size()) {
       std::vector<std::string> names;
-      for (const auto& a : definition->m_arguments) names.push_back(Text(a.name));
+      for (const auto& a : definition->arguments_) names.push_back(Text(a.name));
       err << "quillix: run: " << options.command << " has no argument \""
           << assignment.substr(0, eq) << "\"" << DidYouMean(assignment.substr(0, eq), names)
           << '\n';
@@ -172,9 +172,9 @@ int RunCommand(xsihost::Host& host, const RunOptions& options, std::ostream& out
     }
     const std::string value = assignment.substr(eq + 1);
     CValue converted;
-    if (!Convert(value, definition->m_arguments[index].value, converted)) {
+    if (!Convert(value, definition->arguments_[index].value, converted)) {
       err << "quillix: run: argument \"" << assignment.substr(0, eq) << "\": \"" << value
-          << "\" is not " << ArgumentTypeName(definition->m_arguments[index].value) << '\n';
+          << "\" is not " << ArgumentTypeName(definition->arguments_[index].value) << '\n';
       return 2;
     }
     arguments[static_cast<XSI::LONG>(index)] = converted;
@@ -210,12 +210,12 @@ int RunScene(const SceneOptions& options, std::ostream& out, std::ostream& err) 
   if (!LoadActiveScene(options.scenePath, err)) return 2;
   const xsihost::Scene& scene = xsihost::ActiveScene();
   // Depth-first over the hierarchy with an explicit stack, children in file order.
-  std::vector<std::pair<std::shared_ptr<const xsihost::SceneObject>, int>> stack{{scene.root(), 0}};
+  std::vector<std::pair<std::shared_ptr<const xsihost::SceneObject>, int>> stack{{scene.Root(), 0}};
   json objects = json::array();
   while (!stack.empty()) {
     const auto [o, depth] = stack.back();
     stack.pop_back();
-    const XSI::MATH::CVector3 p = o->globalAt(options.frame).GetTranslation();
+    const XSI::MATH::CVector3 p = o->GlobalAt(options.frame).GetTranslation();
     std::string detail;
     if (o->mesh_) {
       detail = std::to_string(o->mesh_->points.size()) + " points, " +
@@ -223,9 +223,9 @@ int RunScene(const SceneOptions& options, std::ostream& out, std::ostream& err) 
     } else if (!o->curves_.empty()) {
       detail = std::to_string(o->curves_.size()) + " curve(s)";
     }
-    const bool visible = o->visible_.at(o->resolveTime(options.frame));
+    const bool visible = o->visible_.At(o->ResolveTime(options.frame));
     if (options.asJson) {
-      objects.push_back({{"name", Text(o->fullName())},
+      objects.push_back({{"name", Text(o->FullName())},
                          {"type", Text(o->type_)},
                          {"depth", depth},
                          {"position", {p.GetX(), p.GetY(), p.GetZ()}},
@@ -241,7 +241,7 @@ int RunScene(const SceneOptions& options, std::ostream& out, std::ostream& err) 
       stack.push_back({*it, depth + 1});
   }
   if (options.asJson)
-    out << json{{"frame", scene.currentFrame()}, {"objects", objects}}.dump(2) << '\n';
+    out << json{{"frame", scene.CurrentFrame()}, {"objects", objects}}.dump(2) << '\n';
   return 0;
 }
 

@@ -45,9 +45,9 @@ constexpr std::byte kUnwritten{0xA5};  // fill of single-value outputs before ev
 class NodeObject : public Object {
  public:
   NodeObject(std::wstring name, std::uint32_t id) : name_(std::move(name)), id_(id) {}
-  std::wstring name() const override { return name_; }
-  std::wstring typeName() const override { return L"ICENode"; }
-  std::uint32_t objectID() const override { return id_; }
+  std::wstring Name() const override { return name_; }
+  std::wstring TypeName() const override { return L"ICENode"; }
+  std::uint32_t ObjectID() const override { return id_; }
 
  private:
   std::wstring name_;
@@ -117,15 +117,20 @@ PortValues DefaultValues(const PortRecord& port) {
   return p;
 }
 
-// Request data of one input, with exactly one item per element unless it is constant.
+// True when the request's data of an input can be read as it is: one item per element, or
+// constant with at least its one item.
+bool ReadableAsGiven(const PortValues& given, ULONG elements) {
+  return given.constant ? given.count >= 1 : given.count == elements;
+}
+
+// A copy of the request's data of one input with exactly one item per element (or the one
+// zero item of an empty constant): the count the caller gave is padded or cut.
 PortValues Normalised(const PortValues& given, ULONG elements) {
   if (given.constant) {
-    if (given.count >= 1) return given;
     PortValues p = given;
     p.Resize(1);
     return p;
   }
-  if (given.count == elements) return given;
   PortValues p;
   p.type = given.type;
   p.array = given.array;
@@ -186,6 +191,15 @@ CStatus CallPlugin(Fn fn, Arg& arg, const std::wstring& what) {
 
 }  // namespace
 
+// The evaluated elements (ascending), the same cut into batches, and the elements left out.
+struct BatchLayout {
+  ULONG elements = 0;
+  ULONG batchSize = 0;
+  std::vector<ULONG> indices;
+  std::vector<std::vector<ULONG>> chunks;
+  std::vector<ULONG> outside;
+};
+
 // The request resolved against the node's definition: which elements, in which chunks, and
 // what each port reads or reports.
 struct ResolvedEvaluation {
@@ -194,9 +208,8 @@ struct ResolvedEvaluation {
   ULONG groupInstances = 1;
   double time = 1.0;
   unsigned threads = 1;
-  std::vector<ULONG> indices;
-  std::vector<std::vector<ULONG>> chunks;
-  std::vector<std::unique_ptr<PortValues>> owned;  // the inputs' data
+  std::shared_ptr<const BatchLayout> layout;
+  std::vector<std::unique_ptr<PortValues>> owned;  // inputs not read from the request in place
   std::map<std::pair<ULONG, ULONG>, ResolvedInput> inputs;
   std::map<ULONG, ResolvedInput> outputs;
   CRef contextRef;
@@ -238,10 +251,15 @@ void ResolveInputs(const NodeDefinitionRecord& node, const EvaluationRequest& re
       if (g.id == port.groupID && g.maxInstances > 1) instances = resolved.groupInstances;
     for (ULONG k = 0; k < instances; ++k) {
       auto given = request.inputs.find({port.id, k});
-      resolved.owned.push_back(std::make_unique<PortValues>(
-          given != request.inputs.end() ? Normalised(given->second, resolved.elements)
-                                        : DefaultValues(port)));
-      const PortValues* values = resolved.owned.back().get();
+      const PortValues* values = nullptr;
+      if (given != request.inputs.end() && ReadableAsGiven(given->second, resolved.elements)) {
+        values = &given->second;
+      } else {
+        resolved.owned.push_back(std::make_unique<PortValues>(
+            given != request.inputs.end() ? Normalised(given->second, resolved.elements)
+                                          : DefaultValues(port)));
+        values = resolved.owned.back().get();
+      }
       ResolvedInput info{values, values->type, values->array ? 2u : 1u, resolved.context,
                          request.failingPortInfo.count(port.id) > 0};
       ApplyOverride(request.portInfo, port.id, info);
@@ -277,6 +295,14 @@ void ResolveOutputs(const NodeDefinitionRecord& node, const EvaluationRequest& r
   }
 }
 
+// Elements per batch: the request's, or enough batches for every thread (see batchSize).
+ULONG BatchSize(const EvaluationRequest& request, std::size_t indices, unsigned threads) {
+  if (request.batchSize) return request.batchSize;
+  const std::size_t perThread = (indices + threads - 1) / threads;
+  return static_cast<ULONG>(std::clamp<std::size_t>(perThread, EvaluationRequest::kMinAutoBatch,
+                                                    EvaluationRequest::kMaxAutoBatch));
+}
+
 std::vector<std::vector<ULONG>> CutChunks(const std::vector<ULONG>& indices, ULONG batchSize) {
   std::vector<std::vector<ULONG>> chunks;
   for (std::size_t at = 0; at < indices.size(); at += batchSize)
@@ -285,20 +311,51 @@ std::vector<std::vector<ULONG>> CutChunks(const std::vector<ULONG>& indices, ULO
   return chunks;
 }
 
-ResolvedEvaluation Resolve(const NodeDefinitionRecord& node, const EvaluationRequest& request) {
+// The elements outside the evaluated batch; a node may write more than it was asked for.
+std::vector<ULONG> ElementsOutside(const std::vector<ULONG>& indices, ULONG elements) {
+  std::vector<ULONG> outside;
+  if (indices.size() == elements) return outside;
+  std::size_t at = 0;
+  for (ULONG e = 0; e < elements; ++e) {
+    if (at < indices.size() && indices[at] == e)
+      ++at;
+    else
+      outside.push_back(e);
+  }
+  return outside;
+}
+
+// The batches of `request`; an evaluation of every element reuses `cache` when it has the same
+// count and batch size, and becomes the cache otherwise.
+std::shared_ptr<const BatchLayout> Layout(const EvaluationRequest& request, unsigned threads,
+                                          std::shared_ptr<const BatchLayout>& cache) {
+  if (!request.batch && cache && cache->elements == request.elements &&
+      cache->batchSize == BatchSize(request, request.elements, threads))
+    return cache;
+  auto layout = std::make_shared<BatchLayout>();
+  layout->elements = request.elements;
+  layout->indices = ResolveIndices(request);
+  layout->batchSize = BatchSize(request, layout->indices.size(), threads);
+  layout->chunks = CutChunks(layout->indices, layout->batchSize);
+  layout->outside = ElementsOutside(layout->indices, request.elements);
+  if (!request.batch) cache = layout;
+  return layout;
+}
+
+ResolvedEvaluation Resolve(const NodeDefinitionRecord& node, const EvaluationRequest& request,
+                           std::shared_ptr<const BatchLayout>& cache) {
   ResolvedEvaluation resolved;
   resolved.elements = request.elements;
   const ULONG defaultContext =
       request.elements == 1 ? XSI::siICENodeContextSingleton : XSI::siICENodeContextComponent0D;
   resolved.context = request.context ? request.context : defaultContext;
   resolved.time = request.time;
-  resolved.indices = ResolveIndices(request);
   resolved.groupInstances = ResolveGroupInstances(request);
   ResolveInputs(node, request, resolved);
   ResolveOutputs(node, request, resolved);
-  resolved.chunks = CutChunks(resolved.indices, std::max<ULONG>(request.batchSize, 1));
   resolved.threads =
       node.threadingModel == XSI::siICENodeMultiThreading ? std::max(1u, request.threads) : 1u;
+  resolved.layout = Layout(request, resolved.threads, cache);
   return resolved;
 }
 
@@ -317,34 +374,125 @@ EvalFrame MakeFrame(NodeInstance* instance, const ResolvedEvaluation& resolved, 
   return frame;
 }
 
-// The output buffer of `port` before any chunk runs: single values hold the fill byte, so that
-// writes can be told apart afterwards. A port without a value type gets no items.
-PortValues PrepareOutput(const ResolvedEvaluation& resolved, ULONG port) {
-  PortValues out;
-  auto info = resolved.outputs.find(port);
-  if (info != resolved.outputs.end() && IsValueType(info->second.type)) {
-    out.type = info->second.type;
-    out.array = info->second.structure == 2;
-    out.Resize(resolved.elements);
-    std::fill(out.flat.begin(), out.flat.end(), kUnwritten);
-  } else {
-    out.type = 0;
-    out.count = 0;
+// Empties every item of `items`, keeping their storage for the writes to come; storage of a
+// kind the port does not use is released.
+template <class Items>
+void ResetItems(Items& items, std::size_t count, bool used) {
+  if (!used) {
+    Items().swap(items);
+    return;
   }
-  out.written.assign(out.count, 0);
-  return out;
+  items.resize(count);
+  for (auto& item : items) item.clear();
 }
 
-// Single values are written in place; an element counts as written once any of its bytes
-// differs from the fill.
-void MarkWrittenSingles(PortValues& out) {
-  if (out.array || out.IsString() || out.count == 0) return;
-  const std::size_t size = ValueSize(out.type);
-  for (ULONG i = 0; i < out.count; ++i) {
-    const std::byte* v = out.flat.data() + std::size_t(i) * size;
-    out.written[i] = std::any_of(v, v + size, [](std::byte b) { return b != kUnwritten; });
+// Makes `out` the buffer of `port` before any chunk runs, in the storage it already has. Single
+// values are filled and checked per batch (see WriteTracker); arrays and strings start empty and
+// unwritten. A port without a value type gets no items.
+void PrepareOutput(const ResolvedEvaluation& resolved, ULONG port, PortValues& out) {
+  auto info = resolved.outputs.find(port);
+  const bool known = info != resolved.outputs.end() && IsValueType(info->second.type);
+  out.type = known ? info->second.type : 0;
+  out.array = known && info->second.structure == 2;
+  out.constant = false;
+  out.contentHash.reset();
+  out.count = known ? resolved.elements : 0;
+  const bool flat = known && !out.IsString() && !out.array;
+  if (flat)
+    out.flat.resize(std::size_t(out.count) * ValueSize(out.type));
+  else
+    std::vector<std::byte>().swap(out.flat);
+  ResetItems(out.arrays, out.count, known && !out.IsString() && out.array);
+  ResetItems(out.strings, out.count, known && out.IsString() && !out.array);
+  ResetItems(out.stringArrays, out.count, known && out.IsString() && out.array);
+  if (flat)
+    out.written.resize(out.count);
+  else
+    out.written.assign(out.count, 0);
+}
+
+// True when the ascending `elements` run without gaps, as a batch of every element does.
+bool IsRun(const std::vector<ULONG>& elements) {
+  return !elements.empty() && elements.back() - elements.front() + 1 == elements.size();
+}
+
+// Whether the value at `v` differs from the fill, compared a 32-bit word at a time.
+template <std::size_t kSize>
+bool Differs(const std::byte* v) {
+  if constexpr (kSize % 4 != 0) {
+    static_assert(kSize == 1);
+    return v[0] != kUnwritten;
+  } else {
+    std::uint32_t any = 0;
+    for (std::size_t k = 0; k < kSize; k += 4) {
+      std::uint32_t word;
+      std::memcpy(&word, v + k, 4);
+      any |= word ^ 0xA5A5A5A5u;
+    }
+    return any != 0;
   }
 }
+
+template <std::size_t kSize>
+void FillValues(std::byte* data, const std::vector<ULONG>& elements) {
+  const int fill = std::to_integer<int>(kUnwritten);
+  if (IsRun(elements)) {
+    std::memset(data + std::size_t(elements.front()) * kSize, fill, elements.size() * kSize);
+    return;
+  }
+  for (ULONG i : elements) std::memset(data + std::size_t(i) * kSize, fill, kSize);
+}
+
+template <std::size_t kSize>
+void MarkRun(const std::byte* __restrict data, std::size_t count, char* __restrict written) {
+  for (std::size_t i = 0; i < count; ++i) written[i] = Differs<kSize>(data + i * kSize);
+}
+
+template <std::size_t kSize>
+void MarkValues(const std::byte* data, const std::vector<ULONG>& elements, char* written) {
+  if (IsRun(elements)) {
+    const std::size_t first = elements.front();
+    MarkRun<kSize>(data + first * kSize, elements.size(), written + first);
+    return;
+  }
+  for (ULONG i : elements) written[i] = Differs<kSize>(data + std::size_t(i) * kSize);
+}
+
+// Single values are written in place, so a batch's values are filled with kUnwritten right
+// before the node runs and checked right after, on the batch's thread while they are in cache:
+// an element counts as written once any of its bytes differs from the fill. The value size is
+// fixed at compile time so that both compile to plain stores and compares. Arrays and strings
+// record their writes as they happen and need no tracker.
+struct WriteTracker {
+  void (*fill)(std::byte*, const std::vector<ULONG>&) = nullptr;
+  void (*mark)(const std::byte*, const std::vector<ULONG>&, char*) = nullptr;
+
+  static WriteTracker For(const PortValues& out) {
+    if (out.array || out.IsString() || out.count == 0) return {};
+    switch (ValueSize(out.type)) {
+      case 1:
+        return {&FillValues<1>, &MarkValues<1>};
+      case 4:
+        return {&FillValues<4>, &MarkValues<4>};
+      case 8:
+        return {&FillValues<8>, &MarkValues<8>};
+      case 12:
+        return {&FillValues<12>, &MarkValues<12>};
+      case 16:
+        return {&FillValues<16>, &MarkValues<16>};
+      case 36:
+        return {&FillValues<36>, &MarkValues<36>};
+      default:
+        return {&FillValues<64>, &MarkValues<64>};  // the 4 × 4 matrix, the largest
+    }
+  }
+  void Before(PortValues& out, const std::vector<ULONG>& elements) const {
+    if (fill) fill(out.flat.data(), elements);
+  }
+  void After(PortValues& out, const std::vector<ULONG>& elements) const {
+    if (mark) mark(out.flat.data(), elements, out.written.data());
+  }
+};
 
 }  // namespace
 
@@ -357,7 +505,7 @@ NodeInstance::NodeInstance(const LoadedPlugin& plugin, const NodeDefinitionRecor
 
 NodeInstance::~NodeInstance() { Terminate(); }
 
-std::uint32_t NodeInstance::ObjectID() const { return object_->objectID(); }
+std::uint32_t NodeInstance::ObjectID() const { return object_->ObjectID(); }
 
 std::string NodeInstance::CallbackName(const char* suffix) const {
   return std::string(node_.name.begin(), node_.name.end()) + suffix;
@@ -383,13 +531,15 @@ void NodeInstance::ClearState(ULONG port, ULONG instance) {
 }
 
 // An input is dirty once its data differ from the previous evaluation's, and stays dirty until
-// the node clears it.
+// the node clears it. Data are compared by their hashes, taken from the request when it has them.
 void NodeInstance::UpdatePortStates(const ResolvedEvaluation& resolved) {
   for (const auto& [key, info] : resolved.inputs) {
     PortState& state = portStates_[key];
-    if (!state.seen || !state.previous.SameData(*info.values)) {
+    const PortValues& values = *info.values;
+    const std::uint64_t hash = values.contentHash ? *values.contentHash : values.ContentHash();
+    if (!state.seen || state.hash != hash) {
       state.dirty = true;
-      state.previous = *info.values;
+      state.hash = hash;
       state.seen = true;
     }
   }
@@ -407,43 +557,62 @@ void NodeInstance::InitOnce() {
 void NodeInstance::CallBracket(const char* suffix, ResolvedEvaluation& resolved) {
   auto callback = reinterpret_cast<NodeCallback>(plugin_.Symbol(CallbackName(suffix)));
   if (!callback) return;
-  EvalFrame frame = MakeFrame(this, resolved, nullptr, 0, &resolved.indices);
+  EvalFrame frame = MakeFrame(this, resolved, nullptr, 0, &resolved.layout->indices);
   ICENodeContext ctxt(resolved.contextRef, &frame);
   const std::wstring what(suffix, suffix + std::strlen(suffix));
   CallPlugin(callback, ctxt, node_.name + what);
 }
 
-OutputResult NodeInstance::EvaluatePort(ULONG port, ResolvedEvaluation& resolved) {
+void NodeInstance::EvaluatePort(ResolvedEvaluation& resolved, OutputResult& result) {
   auto evaluateFn = reinterpret_cast<NodeCallback>(plugin_.Symbol(CallbackName("_Evaluate")));
-  OutputResult result;
-  result.port = port;
-  result.values = PrepareOutput(resolved, port);
+  const std::wstring what = node_.name + L"_Evaluate";
+  const BatchLayout& layout = *resolved.layout;
+  result.status = 0;
+  PrepareOutput(resolved, result.port, result.values);
+  const WriteTracker tracker = WriteTracker::For(result.values);
+  tracker.Before(result.values, layout.outside);
   std::mutex statusMutex;
-  ForEachChunk(resolved.chunks.size(), resolved.threads, [&](std::size_t c) {
-    EvalFrame frame = MakeFrame(this, resolved, &result.values, port, &resolved.chunks[c]);
+  ForEachChunk(layout.chunks.size(), resolved.threads, [&](std::size_t c) {
+    tracker.Before(result.values, layout.chunks[c]);
+    EvalFrame frame = MakeFrame(this, resolved, &result.values, result.port, &layout.chunks[c]);
     ICENodeContext ctxt(resolved.contextRef, &frame);
-    const CStatus status = evaluateFn ? CallPlugin(evaluateFn, ctxt, node_.name + L"_Evaluate")
-                                      : CStatus(CStatus::Fail);
+    const CStatus status = evaluateFn ? CallPlugin(evaluateFn, ctxt, what) : CStatus(CStatus::Fail);
+    tracker.After(result.values, layout.chunks[c]);
     if (!status.Succeeded()) {
       std::lock_guard<std::mutex> lock(statusMutex);
       if (result.status == 0) result.status = status.GetCode();
     }
   });
-  MarkWrittenSingles(result.values);
-  return result;
+  tracker.After(result.values, layout.outside);
 }
 
 std::vector<OutputResult> NodeInstance::Evaluate(const EvaluationRequest& request,
                                                  const std::vector<ULONG>& outputPorts) {
-  ResolvedEvaluation resolved = Resolve(node_, request);
+  std::vector<OutputResult> results;
+  Evaluate(request, outputPorts, results);
+  return results;
+}
+
+void NodeInstance::Evaluate(const EvaluationRequest& request, const std::vector<ULONG>& outputPorts,
+                            std::vector<OutputResult>& results) {
+  std::map<ULONG, PortValues> spare;
+  for (OutputResult& r : results) spare.emplace(r.port, std::move(r.values));
+  results.assign(outputPorts.size(), OutputResult());
+  for (std::size_t i = 0; i < outputPorts.size(); ++i) {
+    results[i].port = outputPorts[i];
+    auto it = spare.find(outputPorts[i]);
+    if (it != spare.end()) {
+      results[i].values = std::move(it->second);
+      spare.erase(it);
+    }
+  }
+  ResolvedEvaluation resolved = Resolve(node_, request, layout_);
   UpdatePortStates(resolved);
   resolved.contextRef = CRef(context_);
   InitOnce();
   CallBracket("_BeginEvaluate", resolved);
-  std::vector<OutputResult> results;
-  for (ULONG port : outputPorts) results.push_back(EvaluatePort(port, resolved));
+  for (OutputResult& result : results) EvaluatePort(resolved, result);
   CallBracket("_EndEvaluate", resolved);
-  return results;
 }
 
 }  // namespace xsihost

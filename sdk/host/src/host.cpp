@@ -44,9 +44,14 @@ std::vector<LogLine> Host::DestroyInstances() {
 EvaluationOutcome Host::Evaluate(NodeInstance& instance, const EvaluationRequest& request,
                                  const std::vector<ULONG>& ports) {
   EvaluationOutcome outcome;
-  outcome.outputs = instance.Evaluate(request, ports);
-  outcome.log = TakeLog();
+  Evaluate(instance, request, ports, outcome);
   return outcome;
+}
+
+void Host::Evaluate(NodeInstance& instance, const EvaluationRequest& request,
+                    const std::vector<ULONG>& ports, EvaluationOutcome& outcome) {
+  instance.Evaluate(request, ports, outcome.outputs);
+  outcome.log = TakeLog();
 }
 
 std::optional<EvaluationOutcome> Host::EvaluateOnce(const std::wstring& node,

@@ -29,7 +29,7 @@ CVector3 lerp(const CVector3& a, const CVector3& b, double t) {
 }  // namespace
 
 template <class T>
-T Channel<T>::at(double time) const {
+T Channel<T>::At(double time) const {
   if (keys.empty()) return value;
   if (time <= keys.front().first) return keys.front().second;
   if (time >= keys.back().first) return keys.back().second;
@@ -107,32 +107,32 @@ MeshDerived DeriveMesh(const MeshData& mesh) {
 
 // ---- SceneObject ------------------------------------------------------------------------------
 
-double SceneObject::resolveTime(double time) const {
+double SceneObject::ResolveTime(double time) const {
   if (time > 1e100 || std::isnan(time)) return currentFrame_ ? *currentFrame_ : 1.0;
   return time;
 }
 
-CTransformation SceneObject::localAt(double time) const {
-  time = resolveTime(time);
+CTransformation SceneObject::LocalAt(double time) const {
+  time = ResolveTime(time);
   CTransformation t;
   if (matrix_) return t.SetMatrix4(*matrix_);
-  const CVector3 r = rotation_.at(time);
-  t.SetScaling(scaling_.at(time));
+  const CVector3 r = rotation_.At(time);
+  t.SetScaling(scaling_.At(time));
   t.SetRotation(CRotation(XSI::MATH::DegreesToRadians(r.GetX()),
                           XSI::MATH::DegreesToRadians(r.GetY()),
                           XSI::MATH::DegreesToRadians(r.GetZ()), rotationOrder_));
-  t.SetTranslation(translation_.at(time));
+  t.SetTranslation(translation_.At(time));
   return t;
 }
 
-CTransformation SceneObject::globalAt(double time) const {
-  time = resolveTime(time);
-  CTransformation global = localAt(time);
-  for (auto p = parent_.lock(); p; p = p->parent_.lock()) global.MulInPlace(p->localAt(time));
+CTransformation SceneObject::GlobalAt(double time) const {
+  time = ResolveTime(time);
+  CTransformation global = LocalAt(time);
+  for (auto p = parent_.lock(); p; p = p->parent_.lock()) global.MulInPlace(p->LocalAt(time));
   return global;
 }
 
-bool SceneObject::parameterValue(const std::wstring& name, CValue& out) const {
+bool SceneObject::ParameterValue(const std::wstring& name, CValue& out) const {
   // The object's own parameters: its name and the current visibility, as the host's property
   // pages show them.
   if (name == L"Name") {
@@ -140,7 +140,7 @@ bool SceneObject::parameterValue(const std::wstring& name, CValue& out) const {
     return true;
   }
   if (name == L"viewvis" || name == L"visibility") {
-    out = CValue(visible_.at(resolveTime(1e300)));
+    out = CValue(visible_.At(ResolveTime(1e300)));
     return true;
   }
   return false;
@@ -148,39 +148,39 @@ bool SceneObject::parameterValue(const std::wstring& name, CValue& out) const {
 
 // ---- views --------------------------------------------------------------------------------
 
-std::shared_ptr<xsihost::Object> PrimitiveObject::parent() const {
+std::shared_ptr<xsihost::Object> PrimitiveObject::Parent() const {
   return std::const_pointer_cast<SceneObject>(owner_);
 }
 
-bool PrimitiveObject::parameterValue(const std::wstring& name, CValue& out) const {
-  return parameterAt(name, 1e300, out);
+bool PrimitiveObject::ParameterValue(const std::wstring& name, CValue& out) const {
+  return ParameterAt(name, 1e300, out);
 }
 
-bool PrimitiveObject::parameterAt(const std::wstring& name, double time, CValue& out) const {
+bool PrimitiveObject::ParameterAt(const std::wstring& name, double time, CValue& out) const {
   const auto it = owner_->parameters_.find(name);
   if (it == owner_->parameters_.end()) return false;
   const ParameterData& p = it->second;
   if (p.isText) {
     out = CValue(p.text.c_str());
   } else if (p.isBool) {
-    out = CValue(p.number.at(owner_->resolveTime(time)) != 0.0);
+    out = CValue(p.number.At(owner_->ResolveTime(time)) != 0.0);
   } else {
-    out = CValue(p.number.at(owner_->resolveTime(time)));
+    out = CValue(p.number.At(owner_->ResolveTime(time)));
   }
   return true;
 }
 
-std::wstring GeometryObject::typeName() const {
+std::wstring GeometryObject::TypeName() const {
   if (owner_->mesh_) return L"PolygonMesh";
   if (!owner_->curves_.empty()) return L"NurbsCurveList";
   return L"Geometry";
 }
 
-std::shared_ptr<xsihost::Object> GeometryObject::parent() const {
+std::shared_ptr<xsihost::Object> GeometryObject::Parent() const {
   return std::make_shared<PrimitiveObject>(owner_);
 }
 
-std::wstring PropertyObject::name() const {
+std::wstring PropertyObject::Name() const {
   switch (kind_) {
     case Kind::Visibility:
       return L"Visibility";
@@ -194,7 +194,7 @@ std::wstring PropertyObject::name() const {
   return {};
 }
 
-std::wstring PropertyObject::typeName() const {
+std::wstring PropertyObject::TypeName() const {
   switch (kind_) {
     case Kind::Visibility:
       return L"visibility";
@@ -205,27 +205,27 @@ std::wstring PropertyObject::typeName() const {
   }
 }
 
-std::shared_ptr<xsihost::Object> PropertyObject::parent() const {
+std::shared_ptr<xsihost::Object> PropertyObject::Parent() const {
   if (kind_ == Kind::GlobalState || kind_ == Kind::LocalState)
     return std::make_shared<PropertyObject>(owner_, Kind::Kinematics);
   return std::const_pointer_cast<SceneObject>(owner_);
 }
 
-bool PropertyObject::parameterValue(const std::wstring& name, CValue& out) const {
-  return parameterAt(name, 1e300, out);
+bool PropertyObject::ParameterValue(const std::wstring& name, CValue& out) const {
+  return ParameterAt(name, 1e300, out);
 }
 
-bool PropertyObject::parameterAt(const std::wstring& name, double time, CValue& out) const {
-  time = owner_->resolveTime(time);
+bool PropertyObject::ParameterAt(const std::wstring& name, double time, CValue& out) const {
+  time = owner_->ResolveTime(time);
   if (kind_ == Kind::Visibility) {
     if (name != L"viewvis" && name != L"rendvis") return false;
-    out = CValue(owner_->visible_.at(time));
+    out = CValue(owner_->visible_.At(time));
     return true;
   }
   if (kind_ == Kind::Kinematics) return false;
   // Kinematic states: position, rotation (degrees, XYZ) and scaling components.
   const CTransformation t =
-      kind_ == Kind::GlobalState ? owner_->globalAt(time) : owner_->localAt(time);
+      kind_ == Kind::GlobalState ? owner_->GlobalAt(time) : owner_->LocalAt(time);
   const CVector3 s = t.GetScaling(), r = t.GetRotationXYZAngles(), p = t.GetTranslation();
   static const wchar_t* const kNames[9] = {L"sclx", L"scly", L"sclz", L"rotx", L"roty",
                                            L"rotz", L"posx", L"posy", L"posz"};
@@ -263,18 +263,18 @@ Scene::~Scene() {
   root_->children_.clear();
 }
 
-std::shared_ptr<SceneObject> Scene::find(const std::wstring& fullName) const {
+std::shared_ptr<SceneObject> Scene::Find(const std::wstring& fullName) const {
   const auto it = byFullName_.find(fullName);
   return it == byFullName_.end() ? nullptr : it->second;
 }
 
-void Scene::add(const std::shared_ptr<SceneObject>& object,
+void Scene::Add(const std::shared_ptr<SceneObject>& object,
                 const std::shared_ptr<SceneObject>& parent) {
   const auto& p = parent ? parent : root_;
   object->parent_ = p;
   // Names are unique within a model; objects of the scene root's own model need no prefix.
-  const bool prefixedByParent = p->isModel() && p != root_;
-  const std::wstring& parentName = p->fullName();
+  const bool prefixedByParent = p->IsModel() && p != root_;
+  const std::wstring& parentName = p->FullName();
   const std::wstring inherited =
       prefixedByParent
           ? parentName + L"."
@@ -284,7 +284,7 @@ void Scene::add(const std::shared_ptr<SceneObject>& object,
   object->id_ = nextID_++;
   object->currentFrame_ = currentFrame_;
   objects_.push_back(object);
-  byFullName_[object->fullName()] = object;
+  byFullName_[object->FullName()] = object;
 }
 
 namespace {

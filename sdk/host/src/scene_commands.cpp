@@ -43,8 +43,8 @@ struct Registry {
   Registry() {
     auto open = std::make_shared<CommandObject>();
     open->name_ = L"OpenScene";
-    open->m_description = L"Opens a scene file";
-    open->m_arguments = {{L"PathName", CValue(L"")}, {L"Confirm", CValue(true)}};
+    open->description_ = L"Opens a scene file";
+    open->arguments_ = {{L"PathName", CValue(L"")}, {L"Confirm", CValue(true)}};
     open->native_ = openScene;
     commands[open->name_] = open;
   }
@@ -177,24 +177,24 @@ CStatus ExecuteCommand(const std::wstring& name, const CValueArray& arguments, C
     HostLog().Add(XSI::siErrorMsg, L"Unknown command \"" + name + L"\".");
     return CStatus::Fail;
   }
-  if (static_cast<std::size_t>(arguments.GetCount()) > definition->m_arguments.size()) {
+  if (static_cast<std::size_t>(arguments.GetCount()) > definition->arguments_.size()) {
     HostLog().Add(XSI::siErrorMsg, name + L": " + std::to_wstring(arguments.GetCount()) +
                                        L" arguments given, but the command takes " +
-                                       std::to_wstring(definition->m_arguments.size()) + L".");
+                                       std::to_wstring(definition->arguments_.size()) + L".");
     return CStatus::Fail;
   }
   // The running call works on a copy of the definition, so that the defaults stay intact;
   // the user data is the command's own and persists between calls.
   auto call = std::make_shared<CommandObject>(*definition);
   CValueArray values;
-  for (std::size_t i = 0; i < call->m_arguments.size(); ++i) {
+  for (std::size_t i = 0; i < call->arguments_.size(); ++i) {
     if (i < static_cast<std::size_t>(arguments.GetCount()) &&
         !arguments[static_cast<XSI::LONG>(i)].IsEmpty())
-      call->m_arguments[i].value = arguments[static_cast<XSI::LONG>(i)];
-    values.Add(call->m_arguments[i].value);
+      call->arguments_[i].value = arguments[static_cast<XSI::LONG>(i)];
+    values.Add(call->arguments_[i].value);
   }
-  if (!(call->m_flags & kCommandNoLoggingFlag))
-    HostLog().Add(XSI::siInfoMsg, callText(name, call->m_arguments));
+  if (!(call->flags_ & kCommandNoLoggingFlag))
+    HostLog().Add(XSI::siInfoMsg, callText(name, call->arguments_));
 
   if (call->native_) return call->native_(values, result);
 

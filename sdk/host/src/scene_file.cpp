@@ -409,7 +409,7 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
   if (!doc.is_object()) fail("", "expected a JSON object with \"objects\"");
   onlyKeys(doc, "", {"frame", "objects"});
   auto scene = std::make_shared<Scene>();
-  if (const json* frame = member(doc, "frame")) scene->setCurrentFrame(number(*frame, "/frame"));
+  if (const json* frame = member(doc, "frame")) scene->SetCurrentFrame(number(*frame, "/frame"));
   const json* objects = member(doc, "objects");
   if (!objects || !objects->is_array()) fail("/objects", "expected a list of objects");
 
@@ -509,7 +509,7 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
     }
     for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
       const std::ptrdiff_t p = parentOf[*it];
-      scene->add(records[*it].object,
+      scene->Add(records[*it].object,
                  p >= 0 ? records[static_cast<std::size_t>(p)].object : nullptr);
       state[*it] = 2;
     }
@@ -566,7 +566,7 @@ std::shared_ptr<Scene> ParseSceneText(const std::string& text, const std::string
   }
   try {
     std::shared_ptr<Scene> scene = parse(doc, baseDirectory);
-    scene->setPath(fileLabel);
+    scene->SetPath(fileLabel);
     return scene;
   } catch (const SceneError& e) {
     error = fileLabel + ": " + (e.path.empty() ? std::string("/") : e.path) + ": " + e.message;

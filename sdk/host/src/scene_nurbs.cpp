@@ -20,7 +20,7 @@ Vec3d cross(const Vec3d& a, const Vec3d& b) {
 }
 // `u` clamped to [lo, hi]; NaN, which orders with nothing, counts as the start of the range
 // (as a NaN percentage does), so every parameter lands inside a knot span.
-double clampParameter(double u, double lo, double hi) {
+double ClampParameter(double u, double lo, double hi) {
   return std::isnan(u) ? lo : std::clamp(u, lo, hi);
 }
 
@@ -180,19 +180,19 @@ NurbsCurveEvaluator::NurbsCurveEvaluator(NurbsCurveData curve) : curve_(std::mov
   double rough = 0.0;
   for (size_t j = 0; j + 1 < spanStarts_.size(); ++j)
     rough +=
-        kronrod15([this](double u) { return speed(u); }, spanStarts_[j], spanStarts_[j + 1]).first;
+        kronrod15([this](double u) { return Speed(u); }, spanStarts_[j], spanStarts_[j + 1]).first;
   tolerance_ = std::max(rough, 1e-300) * 1e-13;
   cumulative_.assign(spanStarts_.size(), 0.0);
   for (size_t j = 0; j + 1 < spanStarts_.size(); ++j)
-    cumulative_[j + 1] = cumulative_[j] + spanLength(spanStarts_[j], spanStarts_[j + 1]);
+    cumulative_[j + 1] = cumulative_[j] + SpanLength(spanStarts_[j], spanStarts_[j + 1]);
 }
 
-void NurbsCurveEvaluator::derivatives(double u, Vec3d& position, Vec3d& first,
+void NurbsCurveEvaluator::Derivatives(double u, Vec3d& position, Vec3d& first,
                                       Vec3d& second) const {
   const int p = curve_.degree;
   const int n = static_cast<int>(curve_.points.size());
   const auto& t = curve_.knots;
-  u = clampParameter(u, min_, max_);
+  u = ClampParameter(u, min_, max_);
   // Span k with t[k] <= u < t[k+1]; the end of the range belongs to the last non-empty span.
   int k;
   if (u >= max_) {
@@ -239,16 +239,16 @@ void NurbsCurveEvaluator::derivatives(double u, Vec3d& position, Vec3d& first,
   }
 }
 
-double NurbsCurveEvaluator::speed(double u) const {
+double NurbsCurveEvaluator::Speed(double u) const {
   Vec3d position, first, second;
-  derivatives(u, position, first, second);
+  Derivatives(u, position, first, second);
   return norm(first);
 }
 
-CurveSample NurbsCurveEvaluator::evaluate(double u) const {
+CurveSample NurbsCurveEvaluator::Evaluate(double u) const {
   CurveSample s;
   Vec3d second;
-  derivatives(u, s.position, s.tangent, second);
+  Derivatives(u, s.position, s.tangent, second);
 
   // Unit tangent; at a cusp (zero first derivative) the second derivative gives the direction.
   Vec3d direction = unit(s.tangent);
@@ -261,7 +261,7 @@ CurveSample NurbsCurveEvaluator::evaluate(double u) const {
   const Vec3d across = sub(second, scale(dot(second, direction), direction));
   const double acrossLength = norm(across);
   const double speedSquared = dot(s.tangent, s.tangent);
-  const double extent = std::max(length(), 1e-300);
+  const double extent = std::max(Length(), 1e-300);
   const bool straight =
       acrossLength <= 1e-12 * norm(second) || acrossLength * extent <= 1e-10 * speedSquared;
   Vec3d normal;
@@ -280,25 +280,25 @@ CurveSample NurbsCurveEvaluator::evaluate(double u) const {
   return s;
 }
 
-double NurbsCurveEvaluator::parameterFromNormalized(double t) const {
-  t = clampParameter(t, 0.0, 1.0);
+double NurbsCurveEvaluator::ParameterFromNormalized(double t) const {
+  t = ClampParameter(t, 0.0, 1.0);
   return min_ + t * (max_ - min_);
 }
 
-double NurbsCurveEvaluator::spanLength(double a, double b) const {
-  return integrate([this](double u) { return speed(u); }, a, b, tolerance_);
+double NurbsCurveEvaluator::SpanLength(double a, double b) const {
+  return integrate([this](double u) { return Speed(u); }, a, b, tolerance_);
 }
 
-double NurbsCurveEvaluator::lengthTo(double u) const {
-  u = clampParameter(u, min_, max_);
-  if (u >= max_) return length();
+double NurbsCurveEvaluator::LengthTo(double u) const {
+  u = ClampParameter(u, min_, max_);
+  if (u >= max_) return Length();
   const auto it = std::upper_bound(spanStarts_.begin(), spanStarts_.end(), u);
   const size_t j = static_cast<size_t>(it - spanStarts_.begin()) - 1;
-  return cumulative_[j] + spanLength(spanStarts_[j], u);
+  return cumulative_[j] + SpanLength(spanStarts_[j], u);
 }
 
-double NurbsCurveEvaluator::parameterFromPercentage(double percent) const {
-  const double total = length();
+double NurbsCurveEvaluator::ParameterFromPercentage(double percent) const {
+  const double total = Length();
   if (!(percent > 0.0) || !(total > 0.0)) return min_;
   if (percent >= 100.0) return max_;
   const double target = percent / 100.0 * total;
@@ -314,14 +314,14 @@ double NurbsCurveEvaluator::parameterFromPercentage(double percent) const {
   const double spanTotal = cumulative_[j + 1] - cumulative_[j];
   double u = lo + (hi - lo) * (spanTotal > 0.0 ? wanted / spanTotal : 0.5);
   for (int iteration = 0; iteration < 100; ++iteration) {
-    const double f = spanLength(start, u) - wanted;
+    const double f = SpanLength(start, u) - wanted;
     if (std::fabs(f) <= 1e-13 * total) break;
     if (f > 0.0) {
       hi = u;
     } else {
       lo = u;
     }
-    const double v = speed(u);
+    const double v = Speed(u);
     double next = v > 0.0 ? u - f / v : 0.5 * (lo + hi);
     if (!(next > lo && next < hi)) next = 0.5 * (lo + hi);
     if (next == u) break;

@@ -18,7 +18,7 @@ using Points = std::vector<CVector3f>;
 inline constexpr ULONG kNoLinkId = 0xFFFFFFFFu;
 
 inline PortValues PointArrays(const std::vector<Points>& arrays) {
-  return PortValues::arraysOf<CVector3f>(arrays);
+  return PortValues::ArraysOf<CVector3f>(arrays);
 }
 
 // One registered port as the curve nodes declare it: context any (63); inputs carry the
@@ -35,7 +35,7 @@ struct PortRow {
 inline void ExpectPortTable(const wchar_t* node, ULONG threading,
                             const std::vector<PortRow>& inputs, const PortRow& output) {
   SCOPED_TRACE(testing::Message() << std::string(node, node + std::wcslen(node)));
-  const auto* definition = nodeDefinition(node);
+  const auto* definition = NodeDefinition(node);
   ASSERT_NE(definition, nullptr);
   EXPECT_EQ(definition->threadingModel, threading);
   ASSERT_EQ(definition->groups.size(), 1u);
@@ -67,12 +67,12 @@ inline void ExpectPortTable(const wchar_t* node, ULONG threading,
   EXPECT_EQ(out.displayName, output.display);
   EXPECT_EQ(out.structureLink, kNoLinkId);
   EXPECT_EQ(out.contextLink, 4002u);
-  EXPECT_EQ(xsihost::failedAssertions(), 0u);
+  EXPECT_EQ(xsihost::FailedAssertions(), 0u);
 }
 
 inline std::vector<Vec3f> PointsOf(const OutputResult& out, ULONG element) {
   std::vector<Vec3f> points;
-  for (const CVector3f& v : out.values.arrayAt<CVector3f>(element))
+  for (const CVector3f& v : out.values.ArrayAt<CVector3f>(element))
     points.push_back({v.GetX(), v.GetY(), v.GetZ()});
   return points;
 }
@@ -103,12 +103,12 @@ inline std::vector<Points> WavyLines() {
 inline void ExpectLinesAlikeOnFourThreads(const wchar_t* node, float value) {
   EvaluationRequest lines;
   lines.elements = 64;
-  lines.setInput(1010, PointArrays(WavyLines()));
-  lines.setInput(1020, PortValues::singles<float>({value}).asConstant());
-  const OutputResult one = evaluate(node, lines, 2010);
+  lines.SetInput(1010, PointArrays(WavyLines()));
+  lines.SetInput(1020, PortValues::Singles<float>({value}).AsConstant());
+  const OutputResult one = Evaluate(node, lines, 2010);
   lines.threads = 4;
   lines.batchSize = 3;
-  const OutputResult four = evaluate(node, lines, 2010);
+  const OutputResult four = Evaluate(node, lines, 2010);
   for (ULONG e = 0; e < 64; ++e) {
     ASSERT_FALSE(PointsOf(one, e).empty());
     EXPECT_EQ(one.values.arrays[e], four.values.arrays[e]) << e;
@@ -136,7 +136,7 @@ inline const PortRow kSpheresPort{2010, 256, 2, L"result", L"Encoded 4x4 Matrix"
 
 inline std::vector<std::vector<float>> SpheresOf(const OutputResult& out, ULONG element) {
   std::vector<std::vector<float>> records;
-  for (const XSI::MATH::CMatrix4f& m : out.values.arrayAt<XSI::MATH::CMatrix4f>(element))
+  for (const XSI::MATH::CMatrix4f& m : out.values.ArrayAt<XSI::MATH::CMatrix4f>(element))
     records.emplace_back(m.Get(), m.Get() + 16);
   return records;
 }
@@ -145,8 +145,8 @@ inline std::vector<std::vector<float>> SpheresOf(const OutputResult& out, ULONG 
 inline EvaluationRequest SphereRequest(ULONG elements, std::vector<Points> positions) {
   EvaluationRequest r;
   r.elements = elements;
-  r.setInput(1010, PointArrays(positions));
-  r.setInput(1040, PortValues::singles<float>({0.0f}).asConstant());
+  r.SetInput(1010, PointArrays(positions));
+  r.SetInput(1040, PortValues::Singles<float>({0.0f}).AsConstant());
   return r;
 }
 
@@ -154,7 +154,7 @@ inline EvaluationRequest SphereRequest(ULONG elements, std::vector<Points> posit
 // 1, 3, 5, 7, 9, scale 1, identity orientation.
 inline void ExpectUnitSpheresAlongAStraightSpline(const wchar_t* node) {
   const EvaluationRequest r = SphereRequest(1, {{{0, 0, 0}, {10, 0, 0}}});
-  const auto spheres = SpheresOf(evaluate(node, r, 2010), 0);
+  const auto spheres = SpheresOf(Evaluate(node, r, 2010), 0);
   ASSERT_EQ(spheres.size(), 5u);
   for (std::size_t i = 0; i < 5; ++i) {
     const std::vector<float> expected{1, 0, 0, 1, 0, 1, 0, 1, 0, 0, 1, 0, 1.0f + 2 * i, 0, 0, 0};

@@ -28,19 +28,19 @@ TEST(Dsals2Node, PacksUnitSpheresAlongAStraightSpline) {
 TEST(Dsals2Node, TypesEqualTheFlagsOfTheFirstNode) {
   EvaluationRequest r = SphereRequest(
       2, {{{0, 0, 0}, {3, 1, 0}, {6, 0, 2}, {9, 4, 1}}, {{0, 0, 0}, {0, 5, 0}, {5, 5, 0}}});
-  r.setInput(1020, PointArrays({{{0, 1, 0}, {0, 0, 1}, {1, 1, 0}, {0, 1, 1}}, {{0, 0, 1}}}));
-  r.setInput(1030, PortValues::arraysOf<float>({{0.3f, 0.5f}}).asConstant());
-  r.setInput(1040, PortValues::singles<float>({0.5f}).asConstant());
-  r.setInput(1090, PortValues::singles<XSI::LONG>({3, 4}));
+  r.SetInput(1020, PointArrays({{{0, 1, 0}, {0, 0, 1}, {1, 1, 0}, {0, 1, 1}}, {{0, 0, 1}}}));
+  r.SetInput(1030, PortValues::ArraysOf<float>({{0.3f, 0.5f}}).AsConstant());
+  r.SetInput(1040, PortValues::Singles<float>({0.5f}).AsConstant());
+  r.SetInput(1090, PortValues::Singles<XSI::LONG>({3, 4}));
   for (XSI::LONG flags : {0, 1, 2, 3}) {
     EvaluationRequest first = r;
-    first.setInput(1100, PortValues::singles<XSI::LONG>({flags}).asConstant());
+    first.SetInput(1100, PortValues::Singles<XSI::LONG>({flags}).AsConstant());
     EvaluationRequest second = r;
-    second.setInput(1100, PortValues::singles<XSI::LONG>({20}).asConstant());
-    second.setInput(1104, PortValues::singles<XSI::LONG>({(flags & 1) ? 20 : 0}).asConstant());
-    second.setInput(1108, PortValues::singles<XSI::LONG>({(flags & 2) ? 20 : 0}).asConstant());
-    const OutputResult a = evaluate(L"Quillix_dsals", first, 2010);
-    const OutputResult b = evaluate(L"Quillix_dsals2", second, 2010);
+    second.SetInput(1100, PortValues::Singles<XSI::LONG>({20}).AsConstant());
+    second.SetInput(1104, PortValues::Singles<XSI::LONG>({(flags & 1) ? 20 : 0}).AsConstant());
+    second.SetInput(1108, PortValues::Singles<XSI::LONG>({(flags & 2) ? 20 : 0}).AsConstant());
+    const OutputResult a = Evaluate(L"Quillix_dsals", first, 2010);
+    const OutputResult b = Evaluate(L"Quillix_dsals2", second, 2010);
     for (ULONG e = 0; e < 2; ++e) {
       EXPECT_FALSE(SpheresOf(a, e).empty());
       EXPECT_EQ(SpheresOf(a, e), SpheresOf(b, e)) << "flags " << flags << " element " << e;
@@ -50,13 +50,13 @@ TEST(Dsals2Node, TypesEqualTheFlagsOfTheFirstNode) {
 
 TEST(Dsals2Node, SeveralThreadsGiveTheSameResultsAsOne) {
   EvaluationRequest r = SphereRequest(64, WavyLines());
-  r.setInput(1030, PortValues::arraysOf<float>({{0.2f, 0.4f, 0.3f}}).asConstant());
-  r.setInput(1040, PortValues::singles<float>({0.8f}).asConstant());
-  r.setInput(1080, PortValues::singles<XSI::LONG>({1}).asConstant());
-  const OutputResult single = evaluate(L"Quillix_dsals2", r, 2010);
+  r.SetInput(1030, PortValues::ArraysOf<float>({{0.2f, 0.4f, 0.3f}}).AsConstant());
+  r.SetInput(1040, PortValues::Singles<float>({0.8f}).AsConstant());
+  r.SetInput(1080, PortValues::Singles<XSI::LONG>({1}).AsConstant());
+  const OutputResult single = Evaluate(L"Quillix_dsals2", r, 2010);
   r.threads = 4;
   r.batchSize = 5;
-  const OutputResult threaded = evaluate(L"Quillix_dsals2", r, 2010);
+  const OutputResult threaded = Evaluate(L"Quillix_dsals2", r, 2010);
   for (ULONG e = 0; e < 64; ++e) {
     ASSERT_FALSE(SpheresOf(single, e).empty());
     EXPECT_EQ(SpheresOf(single, e), SpheresOf(threaded, e)) << e;

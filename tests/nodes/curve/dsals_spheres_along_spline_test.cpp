@@ -24,18 +24,18 @@ TEST(DsalsNode, IntervalsAndBatchWideEmptiness) {
   Points eight;
   for (int i = 0; i < 8; ++i) eight.push_back({float(i), 0, 0});
   EvaluationRequest r = SphereRequest(1, {eight});
-  r.setInput(1025, PortValues::arraysOf<XSI::LONG>({{2, 5}}));
-  r.setInput(1030, PortValues::arraysOf<float>({{0.5f}}));
-  const auto spheres = SpheresOf(evaluate(L"Quillix_dsals", r, 2010), 0);
+  r.SetInput(1025, PortValues::ArraysOf<XSI::LONG>({{2, 5}}));
+  r.SetInput(1030, PortValues::ArraysOf<float>({{0.5f}}));
+  const auto spheres = SpheresOf(Evaluate(L"Quillix_dsals", r, 2010), 0);
   ASSERT_EQ(spheres.size(), 4u);  // two per interval: points 0-2 and 3-5
   EXPECT_FLOAT_EQ(spheres[0][12], 0.5f);
   EXPECT_FLOAT_EQ(spheres[2][12], 3.5f);
   EXPECT_FLOAT_EQ(spheres[3][12], 4.5f);
 
   // No up vector anywhere in the batch: nothing for anyone.
-  r.setInput(1020, PointArrays({{}}));
-  const OutputResult empty = evaluate(L"Quillix_dsals", r, 2010);
-  EXPECT_TRUE(empty.values.wasWritten(0));
+  r.SetInput(1020, PointArrays({{}}));
+  const OutputResult empty = Evaluate(L"Quillix_dsals", r, 2010);
+  EXPECT_TRUE(empty.values.WasWritten(0));
   EXPECT_TRUE(SpheresOf(empty, 0).empty());
 }
 

@@ -32,26 +32,26 @@ class GpocNode : public ::testing::Test {
     std::string error;
     auto scene = xsihost::ParseSceneText(kScene, ".", "gpoc test scene", error);
     ASSERT_TRUE(scene) << error;
-    xsihost::setActiveScene(scene);
+    xsihost::SetActiveScene(scene);
   }
-  void TearDown() override { xsihost::setActiveScene(std::make_shared<xsihost::Scene>()); }
+  void TearDown() override { xsihost::SetActiveScene(std::make_shared<xsihost::Scene>()); }
 };
 
 EvaluationRequest request(const std::wstring& name, XSI::LONG mode, XSI::LONG subCurve,
                           PortValues u, ULONG elements) {
   EvaluationRequest r;
   r.elements = elements;
-  r.setInput(kName, PortValues::strings1D({name}));
-  r.setInput(kMode, PortValues::singles<XSI::LONG>({mode}));
-  r.setInput(kSubC, PortValues::singles<XSI::LONG>({subCurve}));
-  r.setInput(kU, std::move(u));
+  r.SetInput(kName, PortValues::Strings1D({name}));
+  r.SetInput(kMode, PortValues::Singles<XSI::LONG>({mode}));
+  r.SetInput(kSubC, PortValues::Singles<XSI::LONG>({subCurve}));
+  r.SetInput(kU, std::move(u));
   return r;
 }
 
 CVector3f single(const EvaluationRequest& r, ULONG port, ULONG element = 0) {
-  const OutputResult out = evaluate(L"Quillix_gpoc", r, port);
-  EXPECT_TRUE(out.values.wasWritten(element));
-  return out.values.single<CVector3f>(element);
+  const OutputResult out = Evaluate(L"Quillix_gpoc", r, port);
+  EXPECT_TRUE(out.values.WasWritten(element));
+  return out.values.Single<CVector3f>(element);
 }
 
 void expectNear(const CVector3f& v, float x, float y, float z, float tolerance = 1e-5f) {
@@ -61,7 +61,7 @@ void expectNear(const CVector3f& v, float x, float y, float z, float tolerance =
 }
 
 TEST(GpocRegistration, SingleThreadedWithSingletonInputsAndLinkedOutputs) {
-  const auto* definition = nodeDefinition(L"Quillix_gpoc");
+  const auto* definition = NodeDefinition(L"Quillix_gpoc");
   ASSERT_NE(definition, nullptr);
   EXPECT_EQ(definition->threadingModel, 1u);
   struct Row {
@@ -106,14 +106,14 @@ TEST_F(GpocNode, TheThreeModesReachTheSamePointInWorldSpace) {
   for (auto [mode, u] :
        {std::pair{0, 1.5f}, std::pair{5, 1.5f}, std::pair{1, 0.75f}, std::pair{2, 0.75f}}) {
     SCOPED_TRACE(mode);
-    const EvaluationRequest r = request(L"rail", mode, 0, PortValues::singles<float>({u}), 1);
+    const EvaluationRequest r = request(L"rail", mode, 0, PortValues::Singles<float>({u}), 1);
     expectNear(single(r, kPosition), 21, 12, 3, 1e-4f);
     expectNear(single(r, kTangent), 0, 1, 0);  // unit length although the object is scaled
   }
 }
 
 TEST_F(GpocNode, ZeroIsClampedToTheFirstMillionthAndDirectionsAreUnitLength) {
-  const EvaluationRequest r = request(L"rail", 2, 0, PortValues::singles<float>({0.0f}), 1);
+  const EvaluationRequest r = request(L"rail", 2, 0, PortValues::Singles<float>({0.0f}), 1);
   const CVector3f start = single(r, kPosition);
   EXPECT_GT(start.GetX(), 1.0f);  // 1e-4 per cent of 20 along x, times 2
   EXPECT_NEAR(start.GetX(), 1.0f + 2.0f * 20.0f * 1e-6f, 1e-6f);
@@ -125,7 +125,7 @@ TEST_F(GpocNode, ZeroIsClampedToTheFirstMillionthAndDirectionsAreUnitLength) {
 }
 
 TEST_F(GpocNode, SubCurveIndexIsClampedToTheCurvesThere) {
-  const PortValues half = PortValues::singles<float>({0.5f});
+  const PortValues half = PortValues::Singles<float>({0.5f});
   expectNear(single(request(L"rail", 2, 9, half, 1), kPosition), 1, 6, 3);
   expectNear(single(request(L"rail", 2, 1, half, 1), kPosition), 1, 6, 3);
   expectNear(single(request(L"rail", 2, -4, half, 1), kPosition), 21, 2, 3);
@@ -133,30 +133,30 @@ TEST_F(GpocNode, SubCurveIndexIsClampedToTheCurvesThere) {
 
 TEST_F(GpocNode, ArraysOfParametersGiveArraysOfTheSameLength) {
   const EvaluationRequest r =
-      request(L"rail", 0, 0, PortValues::arraysOf<float>({{0.5f, 2.0f}, {}}), 2);
-  const OutputResult out = evaluate(L"Quillix_gpoc", r, kPosition);
-  const auto first = out.values.arrayAt<CVector3f>(0);
+      request(L"rail", 0, 0, PortValues::ArraysOf<float>({{0.5f, 2.0f}, {}}), 2);
+  const OutputResult out = Evaluate(L"Quillix_gpoc", r, kPosition);
+  const auto first = out.values.ArrayAt<CVector3f>(0);
   ASSERT_EQ(first.size(), 2u);
   expectNear(first[0], 11, 2, 3);
   expectNear(first[1], 21, 22, 3);
-  EXPECT_TRUE(out.values.wasWritten(1));
-  EXPECT_TRUE(out.values.arrayAt<CVector3f>(1).empty());
+  EXPECT_TRUE(out.values.WasWritten(1));
+  EXPECT_TRUE(out.values.ArrayAt<CVector3f>(1).empty());
 }
 
 TEST_F(GpocNode, UnusableCurvesGiveZeroVectorsOfTheRightCount) {
   for (const std::wstring name : {L"", L"nowhere", L"marker"}) {
     const EvaluationRequest arrays =
-        request(name, 2, 0, PortValues::arraysOf<float>({{0.1f, 0.2f, 0.3f}}), 1);
-    const auto values = evaluate(L"Quillix_gpoc", arrays, kNormal).values.arrayAt<CVector3f>(0);
+        request(name, 2, 0, PortValues::ArraysOf<float>({{0.1f, 0.2f, 0.3f}}), 1);
+    const auto values = Evaluate(L"Quillix_gpoc", arrays, kNormal).values.ArrayAt<CVector3f>(0);
     ASSERT_EQ(values.size(), 3u);
     for (const CVector3f& v : values) expectNear(v, 0, 0, 0, 0);
     const EvaluationRequest singles =
-        request(name, 2, 0, PortValues::singles<float>({0.1f, 0.2f}), 2);
+        request(name, 2, 0, PortValues::Singles<float>({0.1f, 0.2f}), 2);
     expectNear(single(singles, kPosition, 1), 0, 0, 0, 0);
   }
-  const OutputResult unknown = evaluate(
-      L"Quillix_gpoc", request(L"rail", 2, 0, PortValues::singles<float>({0.5f}), 1), 2050);
-  EXPECT_FALSE(unknown.values.wasWritten(0));
+  const OutputResult unknown = Evaluate(
+      L"Quillix_gpoc", request(L"rail", 2, 0, PortValues::Singles<float>({0.5f}), 1), 2050);
+  EXPECT_FALSE(unknown.values.WasWritten(0));
 }
 
 }  // namespace

@@ -25,23 +25,23 @@ TEST(RlinsNode, RegistersItsPortTable) {
 TEST(RlinsNode, ResamplesByCountOrDensityPerElement) {
   EvaluationRequest r;
   r.elements = 3;
-  r.setInput(1010,
+  r.SetInput(1010,
              PointArrays({{{0, 0, 0}, {4, 0, 0}}, {{0, 0, 0}, {2, 0, 0}, {2, 1, 0}}, {{5, 5, 5}}}));
-  r.setInput(1020, PortValues::singles<float>({5.0f, -2.0f, 5.0f}));
-  r.setInput(1030, PortValues::singles<float>({0.0f}).asConstant());
-  const OutputResult out = evaluate(L"Quillix_rlins", r, 2010);
+  r.SetInput(1020, PortValues::Singles<float>({5.0f, -2.0f, 5.0f}));
+  r.SetInput(1030, PortValues::Singles<float>({0.0f}).AsConstant());
+  const OutputResult out = Evaluate(L"Quillix_rlins", r, 2010);
   ExpectPoints(PointsOf(out, 0), {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}});
   ExpectPoints(PointsOf(out, 1),
                {{0, 0, 0}, {0.5f, 0, 0}, {1, 0, 0}, {1.5f, 0, 0}, {2, 0, 0}, {2, 0.5f, 0}});
-  EXPECT_TRUE(out.values.wasWritten(2));
+  EXPECT_TRUE(out.values.WasWritten(2));
   EXPECT_TRUE(PointsOf(out, 2).empty());
 }
 
 TEST(RlinsNode, DefaultsGiveTwentySmoothedPoints) {
   EvaluationRequest r;
   r.elements = 1;
-  r.setInput(1010, PointArrays({{{0, 0, 0}, {5, 5, 0}, {10, 0, 0}}}));
-  const auto points = PointsOf(evaluate(L"Quillix_rlins", r, 2010), 0);
+  r.SetInput(1010, PointArrays({{{0, 0, 0}, {5, 5, 0}, {10, 0, 0}}}));
+  const auto points = PointsOf(Evaluate(L"Quillix_rlins", r, 2010), 0);
   ASSERT_EQ(points.size(), 20u);
   ExpectPoints({points.front(), points.back()}, {{0, 0, 0}, {10, 0, 0}});
   EXPECT_LT(points[10].y, 5.0f);  // the corner is smoothed

@@ -24,14 +24,14 @@ TEST(SlinsNode, RegistersItsPortTable) {
 TEST(SlinsNode, EachElementUsesItsOwnLineToleranceAndFlags) {
   EvaluationRequest r;
   r.elements = 4;
-  r.setInput(1010, PointArrays({{{0, 0, 0}, {1, 0.1f, 0}, {2, 0, 0}, {3, 0, 0}},
+  r.SetInput(1010, PointArrays({{{0, 0, 0}, {1, 0.1f, 0}, {2, 0, 0}, {3, 0, 0}},
                                 {{0, 0, 0}, {1, 0.1f, 0}, {2, 0, 0}, {3, 0, 0}},
                                 {},
                                 {{0, 0, 0}, {4, 0, 0}, {4, 4, 0}, {0, 0.5f, 0}}}));
-  r.setInput(1020, PortValues::singles<float>({1.0f, 0.01f, 1.0f, 0.5f}));
-  r.setInput(1030, boolSingles({false, false, false, true}));
-  r.setInput(1040, boolSingles({true, false, true, false}));
-  const OutputResult out = evaluate(L"Quillix_slins", r, 2010);
+  r.SetInput(1020, PortValues::Singles<float>({1.0f, 0.01f, 1.0f, 0.5f}));
+  r.SetInput(1030, boolSingles({false, false, false, true}));
+  r.SetInput(1040, boolSingles({true, false, true, false}));
+  const OutputResult out = Evaluate(L"Quillix_slins", r, 2010);
   ExpectPoints(PointsOf(out, 0), {{0, 0, 0}, {1.5f, 0, 0}, {3, 0, 0}});
   ExpectPoints(PointsOf(out, 1), {{0, 0, 0}, {1, 0.1f, 0}, {2, 0, 0}, {3, 0, 0}});
   ExpectPoints(PointsOf(out, 2), {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}});
@@ -42,16 +42,16 @@ TEST(SlinsNode, ConstantInputsBatchesAndUnknownPorts) {
   const Points line{{0, 0, 0}, {1, 0.2f, 0}, {2, 0, 0}, {3, 2, 0}};
   EvaluationRequest r;
   r.elements = 3;
-  r.setInput(1010, PointArrays({line}).asConstant());
-  r.setInput(1020, PortValues::singles<float>({0.5f}).asConstant());
+  r.SetInput(1010, PointArrays({line}).AsConstant());
+  r.SetInput(1020, PortValues::Singles<float>({0.5f}).AsConstant());
   r.batch = std::vector<ULONG>{0, 2};
-  OutputResult out = evaluate(L"Quillix_slins", r, 2010);
-  EXPECT_TRUE(out.values.wasWritten(0));
-  EXPECT_FALSE(out.values.wasWritten(1));
+  OutputResult out = Evaluate(L"Quillix_slins", r, 2010);
+  EXPECT_TRUE(out.values.WasWritten(0));
+  EXPECT_FALSE(out.values.WasWritten(1));
   ExpectPoints(PointsOf(out, 2), {{0, 0, 0}, {2, 0, 0}, {3, 2, 0}});
-  out = evaluate(L"Quillix_slins", r, 2020);
+  out = Evaluate(L"Quillix_slins", r, 2020);
   EXPECT_EQ(out.status, 0u);
-  EXPECT_FALSE(out.values.wasWritten(0));
+  EXPECT_FALSE(out.values.WasWritten(0));
 }
 
 TEST(SlinsNode, SeveralThreadsGiveTheSameResultsAsOne) {

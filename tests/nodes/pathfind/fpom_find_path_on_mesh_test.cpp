@@ -33,7 +33,7 @@ Ints Description(const testing::PlainMesh& mesh) {
 PortValues Positions(const testing::PlainMesh& mesh) {
   std::vector<XSI::MATH::CVector3f> points;
   for (const Vec3f& p : mesh.positions) points.emplace_back(p.x, p.y, p.z);
-  return PortValues::arraysOf<XSI::MATH::CVector3f>({points}).asConstant();
+  return PortValues::ArraysOf<XSI::MATH::CVector3f>({points}).AsConstant();
 }
 
 // Bools one byte each (std::vector<bool> has no data()).
@@ -41,14 +41,14 @@ PortValues BoolArray(std::initializer_list<int> values) {
   PortValues p;
   p.type = XSI::siICENodeDataBool;
   p.array = true;
-  p.resize(1);
+  p.Resize(1);
   for (int v : values) p.arrays[0].push_back(std::byte(v != 0));
-  return p.asConstant();
+  return p.AsConstant();
 }
 PortValues BoolSingles(std::initializer_list<int> values) {
   PortValues p;
   p.type = XSI::siICENodeDataBool;
-  p.resize(ULONG(values.size()));
+  p.Resize(ULONG(values.size()));
   std::size_t i = 0;
   for (int v : values) p.flat[i++] = std::byte(v != 0);
   return p;
@@ -58,32 +58,32 @@ PortValues BoolSingles(std::initializer_list<int> values) {
 class FpomNode : public ::testing::Test {
  protected:
   void SetUp() override {
-    takeLog();
-    instance_ = std::make_unique<xsihost::NodeInstance>(plugin(), *nodeDefinition(L"Quillix_fpom"));
+    TakeLog();
+    instance_ = std::make_unique<xsihost::NodeInstance>(Plugin(), *NodeDefinition(L"Quillix_fpom"));
     request_.elements = 1;
     setMesh(testing::QuadGrid(2, 2));  // 3 × 3 vertices
     setInit({{0, 8}});
   }
 
   void setMesh(const testing::PlainMesh& mesh) {
-    request_.setInput(kPositions, Positions(mesh));
-    request_.setInput(kDescription,
-                      PortValues::arraysOf<XSI::LONG>({Description(mesh)}).asConstant());
+    request_.SetInput(kPositions, Positions(mesh));
+    request_.SetInput(kDescription,
+                      PortValues::ArraysOf<XSI::LONG>({Description(mesh)}).AsConstant());
   }
   void setInit(const std::vector<Ints>& init) {
     request_.elements = ULONG(init.size());
-    request_.setInput(kInit, PortValues::arraysOf<XSI::LONG>(init));
+    request_.SetInput(kInit, PortValues::ArraysOf<XSI::LONG>(init));
   }
   std::vector<Ints> run() {
-    const auto results = instance_->evaluate(request_, {kReturn, kPaths});
-    returnValue_ = results[0].values.single<XSI::LONG>(0);
+    const auto results = instance_->Evaluate(request_, {kReturn, kPaths});
+    returnValue_ = results[0].values.Single<XSI::LONG>(0);
     std::vector<Ints> paths;
     for (ULONG i = 0; i < results[1].values.count; ++i)
-      paths.push_back(results[1].values.arrayAt<XSI::LONG>(i));
+      paths.push_back(results[1].values.ArrayAt<XSI::LONG>(i));
     return paths;
   }
   std::string prefix() const {
-    return "Quillix_fpom(" + std::to_string(instance_->objectID()) + "): ";
+    return "Quillix_fpom(" + std::to_string(instance_->ObjectID()) + "): ";
   }
   std::wstring wide(const std::string& s) const { return {s.begin(), s.end()}; }
 
@@ -94,13 +94,13 @@ class FpomNode : public ::testing::Test {
 
 TEST_F(FpomNode, InitLogsVersionLinesAndTermLogsWithThePrefix) {
   run();
-  const std::vector<LogLine> log = takeLog();
+  const std::vector<LogLine> log = TakeLog();
   ASSERT_EQ(log.size(), 2u);
   EXPECT_EQ(log[0], (LogLine{32, L"Quillix_fpom_Init_Init() version 1.9 called,"}));
   EXPECT_EQ(log[1],
             (LogLine{32, L"built with XSISDK_VERSION = 12000, XSISDK_VERSION_NAME = \"2014\"."}));
-  instance_->terminate();
-  EXPECT_EQ(takeLog(), (std::vector<LogLine>{{32, wide(prefix() + "Sarnoth5_Term() called")}}));
+  instance_->Terminate();
+  EXPECT_EQ(TakeLog(), (std::vector<LogLine>{{32, wide(prefix() + "Sarnoth5_Term() called")}}));
 }
 
 TEST_F(FpomNode, ChainedPathsPerElementWithoutRepeatingTheJointVertex) {
@@ -113,10 +113,10 @@ TEST_F(FpomNode, ChainedPathsPerElementWithoutRepeatingTheJointVertex) {
   EXPECT_EQ(paths[3], (Ints{0, 1}));
   EXPECT_EQ(paths[4], Ints{});  // equal consecutive indices empty the whole element
   // Algorithm 1 is refused per element, silently.
-  request_.setInput(kAlgorithm, PortValues::singles<XSI::LONG>({1}).asConstant());
+  request_.SetInput(kAlgorithm, PortValues::Singles<XSI::LONG>({1}).AsConstant());
   for (const Ints& path : run()) EXPECT_TRUE(path.empty());
   EXPECT_EQ(returnValue_, 0);
-  takeLog();
+  TakeLog();
 }
 
 TEST_F(FpomNode, ThreeInitIndicesGiveBothSegmentsJoinedOnce) {
@@ -129,33 +129,33 @@ TEST_F(FpomNode, ThreeInitIndicesGiveBothSegmentsJoinedOnce) {
   joined.insert(joined.end(), paths[2].begin() + 1, paths[2].end());
   EXPECT_EQ(paths[0], joined);
   EXPECT_EQ(std::count(paths[0].begin(), paths[0].end(), 9), 1);
-  takeLog();
+  TakeLog();
 }
 
 TEST_F(FpomNode, DisabledNodeReturnsMinusTwoEmptyPathsAndLogsNothing) {
   run();
-  takeLog();
-  request_.setInput(kEnable, BoolSingles({0}).asConstant());
+  TakeLog();
+  request_.SetInput(kEnable, BoolSingles({0}).AsConstant());
   const std::vector<Ints> paths = run();
   EXPECT_EQ(returnValue_, -2);
   EXPECT_TRUE(paths[0].empty());
-  EXPECT_TRUE(takeLog().empty());
+  EXPECT_TRUE(TakeLog().empty());
   // Enabled per element: only the enabled elements search.
   setInit({{0, 2}, {0, 6}});
-  request_.setInput(kEnable, BoolSingles({0, 1}));
+  request_.SetInput(kEnable, BoolSingles({0, 1}));
   const std::vector<Ints> some = run();
   EXPECT_TRUE(some[0].empty());
   EXPECT_EQ(some[1], (Ints{0, 3, 6}));
 }
 
 TEST_F(FpomNode, RebuildsOnlyWhenPositionsOrDescriptionChange) {
-  request_.setInput(kVerbose, PortValues::singles<XSI::LONG>({2}).asConstant());
+  request_.SetInput(kVerbose, PortValues::Singles<XSI::LONG>({2}).AsConstant());
   request_.time = 3.0;
   run();
-  std::vector<LogLine> log = takeLog();
+  std::vector<LogLine> log = TakeLog();
   ASSERT_EQ(log.size(), 2u + 5u);
   EXPECT_EQ(log[2].text,
-            wide("Quillix_fpom(" + std::to_string(instance_->objectID()) + ")__f=3__"));
+            wide("Quillix_fpom(" + std::to_string(instance_->ObjectID()) + ")__f=3__"));
   EXPECT_EQ(log[3].text.rfind(wide(prefix() + "    build geometry time:               "), 0), 0u);
   EXPECT_EQ(log[3].text.substr(log[3].text.size() - 3), L" ms");
   EXPECT_EQ(log[4].text, wide(prefix() + "    #vertices: 9"));
@@ -164,26 +164,26 @@ TEST_F(FpomNode, RebuildsOnlyWhenPositionsOrDescriptionChange) {
 
   // Same inputs, same time: nothing happens at all.
   run();
-  EXPECT_TRUE(takeLog().empty());
+  EXPECT_TRUE(TakeLog().empty());
   // A new time or a changed algorithm / init list: no rebuild (no build lines).
   request_.time = 4.0;
   run();
-  EXPECT_EQ(takeLog().size(), 2u);
+  EXPECT_EQ(TakeLog().size(), 2u);
   setInit({{2, 6}});
   EXPECT_EQ(run()[0], (Ints{2, 1, 0, 3, 6}));
-  EXPECT_EQ(takeLog().size(), 2u);
+  EXPECT_EQ(TakeLog().size(), 2u);
   // New positions: rebuilt.
   testing::PlainMesh moved = testing::QuadGrid(2, 2);
   moved.positions[1].y = 5.0f;  // a detour: the way along the bottom row gets long
   setMesh(moved);
   EXPECT_EQ(run()[0], (Ints{2, 5, 4, 3, 6}));
-  EXPECT_EQ(takeLog().size(), 5u);
+  EXPECT_EQ(TakeLog().size(), 5u);
 }
 
 TEST_F(FpomNode, WrongSizedFlagsWarnAndAreIgnoredRightSizedFlagsBlock) {
-  request_.setInput(kFlags, BoolArray({1, 1, 1, 1, 1, 1, 1}));
+  request_.SetInput(kFlags, BoolArray({1, 1, 1, 1, 1, 1, 1}));
   EXPECT_EQ(run()[0], (Ints{0, 1, 2, 5, 8}));
-  std::vector<LogLine> log = takeLog();
+  std::vector<LogLine> log = TakeLog();
   ASSERT_EQ(log.size(), 3u);
   EXPECT_EQ(
       log[2],
@@ -192,9 +192,9 @@ TEST_F(FpomNode, WrongSizedFlagsWarnAndAreIgnoredRightSizedFlagsBlock) {
                   "    vertex flag array has wrong size... it's size is 7, but it should be 9.")}));
 
   // Blocking vertices 1 and 4 sends the path around the left and top.
-  request_.setInput(kFlags, BoolArray({1, 0, 1, 1, 0, 1, 1, 1, 1}));
+  request_.SetInput(kFlags, BoolArray({1, 0, 1, 1, 0, 1, 1, 1, 1}));
   EXPECT_EQ(run()[0], (Ints{0, 3, 6, 7, 8}));
-  EXPECT_TRUE(takeLog().empty());
+  EXPECT_TRUE(TakeLog().empty());
 }
 
 TEST_F(FpomNode, PolygonOfExactly255VerticesFailsWith101AndLogsTwoErrors) {
@@ -208,14 +208,14 @@ TEST_F(FpomNode, PolygonOfExactly255VerticesFailsWith101AndLogsTwoErrors) {
   const std::vector<Ints> paths = run();
   EXPECT_EQ(returnValue_, -2);
   EXPECT_TRUE(paths[0].empty());
-  const std::vector<LogLine> log = takeLog();
+  const std::vector<LogLine> log = TakeLog();
   ASSERT_EQ(log.size(), 4u);
   EXPECT_EQ(log[2], (LogLine{2, wide(prefix() + "(*ud.geo).Set() failed.")}));
   EXPECT_EQ(log[3],
             (LogLine{2, wide(prefix() + "error 101: a polygon has more than 255 vertices.\".")}));
   // The same failure is not repeated while nothing changes.
   run();
-  EXPECT_TRUE(takeLog().empty());
+  EXPECT_TRUE(TakeLog().empty());
   EXPECT_EQ(returnValue_, -2);
   // 254 corners are fine.
   big.sizes = {254};
@@ -239,7 +239,7 @@ TEST_F(FpomNode, ManyElementsOnTwoThreadsMatchOneThread) {
   int nonEmpty = 0;
   for (const Ints& p : two) nonEmpty += !p.empty();
   EXPECT_GT(nonEmpty, 250);
-  takeLog();
+  TakeLog();
 }
 
 }  // namespace

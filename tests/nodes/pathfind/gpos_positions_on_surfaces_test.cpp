@@ -39,20 +39,20 @@ class GposNode : public ::testing::Test {
     std::string error;
     auto scene = xsihost::ParseSceneText(kScene, ".", "gpos test scene", error);
     ASSERT_TRUE(scene) << error;
-    xsihost::setActiveScene(scene);
-    takeLog();
+    xsihost::SetActiveScene(scene);
+    TakeLog();
   }
-  void TearDown() override { xsihost::setActiveScene(std::make_shared<xsihost::Scene>()); }
+  void TearDown() override { xsihost::SetActiveScene(std::make_shared<xsihost::Scene>()); }
 
   std::vector<XSI::MATH::CVector3f> run(const std::vector<std::wstring>& names,
                                         const std::vector<XSI::MATH::CMatrix4f>& transforms,
                                         float lod, XSI::LONG mode) {
     EvaluationRequest r;
-    r.setInput(kNames, PortValues::strings2D({names}));
-    r.setInput(kTransforms, PortValues::arraysOf<XSI::MATH::CMatrix4f>({transforms}));
-    r.setInput(kLod, PortValues::singles<float>({lod}));
-    r.setInput(kMode, PortValues::singles<XSI::LONG>({mode}));
-    return evaluate(L"Quillix_gpos", r, kPositions).values.arrayAt<XSI::MATH::CVector3f>(0);
+    r.SetInput(kNames, PortValues::Strings2D({names}));
+    r.SetInput(kTransforms, PortValues::ArraysOf<XSI::MATH::CMatrix4f>({transforms}));
+    r.SetInput(kLod, PortValues::Singles<float>({lod}));
+    r.SetInput(kMode, PortValues::Singles<XSI::LONG>({mode}));
+    return Evaluate(L"Quillix_gpos", r, kPositions).values.ArrayAt<XSI::MATH::CVector3f>(0);
   }
 };
 
@@ -62,7 +62,7 @@ TEST_F(GposNode, VertexModePlacesTheMeshVerticesByTheTransform) {
   EXPECT_EQ(points[2].GetX(), 12.0f);
   EXPECT_EQ(points[2].GetY(), 2.0f);
   EXPECT_EQ(points[2].GetZ(), 5.0f);
-  EXPECT_TRUE(takeLog().empty());
+  EXPECT_TRUE(TakeLog().empty());
 }
 
 TEST_F(GposNode, RandomAndBlueNoiseStayOnTheSurfaceAndRepeat) {
@@ -88,7 +88,7 @@ TEST_F(GposNode, MissingAmbiguousAndNonMeshObjectsAreLoggedAndSkipped) {
       run({L"nothing", L"marker", L"plane"},
           {Translation(0, 0, 0), Translation(0, 0, 0), Translation(0, 0, 0)}, 1.0f, 0);
   EXPECT_EQ(points.size(), 5u);
-  const std::vector<LogLine> log = takeLog();
+  const std::vector<LogLine> log = TakeLog();
   ASSERT_EQ(log.size(), 2u);
   EXPECT_EQ(log[0], (LogLine{2,
                              L"Quillix: failed to get input geometry: error 176: FindChild2() "
@@ -101,7 +101,7 @@ TEST_F(GposNode, MissingAmbiguousAndNonMeshObjectsAreLoggedAndSkipped) {
   EXPECT_TRUE(run({L"plane"}, {}, 1.0f, 0).empty());
   EXPECT_TRUE(run({L"plane"}, {Translation(0, 0, 0)}, 1.0f, 7).empty());
   EXPECT_EQ(
-      takeLog(),
+      TakeLog(),
       (std::vector<LogLine>{{2, L"Quillix: QRVGeometry::GeneratePositionsFromSurface() failed."}}));
 }
 

@@ -25,18 +25,18 @@ TEST(IotmbNode, MovingBoxesGiveContactTimes) {
   const CMatrix4f resting = HostTranslation({0, 0, 0});
   const Matrices movers{Moving({5, 0, 0}, {-10, 0, 0}), Moving({5, 0, 0}, {10, 0, 0}),
                         Moving({5, 0, 0}, {-2, 0, 0}), resting};
-  const auto out = evaluate(kNode,
-                            PairRequest(PortValues::singles(Matrices{resting}),
-                                        PortValues::arraysOf(std::vector<Matrices>{movers}), 1),
+  const auto out = Evaluate(kNode,
+                            PairRequest(PortValues::Singles(Matrices{resting}),
+                                        PortValues::ArraysOf(std::vector<Matrices>{movers}), 1),
                             kResultPort);
-  EXPECT_EQ(out.values.arrayAt<float>(0), (std::vector<float>{0.5f, -1.0f, 2.5f, 0.0f}));
+  EXPECT_EQ(out.values.ArrayAt<float>(0), (std::vector<float>{0.5f, -1.0f, 2.5f, 0.0f}));
   // Head-on along one line: missed directly, found at the first overlapping sub-step when the
   // two counts (2 and 3) round to depth 3.
   const auto headOn = [](float countA, float countB) {
-    return evaluate(
+    return Evaluate(
         kNode,
-        PairRequest(PortValues::singles(Matrices{Moving({-5, 0, 0}, {10, 0, 0}, countA)}),
-                    PortValues::singles(Matrices{Moving({5, 0, 0}, {-10, 0, 0}, countB)}), 1),
+        PairRequest(PortValues::Singles(Matrices{Moving({-5, 0, 0}, {10, 0, 0}, countA)}),
+                    PortValues::Singles(Matrices{Moving({5, 0, 0}, {-10, 0, 0}, countB)}), 1),
         kResultPort);
   };
   EXPECT_EQ(Singles<float>(headOn(0, 0)), (std::vector<float>{-1.0f}));

@@ -30,8 +30,8 @@ inline CMatrix4f HostTranslation(Vec3f at) { return Host(quillix::testing::Trans
 inline EvaluationRequest PairRequest(PortValues a, PortValues b, ULONG elements) {
   EvaluationRequest r;
   r.elements = elements;
-  r.setInput(kMatrixAPort, std::move(a));
-  r.setInput(kMatrixBPort, std::move(b));
+  r.SetInput(kMatrixAPort, std::move(a));
+  r.SetInput(kMatrixBPort, std::move(b));
   return r;
 }
 
@@ -39,26 +39,26 @@ inline EvaluationRequest PairRequest(PortValues a, PortValues b, ULONG elements)
 template <class T>
 std::vector<T> Singles(const OutputResult& out) {
   std::vector<T> v;
-  for (ULONG i = 0; i < out.values.count; ++i) v.push_back(out.values.single<T>(i));
+  for (ULONG i = 0; i < out.values.count; ++i) v.push_back(out.values.Single<T>(i));
   return v;
 }
 
 // `node` writes exactly the elements of its batch, nothing for an unknown output port, and
 // nothing when the host cannot report either matrix input's structure.
 inline void ExpectWritesOnlyTheBatchAndNothingOnFailedQueries(const wchar_t* node) {
-  auto r = PairRequest(PortValues::singles(Matrices(4, HostTranslation({0, 0, 0}))),
-                       PortValues::singles(Matrices(4, HostTranslation({1, 0, 0}))), 4);
+  auto r = PairRequest(PortValues::Singles(Matrices(4, HostTranslation({0, 0, 0}))),
+                       PortValues::Singles(Matrices(4, HostTranslation({1, 0, 0}))), 4);
   r.batch = std::vector<ULONG>{0, 2};
-  auto out = evaluate(node, r, kResultPort);
-  EXPECT_TRUE(out.values.wasWritten(0) && out.values.wasWritten(2));
-  EXPECT_FALSE(out.values.wasWritten(1) || out.values.wasWritten(3));
+  auto out = Evaluate(node, r, kResultPort);
+  EXPECT_TRUE(out.values.WasWritten(0) && out.values.WasWritten(2));
+  EXPECT_FALSE(out.values.WasWritten(1) || out.values.WasWritten(3));
   r.batch.reset();
-  EXPECT_EQ(evaluate(node, r, 2020).values.count, 0u);
+  EXPECT_EQ(Evaluate(node, r, 2020).values.count, 0u);
   for (ULONG failing : {kMatrixAPort, kMatrixBPort}) {
     r.failingPortInfo = {failing};
-    out = evaluate(node, r, kResultPort);
+    out = Evaluate(node, r, kResultPort);
     EXPECT_EQ(out.status, 0u);
-    for (ULONG i = 0; i < 4; ++i) EXPECT_FALSE(out.values.wasWritten(i));
+    for (ULONG i = 0; i < 4; ++i) EXPECT_FALSE(out.values.WasWritten(i));
   }
 }
 
@@ -79,12 +79,12 @@ inline void ExpectManyThreadsGiveTheSingleThreadedResults(const wchar_t* node) {
     a[i] = Host(ma);
     b[i] = Host(mb);
   }
-  auto r = PairRequest(PortValues::singles(a), PortValues::singles(b), n);
+  auto r = PairRequest(PortValues::Singles(a), PortValues::Singles(b), n);
   r.batchSize = 50;
   r.threads = 1;
-  const auto single = evaluate(node, r, kResultPort);
+  const auto single = Evaluate(node, r, kResultPort);
   r.threads = 4;
-  const auto threaded = evaluate(node, r, kResultPort);
+  const auto threaded = Evaluate(node, r, kResultPort);
   EXPECT_EQ(single.values.flat, threaded.values.flat);
 }
 

@@ -36,9 +36,9 @@ class OtosNode : public ::testing::Test {
     std::string error;
     auto scene = xsihost::ParseSceneText(kScene, ".", "otos test scene", error);
     ASSERT_TRUE(scene) << error;
-    xsihost::setActiveScene(scene);
+    xsihost::SetActiveScene(scene);
   }
-  void TearDown() override { xsihost::setActiveScene(std::make_shared<xsihost::Scene>()); }
+  void TearDown() override { xsihost::SetActiveScene(std::make_shared<xsihost::Scene>()); }
 };
 
 CMatrix4f Placed(float sx, float sy, float sz, float x, float y, float z) {
@@ -51,13 +51,13 @@ std::vector<CVector4f> Spheres(const std::vector<std::wstring>& names,
   EvaluationRequest r;
   r.elements = 1;
   r.time = time;
-  r.setInput(kNames, PortValues::strings2D({names}));
-  r.setInput(kTransforms, PortValues::arraysOf(std::vector<std::vector<CMatrix4f>>{matrices}));
-  r.setInput(kScale, PortValues::singles<float>({scale}));
-  r.setInput(kBoneScale, PortValues::singles<float>({boneScale}));
-  const OutputResult out = evaluate(L"Quillix_otos", r, kSpheres);
-  EXPECT_TRUE(out.values.wasWritten(0));
-  return out.values.arrayAt<CVector4f>(0);
+  r.SetInput(kNames, PortValues::Strings2D({names}));
+  r.SetInput(kTransforms, PortValues::ArraysOf(std::vector<std::vector<CMatrix4f>>{matrices}));
+  r.SetInput(kScale, PortValues::Singles<float>({scale}));
+  r.SetInput(kBoneScale, PortValues::Singles<float>({boneScale}));
+  const OutputResult out = Evaluate(L"Quillix_otos", r, kSpheres);
+  EXPECT_TRUE(out.values.WasWritten(0));
+  return out.values.ArrayAt<CVector4f>(0);
 }
 
 TEST_F(OtosNode, OneSpherePerObjectSizedByTypeParameterAndScaling) {
@@ -100,7 +100,7 @@ TEST_F(OtosNode, SkipsUnknownNamesAndEmptiesOnMismatchedInputs) {
       Spheres({L"ball", L"crate", L"marker"}, {Placed(1, 1, 1, 0, 0, 0), Placed(1, 1, 1, 0, 0, 0)})
           .empty());
   EXPECT_TRUE(Spheres({}, {}).empty());
-  EXPECT_TRUE(takeLog().empty());
+  EXPECT_TRUE(TakeLog().empty());
 }
 
 }  // namespace

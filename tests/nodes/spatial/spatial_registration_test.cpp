@@ -71,7 +71,7 @@ std::vector<Node> ExpectedNodes() {
 TEST(SpatialRegistration, EveryNodeRegistersExactlyItsPortTable) {
   for (const Node& node : ExpectedNodes()) {
     SCOPED_TRACE(std::string(node.name, node.name + std::wcslen(node.name)));
-    const auto* definition = nodeDefinition(node.name);
+    const auto* definition = NodeDefinition(node.name);
     ASSERT_NE(definition, nullptr);
     EXPECT_TRUE(definition->registered);
     EXPECT_EQ(definition->threadingModel, node.threadingModel);
@@ -92,12 +92,12 @@ TEST(SpatialRegistration, EveryNodeRegistersExactlyItsPortTable) {
       EXPECT_EQ(FieldsOf(definition->outputs[i]), node.outputs[i]);
     }
   }
-  EXPECT_EQ(xsihost::failedAssertions(), 0u);
+  EXPECT_EQ(xsihost::FailedAssertions(), 0u);
 }
 
 TEST(SpatialRegistration, NodesAreRegisteredInCatalogueOrder) {
   std::vector<std::wstring> registered;
-  for (const auto& node : plugin().record().nodes) {
+  for (const auto& node : Plugin().Record().nodes) {
     for (const Node& expected : ExpectedNodes()) {
       if (node->name == expected.name) registered.push_back(node->name);
     }

@@ -12,7 +12,7 @@ TEST(BoolsToStringNode, JoinsItsInstancesInOrder) {
   const auto bools = instancesOf(
       2, kInput,
       {boolSingles({false, true}), boolSingles({true, true}), boolArrays({{true, true}, {}})});
-  EXPECT_EQ(writtenStrings(evaluate(L"Quillix_btoa2", bools, kResult)),
+  EXPECT_EQ(writtenStrings(Evaluate(L"Quillix_btoa2", bools, kResult)),
             (Written<std::wstring>{L"0,1,<1,1>", L"1,1,0"}));
 }
 

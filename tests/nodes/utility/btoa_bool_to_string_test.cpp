@@ -10,7 +10,7 @@ constexpr ULONG kInput = 1010, kResult = 2010;
 using Texts = Written<std::wstring>;
 
 Texts Text(const EvaluationRequest& request) {
-  return writtenStrings(evaluate(L"Quillix_btoa", request, kResult));
+  return writtenStrings(Evaluate(L"Quillix_btoa", request, kResult));
 }
 
 TEST(BoolToStringNode, RendersMoreThanOneEntryInBrackets) {

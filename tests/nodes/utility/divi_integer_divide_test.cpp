@@ -14,21 +14,21 @@ using Ints = std::vector<XSI::LONG>;
 EvaluationRequest Request(PortValues value, PortValues divisor, ULONG elements) {
   EvaluationRequest r;
   r.elements = elements;
-  r.setInput(kValue, std::move(value));
-  r.setInput(kDivideBy, std::move(divisor));
+  r.SetInput(kValue, std::move(value));
+  r.SetInput(kDivideBy, std::move(divisor));
   return r;
 }
 
 Ints Singles(const OutputResult& out) {
   Ints v;
-  for (ULONG i = 0; i < out.values.count; ++i) v.push_back(out.values.single<XSI::LONG>(i));
+  for (ULONG i = 0; i < out.values.count; ++i) v.push_back(out.values.Single<XSI::LONG>(i));
   return v;
 }
 
 TEST(DiviNode, SingleValuesGiveTruncatedQuotientAndRemainder) {
-  const auto r = Request(PortValues::singles<XSI::LONG>({7, -7, 7, -7, 5}),
-                         PortValues::singles<XSI::LONG>({2, 2, -2, -2, 0}), 5);
-  const auto results = evaluate(L"Quillix_divi", r, {kResult, kRemainder});
+  const auto r = Request(PortValues::Singles<XSI::LONG>({7, -7, 7, -7, 5}),
+                         PortValues::Singles<XSI::LONG>({2, 2, -2, -2, 0}), 5);
+  const auto results = Evaluate(L"Quillix_divi", r, {kResult, kRemainder});
   ASSERT_EQ(results.size(), 2u);
   EXPECT_EQ(Singles(results[0]), (Ints{3, -3, -3, 3, 0}));
   EXPECT_EQ(Singles(results[1]), (Ints{1, -1, 1, -1, 0}));
@@ -36,67 +36,67 @@ TEST(DiviNode, SingleValuesGiveTruncatedQuotientAndRemainder) {
 
 TEST(DiviNode, ArrayPathsFollowTheShorterOrTheArrayInput) {
   // array × array: length of the shorter.
-  auto out = evaluate(L"Quillix_divi",
-                      Request(PortValues::arraysOf<XSI::LONG>({{10, 11, 12, 13, 14}}),
-                              PortValues::arraysOf<XSI::LONG>({{3, 0, -5}}), 1),
+  auto out = Evaluate(L"Quillix_divi",
+                      Request(PortValues::ArraysOf<XSI::LONG>({{10, 11, 12, 13, 14}}),
+                              PortValues::ArraysOf<XSI::LONG>({{3, 0, -5}}), 1),
                       kResult);
-  EXPECT_EQ(out.values.arrayAt<XSI::LONG>(0), (Ints{3, 0, -2}));
+  EXPECT_EQ(out.values.ArrayAt<XSI::LONG>(0), (Ints{3, 0, -2}));
   // array × single and single × array.
-  out = evaluate(L"Quillix_divi",
-                 Request(PortValues::arraysOf<XSI::LONG>({{9, -9}, {}}),
-                         PortValues::singles<XSI::LONG>({4, 4}), 2),
+  out = Evaluate(L"Quillix_divi",
+                 Request(PortValues::ArraysOf<XSI::LONG>({{9, -9}, {}}),
+                         PortValues::Singles<XSI::LONG>({4, 4}), 2),
                  kRemainder);
-  EXPECT_EQ(out.values.arrayAt<XSI::LONG>(0), (Ints{1, -1}));
-  EXPECT_TRUE(out.values.wasWritten(1));
-  EXPECT_TRUE(out.values.arrayAt<XSI::LONG>(1).empty());
-  out = evaluate(L"Quillix_divi",
-                 Request(PortValues::singles<XSI::LONG>({100}),
-                         PortValues::arraysOf<XSI::LONG>({{3, 0, -7}}), 1),
+  EXPECT_EQ(out.values.ArrayAt<XSI::LONG>(0), (Ints{1, -1}));
+  EXPECT_TRUE(out.values.WasWritten(1));
+  EXPECT_TRUE(out.values.ArrayAt<XSI::LONG>(1).empty());
+  out = Evaluate(L"Quillix_divi",
+                 Request(PortValues::Singles<XSI::LONG>({100}),
+                         PortValues::ArraysOf<XSI::LONG>({{3, 0, -7}}), 1),
                  kResult);
-  EXPECT_EQ(out.values.arrayAt<XSI::LONG>(0), (Ints{33, 0, -14}));
+  EXPECT_EQ(out.values.ArrayAt<XSI::LONG>(0), (Ints{33, 0, -14}));
 }
 
 TEST(DiviNode, ConstantInputEqualsRepeatedValue) {
-  const auto constant = evaluate(L"Quillix_divi",
-                                 Request(PortValues::singles<XSI::LONG>({1, 2, 3, 4}),
-                                         PortValues::singles<XSI::LONG>({3}).asConstant(), 4),
+  const auto constant = Evaluate(L"Quillix_divi",
+                                 Request(PortValues::Singles<XSI::LONG>({1, 2, 3, 4}),
+                                         PortValues::Singles<XSI::LONG>({3}).AsConstant(), 4),
                                  kResult);
-  const auto repeated = evaluate(L"Quillix_divi",
-                                 Request(PortValues::singles<XSI::LONG>({1, 2, 3, 4}),
-                                         PortValues::singles<XSI::LONG>({3, 3, 3, 3}), 4),
+  const auto repeated = Evaluate(L"Quillix_divi",
+                                 Request(PortValues::Singles<XSI::LONG>({1, 2, 3, 4}),
+                                         PortValues::Singles<XSI::LONG>({3, 3, 3, 3}), 4),
                                  kResult);
   EXPECT_EQ(Singles(constant), Singles(repeated));
   const auto constantArray =
-      evaluate(L"Quillix_divi",
-               Request(PortValues::arraysOf<XSI::LONG>({{6, 7}}).asConstant(),
-                       PortValues::singles<XSI::LONG>({2, -2}), 2),
+      Evaluate(L"Quillix_divi",
+               Request(PortValues::ArraysOf<XSI::LONG>({{6, 7}}).AsConstant(),
+                       PortValues::Singles<XSI::LONG>({2, -2}), 2),
                kResult);
-  EXPECT_EQ(constantArray.values.arrayAt<XSI::LONG>(0), (Ints{3, 3}));
-  EXPECT_EQ(constantArray.values.arrayAt<XSI::LONG>(1), (Ints{-3, -3}));
+  EXPECT_EQ(constantArray.values.ArrayAt<XSI::LONG>(0), (Ints{3, 3}));
+  EXPECT_EQ(constantArray.values.ArrayAt<XSI::LONG>(1), (Ints{-3, -3}));
 }
 
 TEST(DiviNode, WritesOnlyTheBatchAndNothingForUnknownPortsOrFailedQueries) {
-  auto r = Request(PortValues::singles<XSI::LONG>({7, 7, 7, 7}),
-                   PortValues::singles<XSI::LONG>({2, 2, 2, 2}), 4);
+  auto r = Request(PortValues::Singles<XSI::LONG>({7, 7, 7, 7}),
+                   PortValues::Singles<XSI::LONG>({2, 2, 2, 2}), 4);
   r.batch = std::vector<ULONG>{1, 3};
-  auto out = evaluate(L"Quillix_divi", r, kResult);
-  EXPECT_EQ((std::vector<bool>{out.values.wasWritten(0), out.values.wasWritten(1),
-                               out.values.wasWritten(2), out.values.wasWritten(3)}),
+  auto out = Evaluate(L"Quillix_divi", r, kResult);
+  EXPECT_EQ((std::vector<bool>{out.values.WasWritten(0), out.values.WasWritten(1),
+                               out.values.WasWritten(2), out.values.WasWritten(3)}),
             (std::vector<bool>{false, true, false, true}));
 
   r.batch.reset();
-  EXPECT_EQ(evaluate(L"Quillix_divi", r, 2030).values.count, 0u);
+  EXPECT_EQ(Evaluate(L"Quillix_divi", r, 2030).values.count, 0u);
   r.failingPortInfo = {kDivideBy};
-  out = evaluate(L"Quillix_divi", r, kResult);
-  for (ULONG i = 0; i < 4; ++i) EXPECT_FALSE(out.values.wasWritten(i));
+  out = Evaluate(L"Quillix_divi", r, kResult);
+  for (ULONG i = 0; i < 4; ++i) EXPECT_FALSE(out.values.WasWritten(i));
   EXPECT_EQ(out.status, 0u);
 }
 
 TEST(DiviNode, OverflowingPairDoesNotFault) {
   const auto out =
-      evaluate(L"Quillix_divi",
-               Request(PortValues::singles<XSI::LONG>({std::numeric_limits<XSI::LONG>::min()}),
-                       PortValues::singles<XSI::LONG>({-1}), 1),
+      Evaluate(L"Quillix_divi",
+               Request(PortValues::Singles<XSI::LONG>({std::numeric_limits<XSI::LONG>::min()}),
+                       PortValues::Singles<XSI::LONG>({-1}), 1),
                {kResult, kRemainder});
   EXPECT_EQ(Singles(out[0]), (Ints{std::numeric_limits<XSI::LONG>::min()}));
   EXPECT_EQ(Singles(out[1]), (Ints{0}));
@@ -109,12 +109,12 @@ TEST(DiviNode, ManyThreadsGiveTheSingleThreadedResult) {
     values[i] = XSI::LONG(i * 7919) - 20000000;
     divisors[i] = XSI::LONG(i % 13) - 6;
   }
-  auto r = Request(PortValues::singles(values), PortValues::singles(divisors), n);
+  auto r = Request(PortValues::Singles(values), PortValues::Singles(divisors), n);
   r.batchSize = 64;
   r.threads = 1;
-  const auto single = evaluate(L"Quillix_divi", r, {kResult, kRemainder});
+  const auto single = Evaluate(L"Quillix_divi", r, {kResult, kRemainder});
   r.threads = 4;
-  const auto threaded = evaluate(L"Quillix_divi", r, {kResult, kRemainder});
+  const auto threaded = Evaluate(L"Quillix_divi", r, {kResult, kRemainder});
   EXPECT_EQ(Singles(single[0]), Singles(threaded[0]));
   EXPECT_EQ(Singles(single[1]), Singles(threaded[1]));
 }

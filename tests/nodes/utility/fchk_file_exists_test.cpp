@@ -13,8 +13,8 @@ namespace {
 constexpr ULONG kFilepath = 1010, kFileExists = 2010;
 
 Written<bool> FileExists(const std::wstring& path) {
-  return writtenSingles<bool>(evaluate(
-      L"Quillix_fchk", requestOf(1, {{kFilepath, PortValues::strings1D({path})}}), kFileExists));
+  return writtenSingles<bool>(Evaluate(
+      L"Quillix_fchk", requestOf(1, {{kFilepath, PortValues::Strings1D({path})}}), kFileExists));
 }
 
 TEST(FileExistsNode, AnswersWhetherThePathOpensForReading) {
@@ -31,9 +31,9 @@ TEST(FileExistsNode, AnswersWhetherThePathOpensForReading) {
 }
 
 TEST(FileExistsNode, UnconnectedPathAndUnknownPortWriteFalseAndNothing) {
-  EXPECT_EQ(writtenSingles<bool>(evaluate(L"Quillix_fchk", requestOf(1, {}), kFileExists)),
+  EXPECT_EQ(writtenSingles<bool>(Evaluate(L"Quillix_fchk", requestOf(1, {}), kFileExists)),
             (Written<bool>{false}));
-  EXPECT_EQ(evaluate(L"Quillix_fchk", requestOf(1, {}), 2020).values.count, 0u);
+  EXPECT_EQ(Evaluate(L"Quillix_fchk", requestOf(1, {}), 2020).values.count, 0u);
 }
 
 }  // namespace

@@ -9,8 +9,8 @@ namespace {
 constexpr ULONG kInput = 1010, kResult = 2010;
 
 TEST(FloatsToStringNode, RendersItsOneInstance) {
-  const auto floats = instancesOf(1, kInput, {PortValues::singles<float>({2.5f})});
-  EXPECT_EQ(writtenStrings(evaluate(L"Quillix_ftoa2", floats, kResult)),
+  const auto floats = instancesOf(1, kInput, {PortValues::Singles<float>({2.5f})});
+  EXPECT_EQ(writtenStrings(Evaluate(L"Quillix_ftoa2", floats, kResult)),
             (Written<std::wstring>{L"2.5"}));
 }
 

@@ -10,8 +10,8 @@ constexpr ULONG kInput = 1010, kResult = 2010;
 
 TEST(IntsToStringNode, JoinsItsInstancesInOrder) {
   const auto ints = instancesOf(
-      1, kInput, {PortValues::arraysOf<XSI::LONG>({{1, 2}}), PortValues::singles<XSI::LONG>({-3})});
-  EXPECT_EQ(writtenStrings(evaluate(L"Quillix_itoa2", ints, kResult)),
+      1, kInput, {PortValues::ArraysOf<XSI::LONG>({{1, 2}}), PortValues::Singles<XSI::LONG>({-3})});
+  EXPECT_EQ(writtenStrings(Evaluate(L"Quillix_itoa2", ints, kResult)),
             (Written<std::wstring>{L"<1,2>,-3"}));
 }
 

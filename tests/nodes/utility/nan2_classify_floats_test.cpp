@@ -12,7 +12,7 @@ constexpr ULONG kInput = 1010, kIsNaN = 2010, kPositiveInf = 2020, kNegativeInf 
 
 TEST(FloatClassNode, IntegerNodeReportsANaNOnlyAsNaN) {
   const auto out =
-      evaluate(L"Quillix_nan2", requestOf(8, {{kInput, PortValues::singles(floatClassSamples())}}),
+      Evaluate(L"Quillix_nan2", requestOf(8, {{kInput, PortValues::Singles(floatClassSamples())}}),
                {kIsNaN, kPositiveInf, kNegativeInf});
   ASSERT_EQ(out.size(), 3u);
   using Flags = Written<XSI::LONG>;
@@ -24,11 +24,11 @@ TEST(FloatClassNode, IntegerNodeReportsANaNOnlyAsNaN) {
 TEST(FloatClassNode, IntegerNodeClassifiesArraysEntryByEntry) {
   const float inf = std::numeric_limits<float>::infinity();
   const auto request =
-      requestOf(2, {{kInput, PortValues::arraysOf<float>(
+      requestOf(2, {{kInput, PortValues::ArraysOf<float>(
                                  {{1.0f, std::numeric_limits<float>::quiet_NaN(), -inf}, {}})}});
-  EXPECT_EQ(writtenArrays<XSI::LONG>(evaluate(L"Quillix_nan2", request, kIsNaN)),
+  EXPECT_EQ(writtenArrays<XSI::LONG>(Evaluate(L"Quillix_nan2", request, kIsNaN)),
             (Written<Ints>{Ints{0, 1, 0}, Ints{}}));
-  EXPECT_EQ(writtenArrays<XSI::LONG>(evaluate(L"Quillix_nan2", request, kNegativeInf)),
+  EXPECT_EQ(writtenArrays<XSI::LONG>(Evaluate(L"Quillix_nan2", request, kNegativeInf)),
             (Written<Ints>{Ints{0, 0, 1}, Ints{}}));
 }
 

@@ -10,7 +10,7 @@ constexpr ULONG kInput = 1010, kIsNaN = 2010, kPositiveInf = 2020, kNegativeInf 
 
 TEST(FloatClassNode, BooleanNodeReportsANaNAlsoAsPositiveInfinity) {
   const auto out =
-      evaluate(L"Quillix_nan", requestOf(8, {{kInput, PortValues::singles(floatClassSamples())}}),
+      Evaluate(L"Quillix_nan", requestOf(8, {{kInput, PortValues::Singles(floatClassSamples())}}),
                {kIsNaN, kPositiveInf, kNegativeInf});
   ASSERT_EQ(out.size(), 3u);
   using Bools = Written<bool>;

@@ -26,7 +26,7 @@ inline EvaluationRequest requestOf(ULONG elements,
                                    std::initializer_list<std::pair<ULONG, PortValues>> inputs) {
   EvaluationRequest r;
   r.elements = elements;
-  for (const auto& [port, values] : inputs) r.setInput(port, values);
+  for (const auto& [port, values] : inputs) r.SetInput(port, values);
   return r;
 }
 
@@ -35,7 +35,7 @@ inline EvaluationRequest instancesOf(ULONG elements, ULONG port,
                                      std::vector<PortValues> instances) {
   EvaluationRequest r;
   r.elements = elements;
-  for (ULONG k = 0; k < instances.size(); ++k) r.setInput(port, instances[k], k);
+  for (ULONG k = 0; k < instances.size(); ++k) r.SetInput(port, instances[k], k);
   return r;
 }
 
@@ -43,7 +43,7 @@ inline EvaluationRequest instancesOf(ULONG elements, ULONG port,
 inline PortValues boolSingles(std::initializer_list<bool> values) {
   PortValues p;
   p.type = XSI::siICENodeDataBool;
-  p.resize(static_cast<ULONG>(values.size()));
+  p.Resize(static_cast<ULONG>(values.size()));
   std::size_t i = 0;
   for (bool v : values) std::memcpy(p.flat.data() + i++, &v, 1);
   return p;
@@ -53,7 +53,7 @@ inline PortValues boolArrays(std::initializer_list<std::initializer_list<bool>> 
   PortValues p;
   p.type = XSI::siICENodeDataBool;
   p.array = true;
-  p.resize(static_cast<ULONG>(values.size()));
+  p.Resize(static_cast<ULONG>(values.size()));
   std::size_t i = 0;
   for (const auto& entries : values) {
     for (bool v : entries) p.arrays[i].push_back(std::byte{v});
@@ -66,7 +66,7 @@ template <class T>
 Written<T> writtenSingles(const OutputResult& out) {
   Written<T> values;
   for (ULONG i = 0; i < out.values.count; ++i) {
-    values.push_back(out.values.wasWritten(i) ? std::optional<T>(out.values.single<T>(i))
+    values.push_back(out.values.WasWritten(i) ? std::optional<T>(out.values.Single<T>(i))
                                               : std::nullopt);
   }
   return values;
@@ -76,7 +76,7 @@ template <class T>
 Written<std::vector<T>> writtenArrays(const OutputResult& out) {
   Written<std::vector<T>> values;
   for (ULONG i = 0; i < out.values.count; ++i) {
-    values.push_back(out.values.wasWritten(i) ? std::optional(out.values.arrayAt<T>(i))
+    values.push_back(out.values.WasWritten(i) ? std::optional(out.values.ArrayAt<T>(i))
                                               : std::nullopt);
   }
   return values;
@@ -85,7 +85,7 @@ Written<std::vector<T>> writtenArrays(const OutputResult& out) {
 inline Written<std::wstring> writtenStrings(const OutputResult& out) {
   Written<std::wstring> values;
   for (ULONG i = 0; i < out.values.count; ++i) {
-    values.push_back(out.values.wasWritten(i) ? std::optional(out.values.strings[i])
+    values.push_back(out.values.WasWritten(i) ? std::optional(out.values.strings[i])
                                               : std::nullopt);
   }
   return values;
@@ -94,7 +94,7 @@ inline Written<std::wstring> writtenStrings(const OutputResult& out) {
 inline Written<Strings> writtenStringArrays(const OutputResult& out) {
   Written<Strings> values;
   for (ULONG i = 0; i < out.values.count; ++i) {
-    values.push_back(out.values.wasWritten(i) ? std::optional(out.values.stringArrays[i])
+    values.push_back(out.values.WasWritten(i) ? std::optional(out.values.stringArrays[i])
                                               : std::nullopt);
   }
   return values;
@@ -104,7 +104,7 @@ inline Written<Strings> writtenStringArrays(const OutputResult& out) {
 inline std::vector<ULONG> fixedSizeTypes() {
   std::vector<ULONG> types;
   for (ULONG type = 1; type <= 0x8000; type <<= 1) {
-    if (xsihost::valueSize(type) != 0) types.push_back(type);
+    if (xsihost::ValueSize(type) != 0) types.push_back(type);
   }
   return types;
 }
@@ -118,9 +118,9 @@ inline PortValues threeEntryArray(ULONG type, std::initializer_list<int> order) 
   PortValues values;
   values.type = type;
   values.array = true;
-  values.resize(1);
+  values.Resize(1);
   for (int entry : order) {
-    values.arrays[0].insert(values.arrays[0].end(), xsihost::valueSize(type),
+    values.arrays[0].insert(values.arrays[0].end(), xsihost::ValueSize(type),
                             std::byte(fill[entry]));
   }
   return values;

@@ -9,11 +9,11 @@ namespace {
 constexpr ULONG kActive = 1010, kString = 1620, kResult = 2010;
 
 Ints Pack(std::initializer_list<bool> active, const std::wstring& text) {
-  const auto out = evaluate(
+  const auto out = Evaluate(
       L"Quillix_stoi",
-      requestOf(1, {{kActive, boolSingles(active)}, {kString, PortValues::strings1D({text})}}),
+      requestOf(1, {{kActive, boolSingles(active)}, {kString, PortValues::Strings1D({text})}}),
       kResult);
-  return out.values.wasWritten(0) ? out.values.arrayAt<XSI::LONG>(0) : Ints{};
+  return out.values.WasWritten(0) ? out.values.ArrayAt<XSI::LONG>(0) : Ints{};
 }
 
 const Ints kHeader{-1412571974, 12513024, -237305856, -127000127};
@@ -40,8 +40,8 @@ TEST(PackStringNode, CharactersBeyondEightBitsGoThroughTheHostsNarrowConversion)
 
 TEST(PackStringNode, ActiveDefaultsToTrue) {
   const auto out =
-      evaluate(L"Quillix_stoi", requestOf(1, {{kString, PortValues::strings1D({L"hi"})}}), kResult);
-  EXPECT_EQ(out.values.arrayAt<XSI::LONG>(0), Frame({0x00006968}));
+      Evaluate(L"Quillix_stoi", requestOf(1, {{kString, PortValues::Strings1D({L"hi"})}}), kResult);
+  EXPECT_EQ(out.values.ArrayAt<XSI::LONG>(0), Frame({0x00006968}));
 }
 
 }  // namespace

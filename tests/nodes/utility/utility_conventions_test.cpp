@@ -26,17 +26,17 @@ EvaluationRequest inputs(std::vector<std::pair<ULONG, PortValues>> ports,
                          std::vector<PortValues> laterInstances = {}) {
   EvaluationRequest r;
   r.elements = kElements;
-  for (auto& [port, values] : ports) r.setInput(port, values);
-  for (ULONG k = 0; k < laterInstances.size(); ++k) r.setInput(1010, laterInstances[k], k + 1);
+  for (auto& [port, values] : ports) r.SetInput(port, values);
+  for (ULONG k = 0; k < laterInstances.size(); ++k) r.SetInput(1010, laterInstances[k], k + 1);
   return r;
 }
 
 std::vector<Case> cases() {
-  const auto ints = PortValues::singles<XSI::LONG>({5, -1, 0x12345678, 34});
-  const auto intArrays = PortValues::arraysOf<XSI::LONG>({{1, 2, 3}, {4, 5}, {}, {-6, 7}});
-  const auto floats = PortValues::singles<float>({1.5f, kNaN, -kInf, 1e20f});
+  const auto ints = PortValues::Singles<XSI::LONG>({5, -1, 0x12345678, 34});
+  const auto intArrays = PortValues::ArraysOf<XSI::LONG>({{1, 2, 3}, {4, 5}, {}, {-6, 7}});
+  const auto floats = PortValues::Singles<float>({1.5f, kNaN, -kInf, 1e20f});
   const auto floatArrays =
-      PortValues::arraysOf<float>({{0.25f, kInf}, {-3.0f}, {1e-9f, 2.0f}, {7.0f, 8.0f}});
+      PortValues::ArraysOf<float>({{0.25f, kInf}, {-3.0f}, {1e-9f, 2.0f}, {7.0f, 8.0f}});
   const auto bools = boolSingles({true, false, false, true});
   const auto boolLists =
       boolArrays({{true, false}, {false, false}, {true, true, true}, {false, true}});
@@ -44,7 +44,7 @@ std::vector<Case> cases() {
       {L"Quillix_arrrev", {2010}, inputs({{1010, intArrays}})},
       {L"Quillix_arrrev",
        {2010},
-       inputs({{1010, PortValues::strings2D({{L"a", L"b"}, {}, {L"c"}, {L"d", L"", L"e"}})}})},
+       inputs({{1010, PortValues::Strings2D({{L"a", L"b"}, {}, {L"c"}, {L"d", L"", L"e"}})}})},
       {L"Quillix_arrshft", {2010}, inputs({{1010, floatArrays}, {1020, ints}})},
       {L"Quillix_btoa", {2010}, inputs({{1010, boolLists}})},
       {L"Quillix_btoa2", {2010}, inputs({{1010, bools}}, {boolLists})},
@@ -73,10 +73,10 @@ std::vector<Case> cases() {
 
 // Copies item `item` of `from` into item `at` of `to` (same type and structure).
 void copyItem(const PortValues& from, ULONG item, PortValues& to, ULONG at) {
-  const std::size_t size = xsihost::valueSize(from.type);
-  if (from.isString() && from.array) {
+  const std::size_t size = xsihost::ValueSize(from.type);
+  if (from.IsString() && from.array) {
     to.stringArrays[at] = from.stringArrays[item];
-  } else if (from.isString()) {
+  } else if (from.IsString()) {
     to.strings[at] = from.strings[item];
   } else if (from.array) {
     to.arrays[at] = from.arrays[item];
@@ -89,7 +89,7 @@ PortValues repeatItem(const PortValues& values, ULONG item, ULONG count) {
   PortValues out;
   out.type = values.type;
   out.array = values.array;
-  out.resize(count);
+  out.Resize(count);
   for (ULONG k = 0; k < count; ++k) copyItem(values, item, out, k);
   return out;
 }
@@ -98,7 +98,7 @@ void expectSameOutputs(const std::vector<OutputResult>& a, const std::vector<Out
   ASSERT_EQ(a.size(), b.size());
   for (std::size_t i = 0; i < a.size(); ++i) {
     EXPECT_EQ(a[i].status, 0u);
-    EXPECT_TRUE(a[i].values.sameData(b[i].values)) << "port " << a[i].port;
+    EXPECT_TRUE(a[i].values.SameData(b[i].values)) << "port " << a[i].port;
     EXPECT_EQ(a[i].values.written, b[i].values.written) << "port " << a[i].port;
   }
 }
@@ -111,9 +111,9 @@ TEST(UtilityConventions, ConstantInputGivesTheSameResultAsItsValueRepeated) {
       SCOPED_TRACE(nameOf(c) + " input " + std::to_string(key.first));
       EvaluationRequest constant = c.request;
       EvaluationRequest repeated = c.request;
-      constant.inputs[key] = repeatItem(values, 2, 1).asConstant();
+      constant.inputs[key] = repeatItem(values, 2, 1).AsConstant();
       repeated.inputs[key] = repeatItem(values, 2, kElements);
-      expectSameOutputs(evaluate(c.node, constant, c.ports), evaluate(c.node, repeated, c.ports));
+      expectSameOutputs(Evaluate(c.node, constant, c.ports), Evaluate(c.node, repeated, c.ports));
     }
   }
 }
@@ -123,21 +123,21 @@ TEST(UtilityConventions, BatchSubsetWritesExactlyItsElementsWithTheSameValues) {
     SCOPED_TRACE(nameOf(c));
     EvaluationRequest subset = c.request;
     subset.batch = std::vector<ULONG>{1, 3};
-    const auto whole = evaluate(c.node, c.request, c.ports);
-    const auto part = evaluate(c.node, subset, c.ports);
+    const auto whole = Evaluate(c.node, c.request, c.ports);
+    const auto part = Evaluate(c.node, subset, c.ports);
     ASSERT_EQ(part.size(), whole.size());
     for (std::size_t p = 0; p < part.size(); ++p) {
       for (ULONG i = 0; i < kElements; ++i) {
         const bool inBatch = i == 1 || i == 3;
-        EXPECT_EQ(part[p].values.wasWritten(i), inBatch || !c.writesBatchOnly) << "element " << i;
-        if (part[p].values.wasWritten(i)) {
-          EXPECT_TRUE(repeatItem(part[p].values, i, 1).sameData(repeatItem(whole[p].values, i, 1)));
+        EXPECT_EQ(part[p].values.WasWritten(i), inBatch || !c.writesBatchOnly) << "element " << i;
+        if (part[p].values.WasWritten(i)) {
+          EXPECT_TRUE(repeatItem(part[p].values, i, 1).SameData(repeatItem(whole[p].values, i, 1)));
         }
       }
     }
     subset.batch = std::vector<ULONG>{};
     if (c.writesBatchOnly) {
-      for (const OutputResult& out : evaluate(c.node, subset, c.ports)) {
+      for (const OutputResult& out : Evaluate(c.node, subset, c.ports)) {
         EXPECT_EQ(out.values.written, std::vector<char>(kElements, 0));
       }
     }
@@ -146,7 +146,7 @@ TEST(UtilityConventions, BatchSubsetWritesExactlyItsElementsWithTheSameValues) {
 
 TEST(UtilityConventions, UnknownOutputPortWritesNothingAndSucceeds) {
   for (const Case& c : cases()) {
-    const OutputResult out = evaluate(c.node, c.request, 2090);
+    const OutputResult out = Evaluate(c.node, c.request, 2090);
     EXPECT_EQ(out.status, 0u) << nameOf(c);
     EXPECT_EQ(out.values.count, 0u) << nameOf(c);
   }
@@ -155,7 +155,7 @@ TEST(UtilityConventions, UnknownOutputPortWritesNothingAndSucceeds) {
 TEST(UtilityConventions, ManyThreadsGiveTheSingleThreadedResult) {
   constexpr ULONG kMany = 3000;
   for (Case c : cases()) {
-    if (nodeDefinition(c.node)->threadingModel != 2) continue;
+    if (NodeDefinition(c.node)->threadingModel != 2) continue;
     SCOPED_TRACE(nameOf(c));
     c.request.elements = kMany;
     for (auto& [key, values] : c.request.inputs) {
@@ -165,9 +165,9 @@ TEST(UtilityConventions, ManyThreadsGiveTheSingleThreadedResult) {
     }
     c.request.batchSize = 37;
     c.request.threads = 1;
-    const auto single = evaluate(c.node, c.request, c.ports);
+    const auto single = Evaluate(c.node, c.request, c.ports);
     c.request.threads = 4;
-    expectSameOutputs(evaluate(c.node, c.request, c.ports), single);
+    expectSameOutputs(Evaluate(c.node, c.request, c.ports), single);
   }
 }
 

@@ -44,7 +44,7 @@ std::wstring portLine(const xsihost::PortRecord& p) {
 }
 
 Lines describe(const std::wstring& node) {
-  const auto* d = nodeDefinition(node);
+  const auto* d = NodeDefinition(node);
   if (d == nullptr) return {};
   Lines lines{L"model " + number(d->threadingModel)};
   for (const auto& g : d->groups) {
@@ -146,14 +146,14 @@ const std::vector<std::pair<std::wstring, Lines>> kExpected = {
 TEST(UtilityRegistration, EveryNodeRegistersExactlyItsPortTable) {
   for (const auto& [node, lines] : kExpected) {
     EXPECT_EQ(describe(node), lines);
-    EXPECT_TRUE(nodeDefinition(node)->registered);
+    EXPECT_TRUE(NodeDefinition(node)->registered);
   }
-  EXPECT_EQ(xsihost::failedAssertions(), 0u);
+  EXPECT_EQ(xsihost::FailedAssertions(), 0u);
 }
 
 TEST(UtilityRegistration, NodesAreRegisteredInCatalogueOrder) {
   std::vector<std::wstring> registered;
-  for (const auto& node : plugin().record().nodes) {
+  for (const auto& node : Plugin().Record().nodes) {
     for (const auto& [name, lines] : kExpected) {
       if (node->name == name) registered.push_back(name);
     }

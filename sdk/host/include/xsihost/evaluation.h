@@ -41,15 +41,17 @@ struct EvaluationRequest {
   std::set<ULONG> failingPortInfo;             // GetPortInfo fails for these
   double time = 1.0;
   unsigned threads = 1;
-  ULONG batchSize = 1024;
+  // Elements per batch; 0 sizes batches so that every thread gets work: ceil(elements /
+  // threads), at least kMinAutoBatch and at most kMaxAutoBatch.
+  ULONG batchSize = 0;
+  static constexpr ULONG kMinAutoBatch = 16;
+  static constexpr ULONG kMaxAutoBatch = 1024;
 
-  /// Gives input `port` of group instance `instance` the data `values`.
+  /// Gives input `port` of group instance `instance` the data `values`, hashing them once so
+  /// that evaluations tell an unchanged input from a changed one without reading it again.
   void SetInput(ULONG port, PortValues values, ULONG instance = 0) {
+    values.contentHash = values.ContentHash();
     inputs[{port, instance}] = std::move(values);
-  }
-  // Transitional spelling for the node tests (see PortValues).
-  void setInput(ULONG port, PortValues values, ULONG instance = 0) {
-    SetInput(port, std::move(values), instance);
   }
 };
 
@@ -59,9 +61,10 @@ struct OutputResult {
   PortValues values;
 };
 
-// The data of one evaluation after the request is resolved against the definition; private to
-// the evaluation engine.
+// The data of one evaluation after the request is resolved against the definition, and the
+// cut of its elements into batches; private to the evaluation engine.
 struct ResolvedEvaluation;
+struct BatchLayout;
 
 /// One instance of a node, as a node of the host's graph: it owns the node object, the user
 /// data and the input port states, and runs the node's callbacks.
@@ -77,9 +80,14 @@ class NodeInstance {
   /// Runs one evaluation computing `outputPorts` in order: Init if not yet run, BeginEvaluate,
   /// Evaluate per port and chunk, EndEvaluate. Returns one result per port. Ports the node
   /// does not define are still passed to its Evaluate callback (which should write nothing);
-  /// their results hold no items.
+  /// their results hold no items. The node reads the request's input buffers in place.
   std::vector<OutputResult> Evaluate(const EvaluationRequest& request,
                                      const std::vector<ULONG>& outputPorts);
+  /// The same, with `results` in and out: on entry earlier results (of any instance), whose
+  /// buffers are reused for the ports they match instead of allocating fresh ones; on return
+  /// the new results. Repeated evaluations then neither allocate nor fault in their outputs.
+  void Evaluate(const EvaluationRequest& request, const std::vector<ULONG>& outputPorts,
+                std::vector<OutputResult>& results);
 
   const NodeDefinitionRecord& Definition() const { return node_; }
   /// The ID of the node object (unique in the process, from 1001 up); nodes log it.
@@ -91,17 +99,9 @@ class NodeInstance {
   bool IsDirty(ULONG port, ULONG instance) const;
   void ClearState(ULONG port, ULONG instance);
 
-  // Transitional spellings for the node tests (see PortValues).
-  std::vector<OutputResult> evaluate(const EvaluationRequest& request,
-                                     const std::vector<ULONG>& outputPorts) {
-    return Evaluate(request, outputPorts);
-  }
-  std::uint32_t objectID() const { return ObjectID(); }
-  void terminate() { Terminate(); }
-
  private:
   struct PortState {
-    PortValues previous;
+    std::uint64_t hash = 0;  // ContentHash() of the data last seen
     bool seen = false;
     bool dirty = true;
   };
@@ -110,7 +110,7 @@ class NodeInstance {
   void InitOnce();
   // Calls BeginEvaluate or EndEvaluate (`suffix`) over the whole batch, when the node has it.
   void CallBracket(const char* suffix, ResolvedEvaluation& resolved);
-  OutputResult EvaluatePort(ULONG port, ResolvedEvaluation& resolved);
+  void EvaluatePort(ResolvedEvaluation& resolved, OutputResult& result);
   std::string CallbackName(const char* suffix) const;
 
   const LoadedPlugin& plugin_;
@@ -119,6 +119,9 @@ class NodeInstance {
   std::shared_ptr<Object> object_;
   std::shared_ptr<ContextObject> context_;
   std::map<std::pair<ULONG, ULONG>, PortState> portStates_;
+  // The batches of the last evaluation over every element, kept for the next one of the same
+  // element count and batch size.
+  std::shared_ptr<const BatchLayout> layout_;
   bool initialised_ = false;
 };
 

@@ -72,6 +72,10 @@ class Host {
   /// Evaluates `ports` on `instance` (see NodeInstance::Evaluate).
   EvaluationOutcome Evaluate(NodeInstance& instance, const EvaluationRequest& request,
                              const std::vector<ULONG>& ports);
+  /// The same into `outcome`, whose earlier outputs lend their buffers to the new ones (see
+  /// NodeInstance::Evaluate); repeated evaluations of one instance then reuse their outputs.
+  void Evaluate(NodeInstance& instance, const EvaluationRequest& request,
+                const std::vector<ULONG>& ports, EvaluationOutcome& outcome);
   /// Evaluates `ports` on a fresh instance of `node`, from Init to Term; null when `node` is
   /// not registered.
   std::optional<EvaluationOutcome> EvaluateOnce(const std::wstring& node,

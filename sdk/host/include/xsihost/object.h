@@ -16,13 +16,13 @@ namespace xsihost {
 class Object : public std::enable_shared_from_this<Object> {
  public:
   virtual ~Object() = default;
-  virtual std::wstring name() const { return {}; }
-  virtual std::wstring fullName() const { return name(); }
-  virtual std::wstring typeName() const { return {}; }
-  virtual std::shared_ptr<Object> parent() const { return nullptr; }
-  virtual std::uint32_t objectID() const { return 0; }
+  virtual std::wstring Name() const { return {}; }
+  virtual std::wstring FullName() const { return Name(); }
+  virtual std::wstring TypeName() const { return {}; }
+  virtual std::shared_ptr<Object> Parent() const { return nullptr; }
+  virtual std::uint32_t ObjectID() const { return 0; }
   // Value of the parameter `name`; false when the object has no such parameter.
-  virtual bool parameterValue(const std::wstring& /*name*/, XSI::CValue& /*out*/) const {
+  virtual bool ParameterValue(const std::wstring& /*name*/, XSI::CValue& /*out*/) const {
     return false;
   }
 };
@@ -33,7 +33,7 @@ class ContextObject : public Object {
  public:
   explicit ContextObject(XSI::CValue* userData, XSI::CRef source = XSI::CRef())
       : userData(userData), source(std::move(source)) {}
-  std::wstring typeName() const override { return L"Context"; }
+  std::wstring TypeName() const override { return L"Context"; }
 
   XSI::CValue* userData;  // owned by the node instance or command
   std::map<std::wstring, XSI::CValue> attributes;

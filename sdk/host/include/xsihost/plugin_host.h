@@ -29,9 +29,6 @@ class LoadedPlugin {
   void* Symbol(const std::string& name) const;
   const std::string& Path() const { return path_; }
 
-  // Transitional spelling for the registration tests (see PortValues).
-  const PluginRecord& record() const { return Record(); }
-
  private:
   LoadedPlugin() = default;
   void* handle_ = nullptr;

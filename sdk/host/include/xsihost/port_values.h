@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,10 +24,6 @@ bool IsValueType(ULONG type);
 const char* TypeName(ULONG type);
 ULONG TypeFromName(const std::string& name);  // 0 when unknown
 
-// Transitional spellings for the node tests (see PortValues).
-inline std::size_t valueSize(ULONG type) { return ValueSize(type); }
-inline const char* typeName(ULONG type) { return TypeName(type); }
-
 // One item per element (one in all when constant). Non-string single values are contiguous
 // in `flat`; arrays and strings are held per item. Outputs also record which items were
 // written.
@@ -39,6 +37,9 @@ struct PortValues {
   std::vector<std::wstring> strings;                    // single string
   std::vector<std::vector<std::wstring>> stringArrays;  // array of strings
   std::vector<char> written;                            // outputs only
+  // ContentHash() as EvaluationRequest::SetInput computed it, so that evaluations recognise an
+  // unchanged input without reading it. Whoever changes the data afterwards resets it.
+  std::optional<std::uint64_t> contentHash;
 
   /// True when the port carries wide strings (held in `strings` or `stringArrays`).
   bool IsString() const { return type == XSI::siICENodeDataString; }
@@ -106,34 +107,9 @@ struct PortValues {
 
   /// Same type, structure, constancy, count and bytes; what is written is not compared.
   bool SameData(const PortValues& other) const;
-
-  // Transitional spellings for the node and command tests, which move to the names above
-  // with their own relayout; remove once nothing uses them.
-  template <class T>
-  static PortValues singles(const std::vector<T>& values) {
-    return Singles(values);
-  }
-  template <class T>
-  static PortValues arraysOf(const std::vector<std::vector<T>>& values) {
-    return ArraysOf(values);
-  }
-  static PortValues strings1D(const std::vector<std::wstring>& values) { return Strings1D(values); }
-  static PortValues strings2D(const std::vector<std::vector<std::wstring>>& values) {
-    return Strings2D(values);
-  }
-  PortValues& asConstant() { return AsConstant(); }
-  void resize(ULONG items) { Resize(items); }
-  template <class T>
-  T single(ULONG i) const {
-    return Single<T>(i);
-  }
-  template <class T>
-  std::vector<T> arrayAt(ULONG i) const {
-    return ArrayAt<T>(i);
-  }
-  bool wasWritten(ULONG i) const { return WasWritten(i); }
-  bool isString() const { return IsString(); }
-  bool sameData(const PortValues& other) const { return SameData(other); }
+  /// A 64-bit hash of what SameData compares: equal data give equal hashes, and different
+  /// data practically never do. Reads every byte once.
+  std::uint64_t ContentHash() const;
 };
 
 }  // namespace xsihost

@@ -30,7 +30,7 @@ template <class T>
 struct Channel {
   T value{};
   std::vector<std::pair<double, T>> keys;  // ascending times
-  T at(double time) const;
+  T At(double time) const;
 };
 
 /// An ICE attribute stored on a mesh: one value (or one 3-vector) per element of its context.
@@ -40,7 +40,7 @@ struct AttributeData {
   Type type = Type::Float;
   Context context = Context::Point;
   std::vector<double> values;  // 3 numbers per element for vectors
-  std::size_t elementCount() const {
+  std::size_t ElementCount() const {
     return type == Type::Vector3 ? values.size() / 3 : values.size();
   }
 };
@@ -102,43 +102,43 @@ class SceneObject : public xsihost::Object {
   /// The enclosing scene's current frame; read when a query passes no time.
   std::shared_ptr<const double> currentFrame_;
 
-  XSI::MATH::CTransformation localAt(double time) const;
+  XSI::MATH::CTransformation LocalAt(double time) const;
   /// local × parent's global, walking up the hierarchy.
-  XSI::MATH::CTransformation globalAt(double time) const;
-  bool isModel() const { return type_ == L"#model"; }
+  XSI::MATH::CTransformation GlobalAt(double time) const;
+  bool IsModel() const { return type_ == L"#model"; }
   /// A time of the SDK's calls: values above 1e100 (the largest double) mean the current frame.
-  double resolveTime(double time) const;
+  double ResolveTime(double time) const;
 
-  std::wstring name() const override { return name_; }
+  std::wstring Name() const override { return name_; }
   /// "Model.name" for objects inside a model other than the scene root, else the name.
-  std::wstring fullName() const override { return fullName_.empty() ? name_ : fullName_; }
-  std::wstring typeName() const override { return type_; }
-  std::shared_ptr<xsihost::Object> parent() const override { return parent_.lock(); }
-  std::uint32_t objectID() const override { return id_; }
-  bool parameterValue(const std::wstring& name, XSI::CValue& out) const override;
+  std::wstring FullName() const override { return fullName_.empty() ? name_ : fullName_; }
+  std::wstring TypeName() const override { return type_; }
+  std::shared_ptr<xsihost::Object> Parent() const override { return parent_.lock(); }
+  std::uint32_t ObjectID() const override { return id_; }
+  bool ParameterValue(const std::wstring& name, XSI::CValue& out) const override;
 };
 
 /// Views handed out through CRef: they keep their object alive.
 class PrimitiveObject : public xsihost::Object {
  public:
   explicit PrimitiveObject(std::shared_ptr<const SceneObject> owner) : owner_(std::move(owner)) {}
-  std::wstring name() const override { return owner_->type_; }
-  std::wstring fullName() const override { return owner_->fullName() + L"." + owner_->type_; }
-  std::wstring typeName() const override { return owner_->type_; }
-  std::shared_ptr<xsihost::Object> parent() const override;
-  bool parameterValue(const std::wstring& name, XSI::CValue& out) const override;
+  std::wstring Name() const override { return owner_->type_; }
+  std::wstring FullName() const override { return owner_->FullName() + L"." + owner_->type_; }
+  std::wstring TypeName() const override { return owner_->type_; }
+  std::shared_ptr<xsihost::Object> Parent() const override;
+  bool ParameterValue(const std::wstring& name, XSI::CValue& out) const override;
   /// Value of the primitive parameter `name` at `time`; false when there is none.
-  bool parameterAt(const std::wstring& name, double time, XSI::CValue& out) const;
+  bool ParameterAt(const std::wstring& name, double time, XSI::CValue& out) const;
   std::shared_ptr<const SceneObject> owner_;
 };
 
 class GeometryObject : public xsihost::Object {
  public:
   explicit GeometryObject(std::shared_ptr<const SceneObject> owner) : owner_(std::move(owner)) {}
-  std::wstring name() const override { return L"Geometry"; }
-  std::wstring fullName() const override { return owner_->fullName() + L".geometry"; }
-  std::wstring typeName() const override;
-  std::shared_ptr<xsihost::Object> parent() const override;
+  std::wstring Name() const override { return L"Geometry"; }
+  std::wstring FullName() const override { return owner_->FullName() + L".geometry"; }
+  std::wstring TypeName() const override;
+  std::shared_ptr<xsihost::Object> Parent() const override;
   std::shared_ptr<const SceneObject> owner_;
 };
 
@@ -146,9 +146,9 @@ class CurveObject : public xsihost::Object {
  public:
   CurveObject(std::shared_ptr<const SceneObject> owner, std::size_t index)
       : owner_(std::move(owner)), index_(index) {}
-  std::wstring name() const override { return L"NurbsCurve"; }
-  std::wstring typeName() const override { return L"NurbsCurve"; }
-  const NurbsCurveEvaluator& curve() const { return *owner_->curves_[index_]; }
+  std::wstring Name() const override { return L"NurbsCurve"; }
+  std::wstring TypeName() const override { return L"NurbsCurve"; }
+  const NurbsCurveEvaluator& Curve() const { return *owner_->curves_[index_]; }
   std::shared_ptr<const SceneObject> owner_;
   std::size_t index_;
 };
@@ -159,12 +159,12 @@ class PropertyObject : public xsihost::Object {
   enum class Kind { Visibility, Kinematics, GlobalState, LocalState };
   PropertyObject(std::shared_ptr<const SceneObject> owner, Kind kind)
       : owner_(std::move(owner)), kind_(kind) {}
-  std::wstring name() const override;
-  std::wstring fullName() const override { return owner_->fullName() + L"." + name(); }
-  std::wstring typeName() const override;
-  std::shared_ptr<xsihost::Object> parent() const override;
-  bool parameterValue(const std::wstring& name, XSI::CValue& out) const override;
-  bool parameterAt(const std::wstring& name, double time, XSI::CValue& out) const;
+  std::wstring Name() const override;
+  std::wstring FullName() const override { return owner_->FullName() + L"." + Name(); }
+  std::wstring TypeName() const override;
+  std::shared_ptr<xsihost::Object> Parent() const override;
+  bool ParameterValue(const std::wstring& name, XSI::CValue& out) const override;
+  bool ParameterAt(const std::wstring& name, double time, XSI::CValue& out) const;
   std::shared_ptr<const SceneObject> owner_;
   Kind kind_;
 };
@@ -178,17 +178,17 @@ class Scene {
   ~Scene();
   Scene(const Scene&) = delete;
   Scene& operator=(const Scene&) = delete;
-  std::shared_ptr<SceneObject> root() const { return root_; }
-  const std::vector<std::shared_ptr<SceneObject>>& objects() const { return objects_; }
+  std::shared_ptr<SceneObject> Root() const { return root_; }
+  const std::vector<std::shared_ptr<SceneObject>>& Objects() const { return objects_; }
   /// The object whose full name is `fullName` ("Scene_Root" for the root), or null.
-  std::shared_ptr<SceneObject> find(const std::wstring& fullName) const;
-  double currentFrame() const { return *currentFrame_; }
-  void setCurrentFrame(double frame) { *currentFrame_ = frame; }
+  std::shared_ptr<SceneObject> Find(const std::wstring& fullName) const;
+  double CurrentFrame() const { return *currentFrame_; }
+  void SetCurrentFrame(double frame) { *currentFrame_ = frame; }
   /// Adds `object` under `parent` (the root when null), gives it the next object ID and the
   /// scene's frame. The caller has checked that its full name is free.
-  void add(const std::shared_ptr<SceneObject>& object, const std::shared_ptr<SceneObject>& parent);
-  const std::string& path() const { return path_; }
-  void setPath(std::string path) { path_ = std::move(path); }
+  void Add(const std::shared_ptr<SceneObject>& object, const std::shared_ptr<SceneObject>& parent);
+  const std::string& Path() const { return path_; }
+  void SetPath(std::string path) { path_ = std::move(path); }
 
  private:
   std::shared_ptr<SceneObject> root_;
@@ -203,8 +203,6 @@ class Scene {
 Scene& ActiveScene();
 std::shared_ptr<Scene> ActiveSceneHandle();
 void SetActiveScene(std::shared_ptr<Scene> scene);  // clears the selection
-// Transitional spelling for the node and command tests (see PortValues).
-inline void setActiveScene(std::shared_ptr<Scene> scene) { SetActiveScene(std::move(scene)); }
 std::vector<XSI::CRef>& Selection();
 
 }  // namespace xsihost

@@ -24,18 +24,16 @@ class CommandObject : public xsihost::Object {
   };
 
   std::wstring name_;
-  // Description, flags and arguments keep their old spelling until the command tests, which
-  // read them, are renamed with them.
-  std::wstring m_description;
-  XSI::LONG m_flags = 0;
+  std::wstring description_;
+  XSI::LONG flags_ = 0;
   bool returnValue_ = true;
-  std::vector<Argument> m_arguments;
+  std::vector<Argument> arguments_;
   XSI::CValue userData_;
   const LoadedPlugin* plugin_ = nullptr;  // null for the host's own commands
   std::function<XSI::CStatus(const XSI::CValueArray&, XSI::CValue&)> native_;
 
-  std::wstring name() const override { return name_; }
-  std::wstring typeName() const override { return L"Command"; }
+  std::wstring Name() const override { return name_; }
+  std::wstring TypeName() const override { return L"Command"; }
 };
 
 /// One argument of a command, as Argument objects refer to it.
@@ -43,8 +41,8 @@ class ArgumentObject : public xsihost::Object {
  public:
   ArgumentObject(std::shared_ptr<CommandObject> command, std::size_t index)
       : command_(std::move(command)), index_(index) {}
-  std::wstring name() const override { return command_->m_arguments[index_].name; }
-  std::wstring typeName() const override { return L"Argument"; }
+  std::wstring Name() const override { return command_->arguments_[index_].name; }
+  std::wstring TypeName() const override { return L"Argument"; }
   std::shared_ptr<CommandObject> command_;
   std::size_t index_;
 };
@@ -55,8 +53,8 @@ class PluginObject : public xsihost::Object {
   std::wstring name_;
   std::string path_;  // the plug-in's file
   const LoadedPlugin* plugin_ = nullptr;
-  std::wstring name() const override { return name_; }
-  std::wstring typeName() const override { return L"Plugin"; }
+  std::wstring Name() const override { return name_; }
+  std::wstring TypeName() const override { return L"Plugin"; }
 };
 
 /// The capability bit that keeps a command's calls out of the log.

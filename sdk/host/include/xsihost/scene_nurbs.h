@@ -41,28 +41,28 @@ class NurbsCurveEvaluator {
  public:
   explicit NurbsCurveEvaluator(NurbsCurveData curve);
 
-  const NurbsCurveData& data() const { return curve_; }
-  double minParameter() const { return min_; }
-  double maxParameter() const { return max_; }
-  double length() const { return cumulative_.empty() ? 0.0 : cumulative_.back(); }
+  const NurbsCurveData& Data() const { return curve_; }
+  double MinParameter() const { return min_; }
+  double MaxParameter() const { return max_; }
+  double Length() const { return cumulative_.empty() ? 0.0 : cumulative_.back(); }
 
   /// Sample at the curve parameter `u`, clamped to the parameter range.
-  CurveSample evaluate(double u) const;
+  CurveSample Evaluate(double u) const;
   /// Position and its first two derivatives at `u` (clamped).
-  void derivatives(double u, Vec3d& position, Vec3d& first, Vec3d& second) const;
+  void Derivatives(double u, Vec3d& position, Vec3d& first, Vec3d& second) const;
 
   /// Curve parameter of the normalised parameter `t` in [0, 1] (clamped): a linear map of
   /// the parameter range.
-  double parameterFromNormalized(double t) const;
+  double ParameterFromNormalized(double t) const;
   /// Curve parameter at `percent` per cent (clamped to [0, 100]) of the arc length from the
   /// start; accurate to far better than 1e-6 of the length.
-  double parameterFromPercentage(double percent) const;
+  double ParameterFromPercentage(double percent) const;
   /// Arc length from the start of the curve to the parameter `u` (clamped).
-  double lengthTo(double u) const;
+  double LengthTo(double u) const;
 
  private:
-  double spanLength(double a, double b) const;
-  double speed(double u) const;
+  double SpanLength(double a, double b) const;
+  double Speed(double u) const;
 
   NurbsCurveData curve_;
   double min_ = 0.0;

@@ -38,8 +38,6 @@ bool IsInteractive();
 
 // Failed CStatus::AssertSucceeded calls since start-up (each is also logged at severity 2).
 unsigned FailedAssertions();
-// Transitional spelling for the registration tests (see PortValues).
-inline unsigned failedAssertions() { return FailedAssertions(); }
 void CountFailedAssertion();
 
 }  // namespace xsihost
