@@ -11,6 +11,7 @@
 #include <xsihost/host.h>
 #include <nlohmann/json.hpp>
 
+#include "tools/quillix/bound_inputs.h"
 #include "tools/quillix/commands.h"
 #include "tools/quillix/json_values.h"
 #include "tools/quillix/scene_tool.h"
@@ -60,9 +61,13 @@ const json& Member(const json& object, const char* key, const std::string& place
   return object.at(key);
 }
 
-// One input: {"structure", "type", "constant", "values"}; checked against the port.
-xsihost::PortValues ReadInput(const json& j, const PortRecord& port, ULONG elements,
-                              const std::string& place) {
+// One input: {"structure", "type", "constant", "values"}, or {"from"} (bound_inputs.h); checked
+// against the port.
+xsihost::PortValues ReadInput(const json& j, const PortRecord& port,
+                              const xsihost::EvaluationRequest& request, const std::string& place,
+                              BoundInputReader& bound) {
+  if (BoundInputReader::IsBound(j)) return bound.Read(j, port, request.time, place);
+  const ULONG elements = request.elements;
   if (!j.is_object()) throw InputError(place, "expected an object with \"type\" and \"values\"");
   const json& typeJson = Member(j, "type", place);
   const ULONG type = typeJson.is_string() ? xsihost::TypeFromName(typeJson.get<std::string>()) : 0;
@@ -89,14 +94,15 @@ xsihost::PortValues ReadInput(const json& j, const PortRecord& port, ULONG eleme
 }
 
 void ReadInputs(const json& inputs, const NodeDefinitionRecord& node, ULONG instance,
-                ULONG elements, const std::string& place, xsihost::EvaluationRequest& request) {
+                const std::string& place, xsihost::EvaluationRequest& request,
+                BoundInputReader& bound) {
   if (!inputs.is_object()) throw InputError(place, "expected an object keyed by input port ID");
   for (const auto& [key, value] : inputs.items()) {
     const std::string at = place + "." + key;
     const ULONG id = ReadPortID(key, at);
     const PortRecord* port = node.FindInput(id);
     if (!port) throw InputError(at, "node " + WideToUtf8(node.name) + " has no input port " + key);
-    request.SetInput(id, ReadInput(value, *port, elements, at), instance);
+    request.SetInput(id, ReadInput(value, *port, request, at, bound), instance);
   }
 }
 
@@ -149,9 +155,8 @@ void ReadElements(const json& r, const std::string& place, xsihost::EvaluationRe
 
 // "inputs", or "instances" with one input object per group instance.
 void ReadAllInputs(const json& r, const NodeDefinitionRecord& node, const std::string& place,
-                   xsihost::EvaluationRequest& request) {
-  if (r.contains("inputs"))
-    ReadInputs(r["inputs"], node, 0, request.elements, place + ".inputs", request);
+                   xsihost::EvaluationRequest& request, BoundInputReader& bound) {
+  if (r.contains("inputs")) ReadInputs(r["inputs"], node, 0, place + ".inputs", request, bound);
   if (!r.contains("instances")) return;
   const json& groups = r["instances"];
   if (!groups.is_array() || groups.empty())
@@ -162,8 +167,8 @@ void ReadAllInputs(const json& r, const NodeDefinitionRecord& node, const std::s
     throw InputError(place + ".instances", "the node's group takes at most " +
                                                std::to_string(maxInstances) + " instances");
   for (std::size_t k = 0; k < groups.size(); ++k)
-    ReadInputs(groups[k], node, static_cast<ULONG>(k), request.elements,
-               place + ".instances[" + std::to_string(k) + "]", request);
+    ReadInputs(groups[k], node, static_cast<ULONG>(k),
+               place + ".instances[" + std::to_string(k) + "]", request, bound);
   request.groupInstances = static_cast<ULONG>(groups.size());
 }
 
@@ -250,13 +255,13 @@ json ResultJson(const json& r, const xsihost::EvaluationOutcome& outcome) {
 }
 
 json RunRequest(xsihost::Host& host, const json& r, const EvalOptions& options,
-                const std::string& place) {
+                const std::string& place, BoundInputReader& bound) {
   if (!r.is_object()) throw InputError(place, "expected a request object");
   const NodeDefinitionRecord& node = ReadNode(host, r, place);
   const std::vector<ULONG> ports = ReadPorts(r, place);
   xsihost::EvaluationRequest request;
   ReadElements(r, place, request);
-  ReadAllInputs(r, node, place, request);
+  ReadAllInputs(r, node, place, request, bound);
   ReadPortInfo(r, node, place, request);
   ReadThreading(r, options, place, request);
   return ResultJson(r, EvaluateRequest(host, r, node, request, ports, place));
@@ -298,10 +303,11 @@ bool LoadRequestScene(const json& document, const EvalOptions& options, const st
 // Writes the result files and pictures of one request when any folder was asked for; a
 // folder that cannot be written is one message and the end of the run.
 bool WriteOutputs(const json& request, const json& result, std::size_t index,
-                  const ResultOutputOptions& outputs, std::ostream& err) {
+                  const ResultOutputOptions& outputs, BoundInputReader& bound, std::ostream& err) {
   if (outputs.outDir.empty() && outputs.pngDir.empty() && outputs.svgDir.empty()) return true;
   std::vector<std::string> written;
-  const OutputStatus status = WriteResultOutputs(request, result, index, outputs, written);
+  const OutputStatus status =
+      WriteResultOutputs(bound.Inline(request), result, index, outputs, written);
   if (!status.ok) err << "quillix: " << status.message << '\n';
   return status.ok;
 }
@@ -325,15 +331,18 @@ int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out
   if (!LoadRequestScene(document, options, file, err)) return 2;
 
   json results = json::array();
+  BoundInputReader bound(options.requestPath == "-"
+                             ? std::filesystem::path()
+                             : std::filesystem::path(options.requestPath).parent_path());
   host.TakeLog();
   try {
     const json* requests = &document;
     if (document.is_object()) requests = &Member(document, "requests", "$");
     if (!requests->is_array()) throw InputError("$.requests", "expected a list of requests");
     for (std::size_t i = 0; i < requests->size(); ++i) {
-      results.push_back(
-          RunRequest(host, (*requests)[i], options, "$.requests[" + std::to_string(i) + "]"));
-      if (!WriteOutputs((*requests)[i], results.back(), i, options.outputs, err)) return 2;
+      results.push_back(RunRequest(host, (*requests)[i], options,
+                                   "$.requests[" + std::to_string(i) + "]", bound));
+      if (!WriteOutputs((*requests)[i], results.back(), i, options.outputs, bound, err)) return 2;
     }
   } catch (const InputError& e) {
     if (!options.keepInstances) host.DestroyInstances();
