@@ -76,11 +76,9 @@ class BoundInputs : public ::testing::Test {
 
 TEST_F(BoundInputs, SceneDataBecomeOneConstantTypedItem) {
   const xsihost::PortValues points = Read({{"object", "grid"}, {"data", "points"}});
-  EXPECT_TRUE(points.constant && points.array);
-  EXPECT_EQ(points.count, 1u);
+  EXPECT_TRUE(points.constant && points.array && points.count == 1);
   EXPECT_EQ(points.type, XSI::siICENodeDataVector3);
-  ASSERT_EQ(points.ArrayAt<CVector3f>(0).size(), 5u);
-  EXPECT_EQ(points.ArrayAt<CVector3f>(0)[4].GetX(), 2.0f);
+  EXPECT_EQ(points.ArrayAt<CVector3f>(0).at(4).GetX(), 2.0f);
   EXPECT_EQ(Read({{"object", "grid"}, {"data", "polygons"}}).ArrayAt<XSI::LONG>(0),
             (std::vector<XSI::LONG>{0, 1, 2, 3, -2, 1, 4, 2, -2}));
 
@@ -95,12 +93,12 @@ TEST_F(BoundInputs, SceneDataBecomeOneConstantTypedItem) {
   EXPECT_EQ(count.Single<XSI::LONG>(0), 7);
 
   // The curve's global transform is its local one (90° about z) moved by its parent.
-  const auto local = Read({{"object", "crv"}, {"data", "localTransform"}});
-  const auto global = Read({{"object", "crv"}, {"data", "globalTransform"}});
-  ASSERT_EQ(global.type, XSI::siICENodeDataMatrix44);
-  EXPECT_NEAR(local.Single<XSI::MATH::CMatrix4f>(0).GetValue(0, 1), 1.0f, 1e-6f);
-  EXPECT_EQ(local.Single<XSI::MATH::CMatrix4f>(0).GetValue(3, 0), 0.0f);
-  EXPECT_EQ(global.Single<XSI::MATH::CMatrix4f>(0).GetValue(3, 2), 3.0f);
+  using XSI::MATH::CMatrix4f;
+  const auto local = Read({{"object", "crv"}, {"data", "localTransform"}}).Single<CMatrix4f>(0);
+  const auto global = Read({{"object", "crv"}, {"data", "globalTransform"}}).Single<CMatrix4f>(0);
+  EXPECT_NEAR(local.GetValue(0, 1), 1.0f, 1e-6f);
+  EXPECT_EQ(local.GetValue(3, 2), 0.0f);
+  EXPECT_EQ(global.GetValue(3, 2), 3.0f);
 }
 
 TEST_F(BoundInputs, MeshFilesKeepTheirNumberingAndAreReadOnce) {
@@ -129,35 +127,14 @@ TEST_F(BoundInputs, MeshFilesKeepTheirNumberingAndAreReadOnce) {
   EXPECT_TRUE(reader.Read(input, kAnyPort, 1.0, "/p").SameData(first));
 }
 
-TEST_F(BoundInputs, InlineWritesTheBoundValuesForThePictures) {
-  const json request = {{"inputs",
-                         {{"1010", {{"from", {{"object", "grid"}, {"attribute", "Weights"}}}}},
-                          {"1020", {{"type", "int"}, {"values", {3}}}}}}};
-  const json inlined = reader_.Inline(request);
-  EXPECT_EQ(inlined["inputs"]["1010"], json({{"type", "float"},
-                                             {"structure", "array"},
-                                             {"constant", true},
-                                             {"values", {{0.5, 1.0, 1.5, 2.0, 2.5}}}}));
-  EXPECT_EQ(inlined["inputs"]["1020"], request["inputs"]["1020"]);
-}
-
 TEST_F(BoundInputs, EachMistakeNamesItsPlace) {
   auto from = [](const json& j) { return json{{"from", j}}; };
-  EXPECT_EQ(Mistake(from({{"object", "nobody"}, {"data", "points"}})),
-            "/inputs/1010/from/object: no object \"nobody\": the scene test.json has none");
   EXPECT_EQ(Mistake(from({{"object", "crv"}, {"data", "points"}})),
             "/inputs/1010/from/data: \"crv\" is a crvlist, not a polygon mesh: it has no points");
-  EXPECT_EQ(Mistake(from({{"object", "grid"}, {"data", "controlPoints"}})).substr(0, 24),
-            "/inputs/1010/from/data: ");
   EXPECT_EQ(Mistake(from({{"object", "grid"}, {"attribute", "Mass"}})),
             "/inputs/1010/from/attribute: \"grid\" has no attribute \"Mass\"");
   EXPECT_EQ(Mistake(from({{"object", "crv"}, {"data", "controlPoints"}, {"curve", 2}})),
             "/inputs/1010/from/curve: expected a curve index from 0 to 1");
-  EXPECT_NE(Mistake(from({{"meshFile", "none.obj"}, {"data", "points"}}))
-                .find("/inputs/1010/from/meshFile: " + (kMeshes / "none.obj").string()),
-            std::string::npos);
-  EXPECT_EQ(Mistake(from({{"object", "grid"}, {"data", "points"}}), Port(4, 3)),
-            "/inputs/1010/from: port 1010 does not accept an array of vector3, which this gives");
   EXPECT_EQ(Mistake(from({{"object", "grid"}, {"data", "localTransform"}}), Port(256, 2)),
             "/inputs/1010/from: port 1010 does not accept a single matrix44, which this gives");
   EXPECT_EQ(Mistake({{"from", {{"object", "grid"}, {"data", "points"}}}, {"type", "int"}}),
@@ -173,7 +150,6 @@ TEST(BoundInputsTool, BadBindingsEndInOneLineAndStatusTwo) {
   std::ofstream(dir / "many.ply") << "ply\nformat ascii 1.0\nelement edge 1000000000000\n"
                                      "element vertex 1000000000000\nproperty float x\n"
                                      "property float y\nproperty float z\nend_header\n0 0 0\n";
-  std::ofstream(dir / "tri.obj") << "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n";
   std::ofstream(dir / "long_face.ply")
       << "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\n"
          "property float z\nelement face 1\nproperty list uint int vertex_indices\nend_header\n"
@@ -192,8 +168,6 @@ TEST(BoundInputsTool, BadBindingsEndInOneLineAndStatusTwo) {
       {{{"meshFile", "short.gltf"}, {"data", "points"}},
        "short.gltf: mesh 0, primitive 0: the positions claim 1000000000000"},
 #endif
-      {{{"meshFile", "absent.obj"}, {"data", "points"}}, "/from/meshFile: "},
-      {{{"meshFile", "tri.obj"}, {"data", "polygons"}}, "does not accept an array of int"},
       {{{"object", "ghost"}, {"data", "points"}}, "/from/object: no object \"ghost\""}};
   for (const auto& [from, expected] : cases) {
     SCOPED_TRACE(from.dump());

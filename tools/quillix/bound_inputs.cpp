@@ -153,6 +153,44 @@ std::string ArticleAndType(const PortValues& values) {
   return std::string(values.array ? "an array of " : "a single ") + xsihost::TypeName(values.type);
 }
 
+// The data `name` (or the attribute) of the scene object that `from` names.
+PortValues FromObject(const json& from, const std::string& name, double time,
+                      const std::string& place) {
+  const std::string dataPlace = place + "/data";
+  const std::string objectPlace = place + "/object";
+  const std::string fullName =
+      Text(from.at("object"), objectPlace, "the full name of a scene object");
+  const auto object = SceneObjectNamed(fullName, objectPlace);
+  const std::string quoted = "\"" + fullName + "\"";
+  if (const json* attribute = Find(from, "attribute")) {
+    const std::string attributePlace = place + "/attribute";
+    const std::string attributeName = Text(*attribute, attributePlace, "an attribute name");
+    if (object->mesh_) {
+      const auto& attributes = object->mesh_->attributes;
+      if (const auto found = attributes.find(Utf8ToWide(attributeName)); found != attributes.end())
+        return Attribute(found->second);
+    }
+    throw InputError(attributePlace, quoted + " has no attribute \"" + attributeName + "\"");
+  }
+  if (name == "globalTransform") return Transform(object->globalAt(time));
+  if (name == "localTransform") return Transform(object->localAt(time));
+  if (name == "points" || name == "polygons") {
+    if (!object->mesh_)
+      throw InputError(dataPlace, quoted + " is a " + WideToUtf8(object->type_) +
+                                      ", not a polygon mesh: it has no " + name);
+    return name == "points" ? Points(*object->mesh_) : Polygons(*object->mesh_, dataPlace);
+  }
+  if (name == "controlPoints") {
+    if (object->curves_.empty())
+      throw InputError(dataPlace, quoted + " is a " + WideToUtf8(object->type_) +
+                                      ", not a curve list: it has no control points");
+    return ControlPoints(*object, Find(from, "curve"), place + "/curve");
+  }
+  throw InputError(dataPlace, "unknown data \"" + name +
+                                  "\" (points, polygons, controlPoints, globalTransform or "
+                                  "localTransform)");
+}
+
 }  // namespace
 
 bool BoundInputReader::IsBound(const json& input) {
@@ -197,37 +235,7 @@ PortValues BoundInputReader::Fetch(const json& from, double time, const std::str
     return name == "points" ? Points(*mesh) : Polygons(*mesh, dataPlace);
   }
 
-  const std::string objectPlace = place + "/object";
-  const std::string fullName = Text(*objectName, objectPlace, "the full name of a scene object");
-  const auto object = SceneObjectNamed(fullName, objectPlace);
-  const std::string quoted = "\"" + fullName + "\"";
-  if (attribute) {
-    const std::string attributePlace = place + "/attribute";
-    const std::string attributeName = Text(*attribute, attributePlace, "an attribute name");
-    if (object->mesh_) {
-      const auto& attributes = object->mesh_->attributes;
-      if (const auto found = attributes.find(Utf8ToWide(attributeName)); found != attributes.end())
-        return Attribute(found->second);
-    }
-    throw InputError(attributePlace, quoted + " has no attribute \"" + attributeName + "\"");
-  }
-  if (name == "globalTransform") return Transform(object->globalAt(time));
-  if (name == "localTransform") return Transform(object->localAt(time));
-  if (name == "points" || name == "polygons") {
-    if (!object->mesh_)
-      throw InputError(dataPlace, quoted + " is a " + WideToUtf8(object->type_) +
-                                      ", not a polygon mesh: it has no " + name);
-    return name == "points" ? Points(*object->mesh_) : Polygons(*object->mesh_, dataPlace);
-  }
-  if (name == "controlPoints") {
-    if (object->curves_.empty())
-      throw InputError(dataPlace, quoted + " is a " + WideToUtf8(object->type_) +
-                                      ", not a curve list: it has no control points");
-    return ControlPoints(*object, Find(from, "curve"), place + "/curve");
-  }
-  throw InputError(dataPlace, "unknown data \"" + name +
-                                  "\" (points, polygons, controlPoints, globalTransform or "
-                                  "localTransform)");
+  return FromObject(from, name, time, place);
 }
 
 std::shared_ptr<const MeshData> BoundInputReader::MeshFile(const json& path,
