@@ -2,6 +2,7 @@
 shipped example evaluated as `quillix eval` evaluates it."""
 
 import json
+import os
 import pathlib
 
 import numpy as np
@@ -20,7 +21,10 @@ with quillix.Host() as host:
     for output in host.eval(request)["results"][0]["outputs"]:
         print("Quillix_divi port", output["port"], "->", output["values"])
 
-    document = json.loads((examples / "pathfind" / "fpom.json").read_text())
+    # The example names its mesh file relative to its own folder; the host takes relative
+    # paths from the working directory.
+    os.chdir(examples / "pathfind")
+    document = json.loads(pathlib.Path("fpom.json").read_text())
     result = host.eval(document)
     for entry in result["results"][:3]:
         print("Quillix_fpom paths:", entry["outputs"][1]["values"])

@@ -97,6 +97,23 @@ def _plain(value):
     return value
 
 
+def _absolute_mesh_files(document):
+    """Takes the relative mesh files of bound inputs ({"from": {"meshFile": ...}}) from the
+    working directory, as "scene" is, rather than from the request's temporary file."""
+    requests = document.get("requests")
+    for entry in requests if isinstance(requests, list) else []:
+        if not isinstance(entry, dict):
+            continue
+        instances = entry.get("instances")
+        groups = [entry.get("inputs")] + (instances if isinstance(instances, list) else [])
+        for inputs in (group for group in groups if isinstance(group, dict)):
+            for value in inputs.values():
+                source = value.get("from") if isinstance(value, dict) else None
+                path = source.get("meshFile") if isinstance(source, dict) else None
+                if isinstance(path, (str, _os.PathLike)):
+                    source["meshFile"] = _os.path.abspath(_os.fspath(path))
+
+
 def _leaves(value):
     if isinstance(value, list):
         for item in value:
@@ -174,7 +191,8 @@ class Host:
 
         request: one request dictionary, a list of them, or a whole request document
         ({"requests": [...], "scene": ...}); NumPy arrays and scalars are accepted anywhere a
-        value or a list of values is. A relative "scene" is taken from the working directory.
+        value or a list of values is. A relative "scene", and a relative "meshFile" of an input
+        bound to a mesh file, is taken from the working directory.
         Named instances keep their state from one request to the next, across calls, until
         ``close``, which returns what their Term logged. Returns {"results", "shutdownLog"} as
         the tool prints them (the shutdown log of the named instances comes with ``close``
@@ -191,7 +209,9 @@ class Host:
             document = {"requests": list(request)}
         if isinstance(document.get("scene"), (str, _os.PathLike)):
             document["scene"] = _os.path.abspath(_os.fspath(document["scene"]))
-        text = _json.dumps(_plain(document))
+        document = _plain(document)
+        _absolute_mesh_files(document)
+        text = _json.dumps(document)
         with _tempfile.NamedTemporaryFile("w", suffix=".json", encoding="utf-8") as file:
             file.write(text)
             file.flush()

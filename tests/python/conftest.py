@@ -25,28 +25,47 @@ def tool(host):
 
 
 def load_example(relative):
-    """A shipped request document, its relative scene made absolute."""
+    """A shipped request document, its relative scene and mesh files made absolute."""
     path = EXAMPLES / relative
     document = json.loads(path.read_text())
     if "scene" in document:
         document["scene"] = str((path.parent / document["scene"]).resolve())
+    for request in document["requests"]:
+        for given in request.get("inputs", {}).values():
+            if "meshFile" in given.get("from", {}):
+                given["from"]["meshFile"] = str((path.parent / given["from"]["meshFile"]).resolve())
     return document
 
 
-class ElementInputs:
-    """The inputs one element of a request sees: given values, constants, or the port's
-    default (an array port's default is an array of that one value)."""
+def bound_value(source, document):
+    """The value of an input bound as the examples bind them: a mesh file's points or
+    polygons, or the control points of a curve in the document's scene file."""
+    if "meshFile" in source:
+        positions, polygons = quillix.read_mesh(source["meshFile"])
+        return positions.astype(np.float32) if source["data"] == "points" else polygons
+    scene = json.loads(pathlib.Path(document["scene"]).read_text())
+    curves = next(o["curves"] for o in scene["objects"] if o["name"] == source["object"])
+    return [point[:3] for point in curves[source.get("curve", 0)]["points"]]
 
-    def __init__(self, host, request):
+
+class ElementInputs:
+    """The inputs one element of a request sees: given values, constants, bound values (of
+    the request's `document`), or the port's default (an array port's default is an array of
+    that one value)."""
+
+    def __init__(self, host, request, document=None):
         node = next(n for n in host.nodes()["nodes"] if n["name"] == request["node"])
         self.ports = {p["id"]: p for p in node["inputs"]}
         self.given = request.get("inputs", {})
+        self.document = document
 
     def __call__(self, port, element):
         given = self.given.get(str(port))
         if given is None:
             default = self.ports[port]["default"]
             return [default] if self.ports[port]["structures"] == 2 else default
+        if "from" in given:
+            return bound_value(given["from"], self.document)
         return given["values"][0 if given.get("constant") else element]
 
     def is_array(self, port):

@@ -21,7 +21,7 @@ def compare_example(host, example, nodes, call):
     for request, outcome in zip(document["requests"], result["results"]):
         if request["node"] not in nodes:
             continue
-        inputs = ElementInputs(host, request)
+        inputs = ElementInputs(host, request, document)
         values = outcome["outputs"][0]["values"]
         for element in range(request.get("elements", 1)):
             same_bits(call(request["node"], lambda port: inputs(port, element)), values[element])

@@ -21,7 +21,7 @@ def test_chain_path_matches_node(host):
     result = host.eval(document, arrays=False)
     checked = 0
     for request, outcome in zip(document["requests"], result["results"]):
-        inputs = ElementInputs(host, request)
+        inputs = ElementInputs(host, request, document)
         mesh = quillix.Mesh(inputs(1020, 0), inputs(1030, 0))
         flags = np.asarray(inputs(1823, 0), dtype=bool)
         blocked = ~flags if flags.size == mesh.vertex_count else None

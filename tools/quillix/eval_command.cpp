@@ -8,6 +8,7 @@
 #include <xsihost/host.h>
 #include <nlohmann/json.hpp>
 
+#include "tools/quillix/bound_inputs.h"
 #include "tools/quillix/commands.h"
 #include "tools/quillix/eval_document.h"
 #include "tools/quillix/file_text.h"
@@ -52,9 +53,13 @@ const json& Member(const json& object, const char* key, const JsonPlace& place) 
   return object.at(key);
 }
 
-// One input: {"structure", "type", "constant", "values"}; checked against the port.
-xsihost::PortValues ReadInput(const json& j, const PortRecord& port, ULONG elements,
-                              const JsonPlace& place) {
+// One input: {"structure", "type", "constant", "values"}, or {"from"} (bound_inputs.h); checked
+// against the port.
+xsihost::PortValues ReadInput(const json& j, const PortRecord& port,
+                              const xsihost::EvaluationRequest& request, const JsonPlace& place,
+                              BoundInputReader& bound) {
+  if (BoundInputReader::IsBound(j)) return bound.Read(j, port, request.time, place);
+  const ULONG elements = request.elements;
   if (!j.is_object()) throw InputError(place, "expected an object with \"type\" and \"values\"");
   CheckKnownKeys(j, place, {"type", "structure", "constant", "values"});
   const json& typeJson = Member(j, "type", place);
@@ -87,13 +92,14 @@ xsihost::PortValues ReadInput(const json& j, const PortRecord& port, ULONG eleme
 }
 
 void ReadInputs(const json& inputs, const NodeDefinitionRecord& node, ULONG instance,
-                ULONG elements, const JsonPlace& place, xsihost::EvaluationRequest& request) {
+                const JsonPlace& place, xsihost::EvaluationRequest& request,
+                BoundInputReader& bound) {
   if (!inputs.is_object())
     throw InputError(place, "expected an object keyed by input port ID or script name");
   for (const auto& [key, value] : inputs.items()) {
     const JsonPlace at(place, key);
     const PortRecord& port = FindPortByKey(node, key, PortKind::kInput, at);
-    request.SetInput(port.id, ReadInput(value, port, elements, at), instance);
+    request.SetInput(port.id, ReadInput(value, port, request, at, bound), instance);
   }
 }
 
@@ -146,9 +152,9 @@ void ReadElements(const json& r, const JsonPlace& place, xsihost::EvaluationRequ
 
 // "inputs", or "instances" with one input object per group instance.
 void ReadAllInputs(const json& r, const NodeDefinitionRecord& node, const JsonPlace& place,
-                   xsihost::EvaluationRequest& request) {
+                   xsihost::EvaluationRequest& request, BoundInputReader& bound) {
   if (r.contains("inputs"))
-    ReadInputs(r["inputs"], node, 0, request.elements, JsonPlace(place, "inputs"), request);
+    ReadInputs(r["inputs"], node, 0, JsonPlace(place, "inputs"), request, bound);
   if (!r.contains("instances")) return;
   const json& groups = r["instances"];
   const JsonPlace instancesPlace(place, "instances");
@@ -160,8 +166,8 @@ void ReadAllInputs(const json& r, const NodeDefinitionRecord& node, const JsonPl
     throw InputError(instancesPlace, "the node's group takes at most " +
                                          std::to_string(maxInstances) + " instances");
   for (std::size_t k = 0; k < groups.size(); ++k)
-    ReadInputs(groups[k], node, static_cast<ULONG>(k), request.elements,
-               JsonPlace(instancesPlace, k), request);
+    ReadInputs(groups[k], node, static_cast<ULONG>(k), JsonPlace(instancesPlace, k), request,
+               bound);
   request.groupInstances = static_cast<ULONG>(groups.size());
 }
 
@@ -288,7 +294,7 @@ json ResultJson(const json& r, ULONG elements, const xsihost::EvaluationOutcome&
 }
 
 json RunRequest(xsihost::Host& host, const json& r, const EvalOptions& options,
-                const JsonPlace& place) {
+                const JsonPlace& place, BoundInputReader& bound) {
   if (!r.is_object()) throw InputError(place, "expected a request object");
   CheckKnownKeys(r, place,
                  {"node", "port", "elements", "context", "batch", "inputs", "instances", "portInfo",
@@ -298,7 +304,7 @@ json RunRequest(xsihost::Host& host, const json& r, const EvalOptions& options,
   const std::vector<ULONG> ports = ReadPorts(r, node, place);
   xsihost::EvaluationRequest request;
   ReadElements(r, place, request);
-  ReadAllInputs(r, node, place, request);
+  ReadAllInputs(r, node, place, request, bound);
   ReadPortInfo(r, node, place, request);
   ReadThreading(r, options, place, request);
   CheckResultSize(r, node, request, ports, place);
@@ -323,10 +329,11 @@ bool LoadRequestScene(const json& document, const EvalOptions& options, const st
 // Writes the result files and pictures of one request when any folder was asked for; a
 // folder that cannot be written is one message and the end of the run.
 bool WriteOutputs(const json& request, const json& result, std::size_t index,
-                  const ResultOutputOptions& outputs, std::ostream& err) {
+                  const ResultOutputOptions& outputs, BoundInputReader& bound, std::ostream& err) {
   if (outputs.outDir.empty() && outputs.pngDir.empty() && outputs.svgDir.empty()) return true;
   std::vector<std::string> written;
-  const OutputStatus status = WriteResultOutputs(request, result, index, outputs, written);
+  const OutputStatus status =
+      WriteResultOutputs(bound.Inline(request), result, index, outputs, written);
   if (!status.ok) err << "quillix: " << status.message << '\n';
   return status.ok;
 }
@@ -337,6 +344,9 @@ int EvaluateDocument(xsihost::Host& host, const json& document, const EvalOption
                      const std::string& file, json& out, std::ostream& err) {
   if (!LoadRequestScene(document, options, file, err)) return 2;
   json results = json::array();
+  BoundInputReader bound(options.requestPath == "-"
+                             ? std::filesystem::path()
+                             : std::filesystem::path(options.requestPath).parent_path());
   host.TakeLog();
   try {
     const JsonPlace root;
@@ -350,8 +360,9 @@ int EvaluateDocument(xsihost::Host& host, const json& document, const EvalOption
       throw InputError(document.is_object() ? requestsPlace : root, "expected a list of requests");
     for (std::size_t i = 0; i < requests->size(); ++i) {
       results.push_back(RunRequest(host, (*requests)[i], options,
-                                   JsonPlace(document.is_object() ? requestsPlace : root, i)));
-      if (!WriteOutputs((*requests)[i], results.back(), i, options.outputs, err)) return 2;
+                                   JsonPlace(document.is_object() ? requestsPlace : root, i),
+                                   bound));
+      if (!WriteOutputs((*requests)[i], results.back(), i, options.outputs, bound, err)) return 2;
     }
   } catch (const InputError& e) {
     if (!options.keepInstances) host.DestroyInstances();

@@ -295,6 +295,8 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
       error = path + ": the face element lacks a vertex_indices list";
       return false;
     }
+    // An element without properties holds no data: its count, however large, reads nothing.
+    if (e.properties.empty()) continue;
     for (std::size_t i = 0; i < e.count; ++i) {
       Vec3d point{0, 0, 0};
       std::vector<std::int32_t> polygon;

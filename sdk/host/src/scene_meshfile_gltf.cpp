@@ -5,6 +5,7 @@
 // share an accessor share its vertices), so the numbering a user sees in the file's data is
 // the mesh's. Node transforms are not applied: the mesh is in its own space, as scene objects
 // carry their transforms themselves.
+#include <cstdint>
 #include <cstring>
 #include <map>
 
@@ -30,11 +31,20 @@ const unsigned char* element(const tinygltf::Model& model, const tinygltf::Acces
   const int strideValue = accessor.ByteStride(view);
   if (strideValue <= 0) return nullptr;
   const std::size_t stride = static_cast<std::size_t>(strideValue);
-  const std::size_t offset = view.byteOffset + accessor.byteOffset + index * stride;
-  if (offset + elementSize > buffer.data.size() ||
+  const std::size_t start = view.byteOffset + accessor.byteOffset;
+  if (start < view.byteOffset || index > (SIZE_MAX - start) / stride) return nullptr;
+  const std::size_t offset = start + index * stride;
+  if (offset > SIZE_MAX - elementSize || offset + elementSize > buffer.data.size() ||
       offset + elementSize > view.byteOffset + view.byteLength)
     return nullptr;
   return buffer.data.data() + offset;
+}
+
+// Whether every one of the `accessor.count` entries lies inside the buffer: checked before
+// anything is read, so that a count the file does not hold allocates nothing.
+bool holdsCount(const tinygltf::Model& model, const tinygltf::Accessor& accessor,
+                std::size_t elementSize) {
+  return accessor.count == 0 || element(model, accessor, accessor.count - 1, elementSize);
 }
 
 }  // namespace
@@ -88,6 +98,11 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
       } else {
         first = static_cast<std::int32_t>(mesh.points.size());
         firstVertexOfAccessor[position->second] = first;
+        if (!holdsCount(model, positions, 12)) {
+          error = where + "the positions claim " + std::to_string(positions.count) +
+                  " vertices, more than their buffer holds";
+          return false;
+        }
         for (std::size_t i = 0; i < positions.count; ++i) {
           const unsigned char* bytes = element(model, positions, i, 12);
           if (!bytes) {
@@ -117,6 +132,11 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
                                                                                   : 0;
         if (size == 0 || list.type != TINYGLTF_TYPE_SCALAR || list.sparse.isSparse) {
           error = where + "indices must be a dense accessor of unsigned integers";
+          return false;
+        }
+        if (!holdsCount(model, list, size)) {
+          error = where + "the indices claim " + std::to_string(list.count) +
+                  " entries, more than their buffer holds";
           return false;
         }
         for (std::size_t i = 0; i < list.count; ++i) {

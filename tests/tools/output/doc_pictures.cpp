@@ -13,7 +13,8 @@ namespace {
 
 using quillix::Vec3f;
 
-// The 6 × 5 grid of examples/pathfind/fpom.json: vertex (i, j) is number 6·j + i, three raised.
+// The 6 × 5 grid of examples/pathfind/meshes/hill_grid.obj, the mesh of fpom.json: vertex
+// (i, j) is number 6·j + i, three raised.
 std::vector<Vec3f> GridPositions() {
   std::vector<Vec3f> positions;
   for (int j = 0; j < 5; ++j) {
