@@ -53,7 +53,7 @@ fuzz() {
 }
 # The value after "NAME: " on a run's last stats line: "#<runs> DONE cov: <edges> ft: <features>
 # corp: <inputs>/<size> ...", or the last progress line of a run that stopped on a failure.
-field() { grep -E '^#[0-9]+ ' "$2" | tail -1 | sed -n "s/.* $1: \([^ ]*\).*/\1/p"; }
+field() { grep -E '^#[0-9]+[[:space:]]' "$2" | tail -1 | sed -n "s/.* $1: \([^ ]*\).*/\1/p"; }
 runs() { sed -n 's/^stat::number_of_executed_units: *//p' "$1"; }
 report() {
   echo "$1: FAILED; input and log in $scratch/$1/"
