@@ -8,6 +8,7 @@
 
 #include "core/mesh/vertex_path.h"
 #include "fuzz/fuzz_common.h"
+#include "fuzz/fuzz_mesh.h"
 #include "kernel/geometry.h"
 
 using namespace quillix;
@@ -18,25 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   QRVMemoryContext geometryMemory, searchMemory;
   {
     QRVGeometry geo(&geometryMemory);
-    const std::int32_t vertexCount = in.ConsumeIntegralInRange<std::int32_t>(0, 64);
-    std::vector<Vec3f> positions(std::size_t(std::max(vertexCount, 1)));
-    for (auto& p : positions) {
-      p = {quillix::fuzz::ConsumeNastyFloat(in), quillix::fuzz::ConsumeNastyFloat(in),
-           quillix::fuzz::ConsumeNastyFloat(in)};
-    }
-    // Polygons inline: size, then its corners (sizes 0 to 5, corners inside the vertices).
-    const std::int32_t polygonCount = in.ConsumeIntegralInRange<std::int32_t>(0, 48);
-    std::vector<std::int32_t> description;
-    for (std::int32_t p = 0; p < polygonCount; ++p) {
-      const std::int32_t corners = in.ConsumeIntegralInRange<std::int32_t>(0, 5);
-      description.push_back(corners);
-      for (std::int32_t k = 0; k < corners; ++k)
-        description.push_back(
-            in.ConsumeIntegralInRange<std::int32_t>(0, std::max(vertexCount, 1) - 1));
-    }
-    if (geo.Set(positions.data(), vertexCount, kEncodingFloat, description.data(), nullptr,
-                polygonCount, kDescriptionInline) != 0)
-      return 0;
+    if (quillix::fuzz::ConsumeRandomMesh(in, geo, 64, 48) != 0) return 0;
     // The searches read what the caller computed beforehand; leave some items out on purpose.
     if (in.ConsumeIntegralInRange<int>(0, 7) != 0) (void)geo.NeighbourLists();
     if (in.ConsumeBool()) (void)geo.ComponentNumbers();

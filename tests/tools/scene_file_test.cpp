@@ -200,6 +200,9 @@ TEST(SceneFile, EachKindOfBadInputGetsOneMessageWithItsPlace) {
   EXPECT_EQ(errorOf(objects(R"({"name": "m", "type": "polymsh"})")),
             "s.json: /objects/0: a \"polymsh\" object needs a \"mesh\"");
   EXPECT_EQ(errorOf("[]"), "s.json: /: expected a JSON object with \"objects\"");
+  // Control characters from the file (found by fuzz_scene_file) are escaped: still one line.
+  EXPECT_EQ(errorOf(objects(R"({"name": "a", "type": "null", "par\nt\u0001": "b"})")),
+            "s.json: /objects/0/par\\nt\\u0001: unknown key \"par\\nt\\u0001\"");
 }
 
 TEST(SceneFile, ALongChainOfParentsLoadsAndGoesAwayWithoutDeepRecursion) {

@@ -2,6 +2,7 @@
 #include "xsihost/scene_file.h"
 
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -530,6 +531,24 @@ std::string lineAndColumn(const std::string& text, std::size_t byte) {
   return std::to_string(line) + ":" + std::to_string(column);
 }
 
+// Keys and names come from the file and may hold control characters (a JSON "\n" in a key):
+// they are written as escapes, so that the message stays one line.
+std::string OneLine(const std::string& message) {
+  std::string out;
+  for (const unsigned char c : message) {
+    if (c == '\n') {
+      out += "\\n";
+    } else if (c < 0x20 || c == 0x7F) {
+      char escape[8];
+      std::snprintf(escape, sizeof escape, "\\u%04x", unsigned(c));
+      out += escape;
+    } else {
+      out.push_back(char(c));
+    }
+  }
+  return out;
+}
+
 }  // namespace
 
 std::string JsonPointerToken(std::string_view key) {
@@ -569,9 +588,10 @@ std::shared_ptr<Scene> ParseSceneText(const std::string& text, const std::string
     scene->SetPath(fileLabel);
     return scene;
   } catch (const SceneError& e) {
-    error = fileLabel + ": " + (e.path.empty() ? std::string("/") : e.path) + ": " + e.message;
+    error =
+        OneLine(fileLabel + ": " + (e.path.empty() ? std::string("/") : e.path) + ": " + e.message);
   } catch (const std::exception& e) {
-    error = fileLabel + ": " + e.what();
+    error = OneLine(fileLabel + ": " + e.what());
   }
   return nullptr;
 }
