@@ -2,7 +2,7 @@
 # Builds and runs every test: the optimised build (its ctest run includes the Python
 # package's pytest suite, label "python") and its install (tests/install/run.sh), then
 # AddressSanitizer + UndefinedBehavior Sanitizer, then ThreadSanitizer over the tests that run
-# nodes on several threads, then each fuzz target for a bounded time from its seed corpus.
+# nodes on several threads, then each fuzz target for a bounded time from its committed corpus.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

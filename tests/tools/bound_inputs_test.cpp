@@ -59,12 +59,12 @@ class BoundInputs : public ::testing::Test {
   static void TearDownTestSuite() { xsihost::SetActiveScene(std::make_shared<xsihost::Scene>()); }
 
   xsihost::PortValues Read(const json& from, const xsihost::PortRecord& port = kAnyPort) {
-    return reader_.Read({{"from", from}}, port, 1.0, "/inputs/1010");
+    return reader_.Read({{"from", from}}, port, 1.0, place_);
   }
   // The message of the InputError that reading `from` raises.
   std::string Mistake(const json& input, const xsihost::PortRecord& port = kAnyPort) {
     try {
-      reader_.Read(input, port, 1.0, "/inputs/1010");
+      reader_.Read(input, port, 1.0, place_);
     } catch (const InputError& e) {
       return e.what();
     }
@@ -72,6 +72,7 @@ class BoundInputs : public ::testing::Test {
   }
 
   BoundInputReader reader_{kMeshes};
+  const JsonPlace root_, inputs_{root_, "inputs"}, place_{inputs_, "1010"};
 };
 
 TEST_F(BoundInputs, SceneDataBecomeOneConstantTypedItem) {
