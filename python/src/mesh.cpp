@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -59,16 +60,13 @@ class Mesh {
     return NewIntArray({mesh_.Geometry().ComponentNumbers(), std::size_t(VertexCount())});
   }
 
-  // Node vertex flags (0 blocks) from a (V,) boolean mask of blocked vertices; empty for None.
-  std::vector<std::uint8_t> Flags(py::handle blockedValue) const {
-    if (blockedValue.is_none()) return {};
+  // The (V,) boolean mask of blocked vertices, checked; nullopt for None.
+  std::optional<BoolArray> BlockedMask(py::handle blockedValue) const {
+    if (blockedValue.is_none()) return std::nullopt;
     static constexpr const char* kExpected = "a (V,) bool mask with V = vertex_count";
-    const BoolArray blocked = ToBoolArray(blockedValue, "blocked", kExpected);
+    BoolArray blocked = ToBoolArray(blockedValue, "blocked", kExpected);
     RequireShape(blocked, "blocked", kExpected, {VertexCount()});
-    std::vector<std::uint8_t> flags(static_cast<std::size_t>(VertexCount()));
-    const bool* data = blocked.data();
-    for (std::size_t v = 0; v < flags.size(); ++v) flags[v] = data[v] ? 0 : 1;
-    return flags;
+    return blocked;
   }
 
  private:
@@ -132,16 +130,24 @@ std::int32_t VertexIndex(std::int64_t value) {
              : std::int32_t(value);
 }
 
+// The search flags for `blocked` in `flags`, or null without a mask.
+const std::uint8_t* Flags(const std::optional<BoolArray>& blocked,
+                          std::vector<std::uint8_t>& flags) {
+  if (!blocked) return nullptr;
+  return FlagsFromMask({blocked->data(), std::size_t(blocked->size())}, flags);
+}
+
 IntArray VertexPath(const Mesh& mesh, std::int64_t start, std::int64_t end, py::handle blocked) {
-  const std::vector<std::uint8_t> flags = mesh.Flags(blocked);
+  const std::optional<BoolArray> mask = mesh.BlockedMask(blocked);
   const SearchableMesh& searchable = mesh.Searchable();
   std::unique_ptr<SearchScratch> scratch = searchable.AcquireScratch();
   std::int32_t length = 0;
   QRVStatus status;
   {
     GilRelease release(std::size_t(mesh.VertexCount()) >= kReleaseThreshold);
-    status = searchable.Search(VertexIndex(start), VertexIndex(end),
-                               flags.empty() ? nullptr : flags.data(), *scratch, length);
+    // The flags go into the pooled scratch: no allocation per call for a large mesh.
+    status = searchable.Search(VertexIndex(start), VertexIndex(end), Flags(mask, scratch->flags),
+                               *scratch, length);
   }
   IntArray out = NewIntArray({scratch->path.data(), std::size_t(length)});
   searchable.ReturnScratch(std::move(scratch));
@@ -155,7 +161,7 @@ py::list VertexPaths(const Mesh& mesh, py::handle pairsValue, py::handle blocked
   if (pairs.ndim() == 1 && pairs.size() == 0) return py::list();
   RequireShape(pairs, "pairs", kExpected, {-1, 2});
   if (threads < 0) throw py::value_error("threads: expected 0 (every core) or a positive count");
-  const std::vector<std::uint8_t> flags = mesh.Flags(blocked);
+  const std::optional<BoolArray> mask = mesh.BlockedMask(blocked);
   const std::size_t count = std::size_t(pairs.shape(0));
   // One (empty) path vector per pair before any search, the result list after.
   RequireMemory("pairs", count, sizeof(std::vector<std::int32_t>) + sizeof(PyObject*));
@@ -167,8 +173,9 @@ py::list VertexPaths(const Mesh& mesh, py::handle pairsValue, py::handle blocked
   std::vector<std::vector<std::int32_t>> paths;
   {
     GilRelease release(true);
-    mesh.Searchable().SearchPairs({pairs.data(), 2 * count}, flags.empty() ? nullptr : flags.data(),
-                                  threadCount, paths);
+    std::vector<std::uint8_t> flags;
+    mesh.Searchable().SearchPairs({pairs.data(), 2 * count}, Flags(mask, flags), threadCount,
+                                  paths);
   }
   py::list out(count);
   for (std::size_t k = 0; k < count; ++k) out[k] = NewIntArray(paths[k]);
@@ -179,12 +186,13 @@ IntArray ChainPathBinding(const Mesh& mesh, py::handle indicesValue, py::handle 
   static constexpr const char* kExpected = "a 1-D int32 array of vertex indices";
   const IntArray indices = ToIntArray(indicesValue, "indices", kExpected);
   RequireShape(indices, "indices", kExpected, {-1});
-  const std::vector<std::uint8_t> flags = mesh.Flags(blocked);
+  const std::optional<BoolArray> mask = mesh.BlockedMask(blocked);
   std::vector<std::int32_t> path;
   {
     GilRelease release(std::size_t(mesh.VertexCount()) >= kReleaseThreshold);
-    mesh.Searchable().Chain({indices.data(), std::size_t(indices.size())},
-                            flags.empty() ? nullptr : flags.data(), path);
+    std::vector<std::uint8_t> flags;
+    mesh.Searchable().Chain({indices.data(), std::size_t(indices.size())}, Flags(mask, flags),
+                            path);
   }
   return NewIntArray(path);
 }

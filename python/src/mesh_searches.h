@@ -20,7 +20,12 @@ namespace quillix::python {
 struct SearchScratch {
   VertexPathWork work;
   std::vector<std::int32_t> path;
+  std::vector<std::uint8_t> flags;  // the search's vertex flags (FlagsFromMask)
 };
+
+// The search's vertex flags (0 blocks) for a mask of blocked vertices, written into `flags`
+// (resized to the mask's size; a reused buffer costs no allocation). Returns flags.data().
+const std::uint8_t* FlagsFromMask(std::span<const bool> blocked, std::vector<std::uint8_t>& flags);
 
 // The path node's mesh, built once and then only read: any number of threads may search it at
 // once. Everything derived (neighbour lists, components, steps, the component count) is
