@@ -14,7 +14,7 @@ packages=(
 )
 for group in "$@"; do
   case "$group" in
-    test) packages+=(googletest libgtest-dev libgmock-dev python3-pytest clang-format-14) ;;
+    test) packages+=(googletest libgtest-dev libgmock-dev python3-pytest python3-hypothesis clang-format-14) ;;
     # The comparison libraries of the benchmarks are found only when benchmarks are built.
     bench) packages+=(libbenchmark-dev libboost-dev libopenmesh-dev) ;;
     fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;

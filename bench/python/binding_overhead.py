@@ -1,8 +1,9 @@
 """Per-call overhead of the quillix Python binding against the C++ core, measured in one run.
 
 Runs python_core_calls_bench (the same core calls with the same inputs, timed in C++) and
-times the binding with timeit, then prints both and the difference per call. Then builds a
-10^6-vertex grid Mesh and times vertex_paths on many pairs with 1 and 2 threads.
+times the binding with timeit, then prints both and the difference per call, and what a blocked
+mask adds to a search of the 10^6-vertex grid Mesh. Then times vertex_paths on many pairs of
+that Mesh with 1 and 2 threads.
 
     PYTHONPATH=build/release/python /usr/bin/python3 bench/python/binding_overhead.py \
         [--build build/release] [--pairs 10000]
@@ -93,6 +94,13 @@ def main():
         print("%-30s %10.3f us %10.3f us %10.3f us %7.3fx" % (
             name, core[name] * 1e6, binding * 1e6, (binding - core[name]) * 1e6,
             binding / core[name]))
+
+    # A blocked mask costs one pass over it per search (its inversion into the search's flags).
+    mask = np.zeros(large_mesh.vertex_count, bool)
+    free = per_call(lambda: quillix.vertex_path(large_mesh, 500500, 500510))
+    masked = per_call(lambda: quillix.vertex_path(large_mesh, 500500, 500510, blocked=mask))
+    print("vertex_path on %d vertices: %.3f us, with a blocked mask %.3f us (%.2fx)" % (
+        large_mesh.vertex_count, free * 1e6, masked * 1e6, masked / free))
 
     rng = np.random.default_rng(1)
     starts = rng.integers(0, large_mesh.vertex_count - 20, size=args.pairs)

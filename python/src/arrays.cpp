@@ -1,5 +1,10 @@
 #include "python/src/arrays.h"
 
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -33,38 +38,76 @@ py::array AsArray(py::handle value, const char* name, const char* expected) {
                        std::string(py::str(array.dtype())));
 }
 
-// Checks that every value of an integer array fits int32 before the forced cast.
-template <class T>
+// Checks that every value of an integer array fits int32 before the forced cast; NumPy's own
+// reductions read any layout without a copy.
 void RequireInt32Range(const py::array& array, const char* name) {
-  const auto values = py::array_t<T, py::array::c_style>::ensure(array);
-  const T* data = values.data();
-  for (py::ssize_t i = 0; i < values.size(); ++i) {
-    if (data[i] > T(std::numeric_limits<std::int32_t>::max()) ||
-        (std::numeric_limits<T>::is_signed &&
-         data[i] < T(std::numeric_limits<std::int32_t>::min()))) {
-      throw py::value_error(std::string(name) + ": value " + std::to_string(data[i]) +
+  if (array.size() == 0) return;
+  const py::int_ largest(array.attr("max")()), smallest(array.attr("min")());
+  for (const py::int_& value : {largest, smallest}) {
+    if (value > py::int_(std::numeric_limits<std::int32_t>::max()) ||
+        value < py::int_(std::numeric_limits<std::int32_t>::min())) {
+      throw py::value_error(std::string(name) + ": value " +
+                            std::string(py::str(py::handle(value))) +
                             " does not fit a 32-bit index");
     }
   }
 }
 
+// The memory a call may count on: the machine's physical memory, or less when the process's
+// address space is limited (ulimit -v).
+std::size_t MachineMemoryBytes() {
+  static const std::size_t bytes = [] {
+    const long pages = sysconf(_SC_PHYS_PAGES), pageSize = sysconf(_SC_PAGESIZE);
+    std::size_t total =
+        pages > 0 && pageSize > 0 ? std::size_t(pages) * std::size_t(pageSize) : SIZE_MAX;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY)
+      total = std::min<std::size_t>(total, limit.rlim_cur);
+    return total;
+  }();
+  return bytes;
+}
+
 // `array` converted to a C-contiguous array of T; the caller has checked that the conversion
 // loses nothing the contract allows to keep.
 template <class T>
-py::array_t<T, py::array::c_style> ForceCast(const py::array& array) {
-  auto converted = py::array_t<T, py::array::c_style | py::array::forcecast>::ensure(array);
-  if (!converted) throw py::error_already_set();
+py::array_t<T, py::array::c_style> ForceCast(const py::array& array, const char* name) {
+  RequireMemory(name, std::size_t(array.size()), sizeof(T));
+  // The converting constructor keeps NumPy's own error (ensure would clear it).
+  const py::array_t<T, py::array::c_style | py::array::forcecast> converted(array);
   return py::reinterpret_borrow<py::array_t<T, py::array::c_style>>(converted);
+}
+
+// `value` as a C-contiguous array of the floating type T, from real and integer dtypes.
+template <class T>
+py::array_t<T, py::array::c_style> ToRealArray(py::handle value, const char* name,
+                                               const char* expected) {
+  using Array = py::array_t<T, py::array::c_style>;
+  if (Array::check_(value)) return py::reinterpret_borrow<Array>(value);
+  const py::array array = AsArray(value, name, expected);
+  const char kind = array.dtype().kind();
+  if (kind != 'f' && kind != 'i' && kind != 'u') ThrowDtype(array, name, expected);
+  return ForceCast<T>(array, name);
 }
 
 }  // namespace
 
+void RequireMemory(const char* name, std::size_t count, std::size_t itemBytes) {
+  std::size_t bytes = 0;
+  if (!__builtin_mul_overflow(count, itemBytes, &bytes) && bytes <= MachineMemoryBytes()) return;
+  throw py::value_error(std::string(name) + ": " + std::to_string(count) + " items of " +
+                        std::to_string(itemBytes) +
+                        " bytes need more memory than the machine gives this process (" +
+                        std::to_string(MachineMemoryBytes() >> 20) + " MiB)");
+}
+
 FloatArray ToFloatArray(py::handle value, const char* name, const char* expected) {
-  if (FloatArray::check_(value)) return py::reinterpret_borrow<FloatArray>(value);
-  const py::array array = AsArray(value, name, expected);
-  const char kind = array.dtype().kind();
-  if (kind != 'f' && kind != 'i' && kind != 'u') ThrowDtype(array, name, expected);
-  return ForceCast<float>(array);
+  return ToRealArray<float>(value, name, expected);
+}
+
+py::array_t<double, py::array::c_style> ToDoubleArray(py::handle value, const char* name,
+                                                      const char* expected) {
+  return ToRealArray<double>(value, name, expected);
 }
 
 IntArray ToIntArray(py::handle value, const char* name, const char* expected) {
@@ -72,21 +115,19 @@ IntArray ToIntArray(py::handle value, const char* name, const char* expected) {
   const py::array array = AsArray(value, name, expected);
   const char kind = array.dtype().kind();
   // An empty list comes out as float64; it holds no value that could be wrong.
-  if (array.size() == 0 && kind == 'f') return ForceCast<std::int32_t>(array);
+  if (array.size() == 0 && kind == 'f') return ForceCast<std::int32_t>(array, name);
   if (kind != 'i' && kind != 'u') ThrowDtype(array, name, expected);
-  if (array.itemsize() > 4 || (kind == 'u' && array.itemsize() == 4)) {
-    if (kind == 'u')
-      RequireInt32Range<std::uint64_t>(array, name);
-    else
-      RequireInt32Range<std::int64_t>(array, name);
-  }
-  return ForceCast<std::int32_t>(array);
+  // Before the range check, which reads every value.
+  RequireMemory(name, std::size_t(array.size()), sizeof(std::int32_t));
+  if (array.itemsize() > 4 || (kind == 'u' && array.itemsize() == 4))
+    RequireInt32Range(array, name);
+  return ForceCast<std::int32_t>(array, name);
 }
 
 BoolArray ToBoolArray(py::handle value, const char* name, const char* expected) {
   const py::array array = AsArray(value, name, expected);
   if (array.dtype().kind() != 'b') ThrowDtype(array, name, expected);
-  return ForceCast<bool>(array);
+  return ForceCast<bool>(array, name);
 }
 
 void RequireShape(const py::array& array, const char* name, const char* expected,

@@ -13,6 +13,8 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
+#include <vector>
 
 #include "core/math/math_types.h"
 
@@ -39,9 +41,17 @@ class GilRelease {
   std::optional<py::gil_scoped_release> release_;
 };
 
+// Raises ValueError naming `name` when `count` items of `itemBytes` bytes each (the product
+// checked for overflow) need more memory than the machine has, before anything is allocated:
+// such a call could only end in MemoryError or in the system killing the process.
+void RequireMemory(const char* name, std::size_t count, std::size_t itemBytes);
+
 // `value` as float32: real and integer dtypes are rounded to the nearest float32, as the host
 // does with its float ports. `expected` completes "expected ..." in messages.
 FloatArray ToFloatArray(py::handle value, const char* name, const char* expected);
+// The same in double precision, for the float64 fields of the matching's features.
+py::array_t<double, py::array::c_style> ToDoubleArray(py::handle value, const char* name,
+                                                      const char* expected);
 // `value` as int32: other integer dtypes are converted when every value fits 32 bits.
 IntArray ToIntArray(py::handle value, const char* name, const char* expected);
 // `value` as a boolean array; only the bool dtype is accepted.
@@ -66,6 +76,41 @@ struct MatricesArg {
   bool single = false;
 };
 MatricesArg ToMatrices(py::handle value, const char* name);
+
+// The items of a Python sequence (list, tuple, array ...; not a string) as T, converted as
+// pybind11 converts T. Unlike pybind11's own list conversion, a sequence claiming more items
+// than memory holds is refused (ValueError) before anything is reserved, and an item of the
+// wrong type raises TypeError naming its place.
+template <class T>
+std::vector<T> SequenceArg(py::handle value, const char* name, const char* expected) {
+  if (!py::isinstance<py::sequence>(value) || py::isinstance<py::str>(value) ||
+      py::isinstance<py::bytes>(value)) {
+    throw py::type_error(std::string(name) + ": expected " + expected + ", got " +
+                         std::string(py::str(py::type::of(value).attr("__name__"))));
+  }
+  const auto items = py::reinterpret_borrow<py::sequence>(value);
+  const std::size_t count = py::len(items);
+  RequireMemory(name, count, sizeof(T));
+  std::vector<T> out;
+  out.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const py::object item = items[i];
+    // None loads as a null reference, which pybind11 reports apart from other cast failures.
+    bool converted = !item.is_none();
+    if (converted) {
+      try {
+        out.push_back(item.cast<T>());
+      } catch (const py::cast_error&) {
+        converted = false;
+      }
+    }
+    if (!converted) {
+      throw py::type_error(std::string(name) + "[" + std::to_string(i) + "]: expected " + expected +
+                           ", got " + std::string(py::str(py::type::of(item).attr("__name__"))));
+    }
+  }
+  return out;
+}
 
 // A new float32 array of `count` points (shape (count, 3)) or matrices ((count, 4, 4)).
 FloatArray NewPoints(std::size_t count);

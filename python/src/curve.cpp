@@ -49,11 +49,18 @@ FloatArray ResamplePolylineBinding(py::handle pointsValue, std::optional<double>
   const float numOutputPoints = NumOutputPoints(count, density);
   const PointsArg input = ToPoints(pointsValue, "points");
   std::vector<float> segmentLengths;
-  const ResamplePlan plan = PlanResample(input.points, numOutputPoints, segmentLengths);
+  ResamplePlan plan;
+  {
+    GilRelease release(input.points.size() >= kReleaseThreshold);
+    plan = PlanResample(input.points, numOutputPoints, segmentLengths);
+  }
+  RequireMemory(density ? "density" : "count", plan.count, sizeof(Vec3f));
   FloatArray out = NewPoints(plan.count);
-  GilRelease release(input.points.size() + plan.count >= kReleaseThreshold);
-  ResampleLine(input.points, plan, segmentLengths, strength, iterations,
-               {MutablePoints(out), plan.count});
+  {
+    GilRelease release(input.points.size() + plan.count >= kReleaseThreshold);
+    ResampleLine(input.points, plan, segmentLengths, strength, iterations,
+                 {MutablePoints(out), plan.count});
+  }
   return out;
 }
 

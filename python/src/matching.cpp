@@ -47,7 +47,10 @@ MatchWeights WeightsArg(py::handle value) {
       while (term < kMatchTermCount && name != kWeightNames[term]) ++term;
       if (term == kMatchTermCount)
         throw py::value_error("weights: unknown weight \"" + name + "\"");
-      weights[term] = weight.cast<float>();
+      const std::string argument = "weights[\"" + name + "\"]";
+      const FloatArray given = ToFloatArray(weight, argument.c_str(), "a number");
+      RequireShape(given, argument.c_str(), "a number", {});
+      weights[term] = given.data()[0];
     }
     return weights;
   }
@@ -67,17 +70,16 @@ void Vec3Property(py::class_<Owner>& cls, const char* name, Vec3d Owner::*field)
         return py::array_t<double>(3, &v.x);
       },
       [field, name](Owner& owner, py::handle value) {
-        const auto v =
-            py::array_t<double, py::array::c_style | py::array::forcecast>::ensure(value);
-        if (!v || v.ndim() != 1 || v.size() != 3)
-          throw py::value_error(std::string(name) + ": expected 3 numbers");
+        const auto v = ToDoubleArray(value, name, "3 numbers");
+        RequireShape(v, name, "3 numbers", {3});
         owner.*field = {v.at(0), v.at(1), v.at(2)};
       });
 }
 
-py::dict FindMatchingScores(const ObjectFeatures& input,
-                            const std::vector<ObjectFeatures>& candidates, py::handle weightsValue,
-                            std::int64_t numOut) {
+py::dict FindMatchingScores(const ObjectFeatures& input, py::handle candidatesValue,
+                            py::handle weightsValue, std::int64_t numOut) {
+  const std::vector<ObjectFeatures> candidates =
+      SequenceArg<ObjectFeatures>(candidatesValue, "candidates", "a list of ObjectFeatures");
   MatchWeights weights = ClampNegativeWeights(WeightsArg(weightsValue));
   weights = WeightsForInput(weights, input.pointCount, input.triangleCount);
   const float weightSum = WeightSum(weights);
@@ -88,6 +90,7 @@ py::dict FindMatchingScores(const ObjectFeatures& input,
   std::string text;
   // All weights zero: the command stops before scoring, with no return value.
   if (weightSum > 0.0f) {
+    GilRelease release(true);
     for (std::size_t i = 0; i < candidates.size(); ++i)
       scores[i] = MatchScore(ComputeMatchTerms(input, candidates[i], weights));
     order = RankByScore(scores);
@@ -122,10 +125,8 @@ void BindMatching(py::module_& m) {
         return py::array_t<double>({3, 3}, &p.rotation.m[0][0]);
       },
       [](TransformParts& p, py::handle value) {
-        const auto r =
-            py::array_t<double, py::array::c_style | py::array::forcecast>::ensure(value);
-        if (!r || r.ndim() != 2 || r.shape(0) != 3 || r.shape(1) != 3)
-          throw py::value_error("rotation: expected a (3, 3) matrix");
+        const auto r = ToDoubleArray(value, "rotation", "a (3, 3) matrix");
+        RequireShape(r, "rotation", "a (3, 3) matrix", {3, 3});
         std::memcpy(p.rotation.m, r.data(), sizeof p.rotation.m);
       });
 
@@ -161,7 +162,10 @@ command's "name,percent,..." text for the best num_out, all when num_out < 1). A
 zero: nothing is scored (empty order, zero scores, empty text).)");
   m.def(
       "levenshtein_distance",
-      [](const std::string& a, const std::string& b) { return LevenshteinDistance(a, b); },
+      [](const std::string& a, const std::string& b) {
+        GilRelease release(a.size() * b.size() >= kReleaseThreshold);
+        return LevenshteinDistance(a, b);
+      },
       py::arg("a"), py::arg("b"),
       "Edit distance of two strings' UTF-8 bytes (insert, delete, substitute each cost 1).");
 }

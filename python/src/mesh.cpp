@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <limits>
 #include <memory>
-#include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -14,21 +14,12 @@
 #include <xsihost/scene.h>
 #include <xsihost/scene_file.h>
 
-#include "core/mesh/path_chain.h"
-#include "core/mesh/vertex_path.h"
-#include "kernel/geometry.h"
 #include "python/src/arrays.h"
+#include "python/src/mesh_searches.h"
 
 namespace quillix::python {
 
 namespace {
-
-// The work arrays of one search, kept between searches so that a mesh searched many times
-// allocates them once per concurrent caller.
-struct SearchScratch {
-  VertexPathWork work;
-  std::vector<std::int32_t> path;
-};
 
 class Mesh {
  public:
@@ -38,24 +29,19 @@ class Mesh {
     QRVStatus status;
     {
       GilRelease release(positions.points.size() >= kReleaseThreshold);
-      status = BuildPathGeometry(positions.points, description, *geo_);
+      status = mesh_.Build(positions.points, description);
     }
     if (status != 0) ThrowKernelError(status);
   }
 
-  const QRVGeometry& Geometry() const { return *geo_; }
-  std::int32_t VertexCount() const { return geo_->VertexCount(); }
-  std::int32_t PolygonCount() const { return geo_->PolygonCount(); }
-  // Components are numbered 0, 1, ... without gaps: the count is the largest number plus one.
-  std::int32_t ComponentCount() const {
-    const std::int32_t* numbers = geo_->ComponentNumbers();
-    if (numbers == nullptr || VertexCount() == 0) return 0;
-    return *std::max_element(numbers, numbers + VertexCount()) + 1;
-  }
+  const SearchableMesh& Searchable() const { return mesh_; }
+  std::int32_t VertexCount() const { return mesh_.VertexCount(); }
+  std::int32_t PolygonCount() const { return mesh_.PolygonCount(); }
+  std::int32_t ComponentCount() const { return mesh_.ComponentCount(); }
 
   FloatArray Positions() const {
     FloatArray out = NewPoints(std::size_t(VertexCount()));
-    std::copy_n(geo_->Positions(), VertexCount(), MutablePoints(out));
+    std::copy_n(mesh_.Geometry().Positions(), VertexCount(), MutablePoints(out));
     return out;
   }
 
@@ -64,39 +50,23 @@ class Mesh {
       throw py::index_error("vertex " + std::to_string(vertex) + " outside 0.." +
                             std::to_string(VertexCount() - 1));
     }
-    const QRVGeometry& geo = *geo_;
+    const QRVGeometry& geo = mesh_.Geometry();
     const std::int32_t* offsets = geo.NeighbourOffsets();
     return NewIntArray({geo.NeighbourLists() + offsets[vertex],
                         std::size_t(offsets[vertex + 1] - offsets[vertex])});
   }
 
   IntArray Components() const {
-    const QRVGeometry& geo = *geo_;
-    return NewIntArray({geo.ComponentNumbers(), std::size_t(VertexCount())});
+    return NewIntArray({mesh_.Geometry().ComponentNumbers(), std::size_t(VertexCount())});
   }
 
-  // Node vertex flags (0 blocks) from a (V,) boolean mask of blocked vertices; empty for None.
-  std::vector<std::uint8_t> Flags(py::handle blockedValue) const {
-    if (blockedValue.is_none()) return {};
+  // The (V,) boolean mask of blocked vertices, checked; nullopt for None.
+  std::optional<BoolArray> BlockedMask(py::handle blockedValue) const {
+    if (blockedValue.is_none()) return std::nullopt;
     static constexpr const char* kExpected = "a (V,) bool mask with V = vertex_count";
-    const BoolArray blocked = ToBoolArray(blockedValue, "blocked", kExpected);
+    BoolArray blocked = ToBoolArray(blockedValue, "blocked", kExpected);
     RequireShape(blocked, "blocked", kExpected, {VertexCount()});
-    std::vector<std::uint8_t> flags(static_cast<std::size_t>(VertexCount()));
-    const bool* data = blocked.data();
-    for (std::size_t v = 0; v < flags.size(); ++v) flags[v] = data[v] ? 0 : 1;
-    return flags;
-  }
-
-  std::unique_ptr<SearchScratch> AcquireScratch() {
-    std::lock_guard<std::mutex> lock(poolMutex_);
-    if (pool_.empty()) return std::make_unique<SearchScratch>();
-    std::unique_ptr<SearchScratch> scratch = std::move(pool_.back());
-    pool_.pop_back();
-    return scratch;
-  }
-  void ReturnScratch(std::unique_ptr<SearchScratch> scratch) {
-    std::lock_guard<std::mutex> lock(poolMutex_);
-    pool_.push_back(std::move(scratch));
+    return blocked;
   }
 
  private:
@@ -145,10 +115,11 @@ class Mesh {
     return description;
   }
 
-  std::unique_ptr<QRVGeometry> geo_ = std::make_unique<QRVGeometry>();
-  std::mutex poolMutex_;
-  std::vector<std::unique_ptr<SearchScratch>> pool_;
+  SearchableMesh mesh_;
 };
+
+// The most threads vertex_paths starts.
+constexpr std::size_t kMaxSearchThreads = 256;
 
 // A Python int as a vertex index; one beyond 32 bits becomes -1, which the search refuses as
 // out of range like any other.
@@ -159,77 +130,69 @@ std::int32_t VertexIndex(std::int64_t value) {
              : std::int32_t(value);
 }
 
-// One search into `scratch.path`; returns the status and sets `length`.
-QRVStatus Search(const QRVGeometry& geo, std::int32_t start, std::int32_t end,
-                 const std::uint8_t* flags, SearchScratch& scratch, std::int32_t& length) {
-  scratch.path.resize(std::size_t(std::max(geo.VertexCount(), 1)));
-  std::int32_t* path = scratch.path.data();
-  length = geo.VertexCount();
-  QRVStatus status = 0;
-  FindVertexPath(geo, start, end, path, length, 0, flags, status, geo.Memory(), &scratch.work);
-  return status;
+// The search flags for `blocked` in `flags`, or null without a mask.
+const std::uint8_t* Flags(const std::optional<BoolArray>& blocked,
+                          std::vector<std::uint8_t>& flags) {
+  if (!blocked) return nullptr;
+  return FlagsFromMask({blocked->data(), std::size_t(blocked->size())}, flags);
 }
 
-IntArray VertexPath(Mesh& mesh, std::int64_t start, std::int64_t end, py::handle blocked) {
-  const std::vector<std::uint8_t> flags = mesh.Flags(blocked);
-  std::unique_ptr<SearchScratch> scratch = mesh.AcquireScratch();
+IntArray VertexPath(const Mesh& mesh, std::int64_t start, std::int64_t end, py::handle blocked) {
+  const std::optional<BoolArray> mask = mesh.BlockedMask(blocked);
+  const SearchableMesh& searchable = mesh.Searchable();
+  std::unique_ptr<SearchScratch> scratch = searchable.AcquireScratch();
   std::int32_t length = 0;
   QRVStatus status;
   {
     GilRelease release(std::size_t(mesh.VertexCount()) >= kReleaseThreshold);
-    status = Search(mesh.Geometry(), VertexIndex(start), VertexIndex(end),
-                    flags.empty() ? nullptr : flags.data(), *scratch, length);
+    // The flags go into the pooled scratch: no allocation per call for a large mesh.
+    status = searchable.Search(VertexIndex(start), VertexIndex(end), Flags(mask, scratch->flags),
+                               *scratch, length);
   }
   IntArray out = NewIntArray({scratch->path.data(), std::size_t(length)});
-  mesh.ReturnScratch(std::move(scratch));
+  searchable.ReturnScratch(std::move(scratch));
   if (status != 0) ThrowKernelError(status);
   return out;
 }
 
-py::list VertexPaths(Mesh& mesh, py::handle pairsValue, py::handle blocked, int threads) {
+py::list VertexPaths(const Mesh& mesh, py::handle pairsValue, py::handle blocked, int threads) {
   static constexpr const char* kExpected = "a (K, 2) int32 array of (start, end) pairs";
   const IntArray pairs = ToIntArray(pairsValue, "pairs", kExpected);
   if (pairs.ndim() == 1 && pairs.size() == 0) return py::list();
   RequireShape(pairs, "pairs", kExpected, {-1, 2});
   if (threads < 0) throw py::value_error("threads: expected 0 (every core) or a positive count");
-  const std::vector<std::uint8_t> flags = mesh.Flags(blocked);
-  const std::ptrdiff_t count = pairs.shape(0);
-  const int threadCount =
-      threads > 0 ? threads : int(std::max(1u, std::thread::hardware_concurrency()));
-  std::vector<std::vector<std::int32_t>> paths(static_cast<std::size_t>(count));
+  const std::optional<BoolArray> mask = mesh.BlockedMask(blocked);
+  const std::size_t count = std::size_t(pairs.shape(0));
+  // One (empty) path vector per pair before any search, the result list after.
+  RequireMemory("pairs", count, sizeof(std::vector<std::int32_t>) + sizeof(PyObject*));
+  // More threads than pairs would only wait; the cap keeps a runaway count from asking the
+  // system for a million threads.
+  const std::size_t wanted =
+      threads > 0 ? std::size_t(threads) : std::max(1u, std::thread::hardware_concurrency());
+  const int threadCount = int(std::min({wanted, count, kMaxSearchThreads}));
+  std::vector<std::vector<std::int32_t>> paths;
   {
     GilRelease release(true);
-    const std::int32_t* ends = pairs.data();
-    const QRVGeometry& geo = mesh.Geometry();
-#pragma omp parallel num_threads(threadCount)
-    {
-      SearchScratch scratch;
-#pragma omp for schedule(dynamic, 1)
-      for (std::ptrdiff_t k = 0; k < count; ++k) {
-        std::int32_t length = 0;
-        if (Search(geo, ends[2 * k], ends[2 * k + 1], flags.empty() ? nullptr : flags.data(),
-                   scratch, length) == 0) {
-          paths[k].assign(scratch.path.begin(), scratch.path.begin() + length);
-        }
-      }
-    }
+    std::vector<std::uint8_t> flags;
+    mesh.Searchable().SearchPairs({pairs.data(), 2 * count}, Flags(mask, flags), threadCount,
+                                  paths);
   }
   py::list out(count);
-  for (std::ptrdiff_t k = 0; k < count; ++k) out[k] = NewIntArray(paths[k]);
+  for (std::size_t k = 0; k < count; ++k) out[k] = NewIntArray(paths[k]);
   return out;
 }
 
-IntArray ChainPathBinding(Mesh& mesh, py::handle indicesValue, py::handle blocked) {
+IntArray ChainPathBinding(const Mesh& mesh, py::handle indicesValue, py::handle blocked) {
   static constexpr const char* kExpected = "a 1-D int32 array of vertex indices";
   const IntArray indices = ToIntArray(indicesValue, "indices", kExpected);
   RequireShape(indices, "indices", kExpected, {-1});
-  const std::vector<std::uint8_t> flags = mesh.Flags(blocked);
+  const std::optional<BoolArray> mask = mesh.BlockedMask(blocked);
   std::vector<std::int32_t> path;
   {
     GilRelease release(std::size_t(mesh.VertexCount()) >= kReleaseThreshold);
-    PathScratch scratch(mesh.Geometry().Memory());
-    ChainPath(mesh.Geometry(), {indices.data(), std::size_t(indices.size())}, 0,
-              flags.empty() ? nullptr : flags.data(), scratch, path);
+    std::vector<std::uint8_t> flags;
+    mesh.Searchable().Chain({indices.data(), std::size_t(indices.size())}, Flags(mask, flags),
+                            path);
   }
   return NewIntArray(path);
 }
@@ -294,8 +257,8 @@ start or end out of range, 27 no path (different islands, blocked), -2 start equ
         py::arg("blocked") = py::none(), py::arg("threads") = 0,
         R"(vertex_path for every row of a (K, 2) int array of (start, end) pairs, in parallel.
 
-threads: 0 uses every core. Returns a list of K int32 arrays, empty where vertex_path would
-raise.)");
+threads: 0 uses every core; at most one thread per pair and 256 in all. Returns a list of K
+int32 arrays, empty where vertex_path would raise.)");
   m.def(
       "chain_path", &ChainPathBinding, py::arg("mesh"), py::arg("indices"),
       py::arg("blocked") = py::none(),

@@ -15,6 +15,10 @@ namespace quillix::python {
 
 namespace {
 
+// The most text one entry of an array can take (a float's digits, sign, exponent, padding
+// and its comma) in wide characters: what a long array's text is refused against up front.
+constexpr std::size_t kEntryTextBytes = 40 * sizeof(wchar_t);
+
 // One value or a 1-D array of bools, ints or floats, rendered as the nodes render their
 // input: a single entry bare, "0" for none, "<e0,e1,...>" for several.
 std::wstring ToText(py::handle value) {
@@ -27,15 +31,19 @@ std::wstring ToText(py::handle value) {
   }
   const py::array array = py::array::ensure(value);
   if (!array || array.ndim() > 1) throw py::type_error(std::string("value: expected ") + kExpected);
+  RequireMemory("value", std::size_t(array.size()), kEntryTextBytes);
   const char kind = array.dtype().kind();
   if (kind == 'b') {
     const BoolArray entries = ToBoolArray(array, "value", kExpected);
+    GilRelease release(std::size_t(entries.size()) >= kReleaseThreshold);
     AppendBoolListText({entries.data(), std::size_t(entries.size())}, out);
   } else if (kind == 'i' || kind == 'u') {
     const IntArray entries = ToIntArray(array, "value", kExpected);
+    GilRelease release(std::size_t(entries.size()) >= kReleaseThreshold);
     AppendIntListText({entries.data(), std::size_t(entries.size())}, out);
   } else {
     const FloatArray entries = ToFloatArray(array, "value", kExpected);
+    GilRelease release(std::size_t(entries.size()) >= kReleaseThreshold);
     AppendFloatListText({entries.data(), std::size_t(entries.size())}, out);
   }
   return out;
@@ -45,19 +53,22 @@ std::wstring NumberText(py::handle value, std::int32_t precision, bool treatAsIn
                         std::int32_t leadingZeros) {
   const FloatArray entries =
       ToFloatArray(value, "value", "a float or a 1-D array of float32 values");
+  RequireMemory("value", std::size_t(entries.size()), kEntryTextBytes);
   const NumberTextOptions options{precision, treatAsInteger, leadingZeros};
   std::wstring out;
   if (entries.ndim() == 0) {
     AppendNumberText(entries.data()[0], options, out);
   } else {
     RequireShape(entries, "value", "a float or a 1-D array of float32 values", {-1});
+    GilRelease release(std::size_t(entries.size()) >= kReleaseThreshold);
     AppendNumberArrayText({entries.data(), std::size_t(entries.size())}, options, out);
   }
   return out;
 }
 
-std::wstring JoinStringsBinding(const std::vector<std::wstring>& entries,
-                                const std::wstring& delimiter) {
+std::wstring JoinStringsBinding(py::handle entriesValue, const std::wstring& delimiter) {
+  const std::vector<std::wstring> entries =
+      SequenceArg<std::wstring>(entriesValue, "entries", "a list of strings");
   const std::vector<std::wstring_view> views(entries.begin(), entries.end());
   return JoinStrings(views, delimiter);
 }

@@ -71,4 +71,15 @@ inline QRVStatus SetPlainMesh(QRVGeometry& geo, const PlainMesh& mesh,
                  kDescriptionByteSizes, channel, {}, {}, motion);
 }
 
+// `mesh` as a host's polygonal description: each polygon's indices closed by -1.
+inline std::vector<std::int32_t> PolygonalDescription(const PlainMesh& mesh) {
+  std::vector<std::int32_t> description;
+  std::size_t node = 0;
+  for (std::uint8_t size : mesh.sizes) {
+    for (std::uint8_t k = 0; k < size; ++k) description.push_back(mesh.indices[node++]);
+    description.push_back(-1);
+  }
+  return description;
+}
+
 }  // namespace quillix::testing

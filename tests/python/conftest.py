@@ -1,15 +1,32 @@
-"""Shared fixtures: the repository's examples, the built `quillix` tool and one Host."""
+"""Shared fixtures: the repository's examples, the built `quillix` tool and one Host, and the
+hypothesis profiles of the property tests."""
 
 import json
+import os
 import pathlib
+import tempfile
 
 import numpy as np
 import pytest
+from hypothesis import HealthCheck, settings
+from hypothesis.configuration import set_hypothesis_home_dir
 
 import quillix
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 EXAMPLES = ROOT / "examples"
+
+# "ci": reproducible and short enough for every test run. "offline" (QUILLIX_HYPOTHESIS=offline)
+# searches far longer with fresh random examples.
+# Hypothesis keeps caches in a folder of its own: not in the source tree.
+set_hypothesis_home_dir(os.path.join(tempfile.gettempdir(), "quillix-hypothesis"))
+settings.register_profile("ci", derandomize=True, deadline=None, max_examples=60, database=None,
+                          suppress_health_check=[HealthCheck.too_slow])
+settings.register_profile("offline", deadline=None, max_examples=2000, database=None,
+                          suppress_health_check=[HealthCheck.too_slow])
+settings.load_profile(os.environ.get("QUILLIX_HYPOTHESIS", "ci"))
+# The oracles round the same extreme values to float32 as the package does: no warnings.
+np.seterr(all="ignore")
 
 
 @pytest.fixture(scope="session")

@@ -37,6 +37,14 @@ MESH = quillix.Mesh(LINE, [[0, 1, 2], [1, 3, 2]])
     (lambda: quillix.status_message(2**40), ValueError, "code"),
     (lambda: quillix.find_matching_scores(quillix.ObjectFeatures(), [], weights={"nope": 1}), ValueError, "nope"),
     (lambda: quillix.find_matching_scores(quillix.ObjectFeatures(), [], weights=[1, 2]), ValueError, "weights"),
+    (lambda: quillix.find_matching_scores(quillix.ObjectFeatures(), [], weights={"name": "x"}), TypeError, r'weights\["name"\]'),
+    (lambda: quillix.find_matching_scores(quillix.ObjectFeatures(), [None]), TypeError, r"candidates\[0\]"),
+    (lambda: quillix.find_matching_scores(quillix.ObjectFeatures(), np.broadcast_to(np.int8(1), (2**40,))), ValueError, "candidates"),
+    (lambda: quillix.join_strings(["a", 3]), TypeError, r"entries\[1\]"),
+    (lambda: quillix.join_strings(np.broadcast_to(np.int8(1), (2**40,))), ValueError, "entries"),
+    (lambda: setattr(quillix.ObjectFeatures(), "box_extent", [1j, 0, 0]), TypeError, "box_extent"),
+    (lambda: setattr(quillix.ObjectFeatures(), "box_extent", [[1, 0, 0]]), ValueError, "box_extent"),
+    (lambda: setattr(quillix.TransformParts(), "rotation", np.eye(3) > 0), TypeError, "rotation"),
 ])
 def test_errors_name_the_argument(call, error, words):
     with pytest.raises(error, match=words):
@@ -65,3 +73,9 @@ def test_nan_flows_through_as_the_cores_define():
     mesh = quillix.Mesh(with_nan, [[0, 1, 2], [1, 3, 2]])
     quillix.vertex_paths(mesh, [[0, 3], [3, 0]])
     quillix.ellipsoid_distance(np.full((4, 4), np.nan, np.float32), EYE)
+
+
+def test_thread_counts_beyond_the_pairs_are_capped():
+    paths = quillix.vertex_paths(MESH, [[0, 3], [3, 0]], threads=10**6)
+    assert [p.tolist() for p in paths] == [quillix.vertex_path(MESH, 0, 3).tolist(),
+                                           quillix.vertex_path(MESH, 3, 0).tolist()]

@@ -71,6 +71,9 @@ def test_search_failures_raise_kernel_errors():
     around = np.zeros(9, bool)
     around[4] = True
     assert 4 not in quillix.vertex_path(mesh, 0, 8, blocked=around).tolist()
+    odd = np.zeros(9, np.uint8)
+    odd[4] = 2  # NumPy reads any non-zero byte of a bool view as True
+    assert 4 not in quillix.vertex_path(mesh, 0, 8, blocked=odd.view(bool)).tolist()
     with pytest.raises(ValueError, match="blocked"):
         quillix.vertex_path(mesh, 0, 2, blocked=np.zeros(4, bool))
     with pytest.raises(IndexError):
