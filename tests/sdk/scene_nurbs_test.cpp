@@ -86,13 +86,13 @@ TEST(NurbsCircle, NonFiniteParametersAreClampedIntoTheRange) {
   const double inf = std::numeric_limits<double>::infinity();
   const double nan = std::numeric_limits<double>::quiet_NaN();
   // Infinities go to the ends like any value beyond them; NaN counts as the start.
-  EXPECT_EQ(curve.evaluate(-inf).position, curve.evaluate(10.0).position);
-  EXPECT_EQ(curve.evaluate(inf).position, curve.evaluate(18.0).position);
-  EXPECT_EQ(curve.evaluate(nan).position, curve.evaluate(10.0).position);
-  EXPECT_EQ(curve.parameterFromNormalized(nan), 10.0);
-  EXPECT_EQ(curve.parameterFromNormalized(inf), 18.0);
-  EXPECT_EQ(curve.lengthTo(nan), 0.0);
-  EXPECT_EQ(curve.lengthTo(inf), curve.length());
+  EXPECT_EQ(curve.Evaluate(-inf).position, curve.Evaluate(10.0).position);
+  EXPECT_EQ(curve.Evaluate(inf).position, curve.Evaluate(18.0).position);
+  EXPECT_EQ(curve.Evaluate(nan).position, curve.Evaluate(10.0).position);
+  EXPECT_EQ(curve.ParameterFromNormalized(nan), 10.0);
+  EXPECT_EQ(curve.ParameterFromNormalized(inf), 18.0);
+  EXPECT_EQ(curve.LengthTo(nan), 0.0);
+  EXPECT_EQ(curve.LengthTo(inf), curve.Length());
 }
 
 TEST(NurbsCurve, DerivativesMatchFiniteDifferencesOnAnUnevenRationalCubic) {

@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -38,6 +39,18 @@ int CountLines(const std::string& text, const std::string& prefix) {
     if (text.find('\n', at) == std::string::npos) break;
   }
   return count;
+}
+
+// The result document `quillix eval` prints for `requestFile`.
+json Evaluate(const fs::path& requestFile) {
+  const std::string command = std::string(QUILLIX_TOOL_PATH) + " eval " + requestFile.string();
+  FILE* pipe = popen(command.c_str(), "r");
+  std::string out;
+  char buffer[4096];
+  for (std::size_t n; pipe != nullptr && (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+    out.append(buffer, n);
+  EXPECT_TRUE(pipe != nullptr && pclose(pipe) == 0) << command;
+  return json::parse(out);
 }
 
 class ResultOutput : public ::testing::Test {
