@@ -46,7 +46,7 @@ class Hasher {
     }
     for (; bytes >= 8; p += 8, bytes -= 8) lanes_[0] = Round(lanes_[0], Word(p));
     std::uint64_t tail = 0;
-    std::memcpy(&tail, p, bytes);
+    if (bytes != 0) std::memcpy(&tail, p, bytes);  // an empty vector's data() may be null
     lanes_[1] = Round(lanes_[1], tail ^ (std::uint64_t(bytes) << 56));
   }
   void AddWord(std::uint64_t word) { lanes_[2] = Round(lanes_[2], word); }
