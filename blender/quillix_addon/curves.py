@@ -26,6 +26,27 @@ def curve_polylines(operator, obj):
     return polylines
 
 
+def spline_results(operator, obj, compute):
+    """`compute(quillix, points, spline)` for every poly and Bézier spline of `obj`, as
+    (polylines, results) with None for the other splines; None after a warning report when
+    there is nothing to work on, no module, or the module refuses a spline."""
+    polylines = curve_polylines(operator, obj)
+    if polylines is None:
+        return None
+    quillix = module_path.quillix_or_report(operator)
+    if quillix is None:
+        return None
+    try:
+        results = [
+            None if points is None else compute(quillix, points, spline)
+            for points, spline in zip(polylines, obj.data.splines)
+        ]
+    except ValueError as error:
+        operator.report({"WARNING"}, str(error))
+        return None
+    return polylines, results
+
+
 class CurveRewriteOperator:
     """Runs `polyline_result` on every poly and Bézier spline of the active curve and writes
     the results back, in place or into a copy of the object."""
@@ -48,20 +69,10 @@ class CurveRewriteOperator:
 
     def execute(self, context):
         obj = context.active_object
-        polylines = curve_polylines(self, obj)
-        if polylines is None:
+        computed = spline_results(self, obj, self.polyline_result)
+        if computed is None:
             return {"CANCELLED"}
-        quillix = module_path.quillix_or_report(self)
-        if quillix is None:
-            return {"CANCELLED"}
-        try:
-            results = [
-                None if points is None else self.polyline_result(quillix, points, spline)
-                for points, spline in zip(polylines, obj.data.splines)
-            ]
-        except ValueError as error:
-            self.report({"WARNING"}, str(error))
-            return {"CANCELLED"}
+        polylines, results = computed
 
         target = obj
         if self.new_object:

@@ -6,8 +6,7 @@ import bpy
 import numpy as np
 from mathutils import Matrix
 
-from . import module_path
-from .curves import active_curve_poll, curve_polylines
+from .curves import active_curve_poll, spline_results
 
 _UP_AXES = {"X": (1.0, 0.0, 0.0), "Y": (0.0, 1.0, 0.0), "Z": (0.0, 0.0, 1.0)}
 
@@ -130,21 +129,10 @@ class OBJECT_OT_quillix_spheres_along_curve(bpy.types.Operator):
 
     def execute(self, context):
         curve = context.active_object
-        polylines = curve_polylines(self, curve)
-        if polylines is None:
+        computed = spline_results(self, curve, self.spline_records)
+        if computed is None:
             return {"CANCELLED"}
-        quillix = module_path.quillix_or_report(self)
-        if quillix is None:
-            return {"CANCELLED"}
-        try:
-            records = [
-                self.spline_records(quillix, points, spline)
-                for points, spline in zip(polylines, curve.data.splines)
-                if points is not None
-            ]
-        except ValueError as error:
-            self.report({"WARNING"}, str(error))
-            return {"CANCELLED"}
+        records = [r for r in computed[1] if r is not None]
         records = np.concatenate(records) if records else np.empty((0, 4, 4), np.float32)
         if len(records) == 0:
             self.report({"WARNING"}, f"No sphere fits on \"{curve.name}\" with these radii")
