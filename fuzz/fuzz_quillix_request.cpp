@@ -117,7 +117,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   }
   quillix::tool::EvalOptions options;
   options.requestPath = gRequestPath;
-  nlohmann::json out;
+  quillix::tool::ResultDocument out;
   std::ostringstream err;
   const int status = quillix::tool::RunEval(*gHost, options, out, err);
   Check(status == 0 || status == 2, "exit status other than 0 or 2");
@@ -127,7 +127,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
           "bad input did not give exactly one message line");
   } else {
     Check(err.str().empty(), "a successful run printed an error");
-    (void)out.dump();  // every written value must serialise
+    // Every written value must serialise, as JSON the plain parser reads.
+    std::ostringstream text;
+    out.Write(text, -1);
+    Check(!nlohmann::json::parse(text.str(), nullptr, false).is_discarded(),
+          "the results are not JSON");
   }
   gHost->TakeLog();
   return 0;

@@ -73,15 +73,16 @@ class Host {
     options.threads = threads;
     options.batchSize = batchSize;
     options.keepInstances = true;
-    nlohmann::json out;
-    std::ostringstream err;
+    tool::ResultDocument out;
+    std::ostringstream err, text;
     int status;
     {
       py::gil_scoped_release release;
       status = tool::RunEval(Loaded(), options, out, err);
+      if (status == 0) out.Write(text, -1);
     }
     if (status != 0) throw py::value_error(Trimmed(err.str()));
-    return out.dump();
+    return text.str();
   }
 
   void LoadScene(const std::string& path) {

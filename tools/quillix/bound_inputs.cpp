@@ -11,6 +11,7 @@
 
 #include "tools/quillix/json_values.h"
 #include "tools/quillix/request_names.h"
+#include "tools/quillix/result_document.h"
 
 namespace quillix::tool {
 

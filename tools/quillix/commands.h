@@ -10,6 +10,7 @@
 
 #include <xsihost/host.h>
 
+#include "tools/quillix/result_document.h"
 #include "tools/quillix/result_output.h"
 
 namespace quillix::tool {
@@ -31,7 +32,7 @@ int RunList(const xsihost::PluginRecord& plugin, bool asJson, std::ostream& out)
 
 // Evaluates the requests of a JSON file into `out` ({"results", "shutdownLog"}); bad input
 // prints one message to `err` and returns 2.
-int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out,
+int RunEval(xsihost::Host& host, const EvalOptions& options, ResultDocument& out,
             std::ostream& err);
 
 // `eval --ndjson`: reads one request document per line of `in` and writes one compact line

@@ -1,3 +1,8 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cassert>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -15,6 +20,8 @@
 #include "tools/quillix/json_values.h"
 #include "tools/quillix/nearest_name.h"
 #include "tools/quillix/request_names.h"
+#include "tools/quillix/request_reader.h"
+#include "tools/quillix/result_document.h"
 #include "tools/quillix/result_limits.h"
 #include "tools/quillix/scene_tool.h"
 
@@ -53,12 +60,19 @@ const json& Member(const json& object, const char* key, const JsonPlace& place) 
   return object.at(key);
 }
 
+// Where input values come from besides the document's own lists: the scene and mesh files, and
+// the lists the request reader decoded as it read.
+struct InputSources {
+  BoundInputReader& bound;
+  DecodedValues& decoded;
+};
+
 // One input: {"structure", "type", "constant", "values"}, or {"from"} (bound_inputs.h); checked
 // against the port.
 xsihost::PortValues ReadInput(const json& j, const PortRecord& port,
                               const xsihost::EvaluationRequest& request, const JsonPlace& place,
-                              BoundInputReader& bound) {
-  if (BoundInputReader::IsBound(j)) return bound.Read(j, port, request.time, place);
+                              InputSources& sources) {
+  if (BoundInputReader::IsBound(j)) return sources.bound.Read(j, port, request.time, place);
   const ULONG elements = request.elements;
   if (!j.is_object()) throw InputError(place, "expected an object with \"type\" and \"values\"");
   CheckKnownKeys(j, place, {"type", "structure", "constant", "values"});
@@ -79,8 +93,14 @@ xsihost::PortValues ReadInput(const json& j, const PortRecord& port,
   if (j.contains("constant") && !j["constant"].is_boolean())
     throw InputError(JsonPlace(place, "constant"), "expected true or false");
   const JsonPlace valuesPlace(place, "values");
-  xsihost::PortValues values =
-      ReadPortValues(Member(j, "values", place), type, structure == 2, valuesPlace);
+  const json& valuesJson = Member(j, "values", place);
+  xsihost::PortValues values;
+  if (xsihost::PortValues* decoded = sources.decoded.Find(j)) {
+    assert(decoded->type == type && decoded->array == (structure == 2));
+    values = std::move(*decoded);
+  } else {
+    values = ReadPortValues(valuesJson, type, structure == 2, valuesPlace);
+  }
   values.constant = constant;
   const ULONG expected = constant ? 1 : elements;
   if (values.count != expected)
@@ -93,13 +113,13 @@ xsihost::PortValues ReadInput(const json& j, const PortRecord& port,
 
 void ReadInputs(const json& inputs, const NodeDefinitionRecord& node, ULONG instance,
                 const JsonPlace& place, xsihost::EvaluationRequest& request,
-                BoundInputReader& bound) {
+                InputSources& sources) {
   if (!inputs.is_object())
     throw InputError(place, "expected an object keyed by input port ID or script name");
   for (const auto& [key, value] : inputs.items()) {
     const JsonPlace at(place, key);
     const PortRecord& port = FindPortByKey(node, key, PortKind::kInput, at);
-    request.SetInput(port.id, ReadInput(value, port, request, at, bound), instance);
+    request.SetInput(port.id, ReadInput(value, port, request, at, sources), instance);
   }
 }
 
@@ -152,9 +172,9 @@ void ReadElements(const json& r, const JsonPlace& place, xsihost::EvaluationRequ
 
 // "inputs", or "instances" with one input object per group instance.
 void ReadAllInputs(const json& r, const NodeDefinitionRecord& node, const JsonPlace& place,
-                   xsihost::EvaluationRequest& request, BoundInputReader& bound) {
+                   xsihost::EvaluationRequest& request, InputSources& sources) {
   if (r.contains("inputs"))
-    ReadInputs(r["inputs"], node, 0, JsonPlace(place, "inputs"), request, bound);
+    ReadInputs(r["inputs"], node, 0, JsonPlace(place, "inputs"), request, sources);
   if (!r.contains("instances")) return;
   const json& groups = r["instances"];
   const JsonPlace instancesPlace(place, "instances");
@@ -167,7 +187,7 @@ void ReadAllInputs(const json& r, const NodeDefinitionRecord& node, const JsonPl
                                          std::to_string(maxInstances) + " instances");
   for (std::size_t k = 0; k < groups.size(); ++k)
     ReadInputs(groups[k], node, static_cast<ULONG>(k), JsonPlace(instancesPlace, k), request,
-               bound);
+               sources);
   request.groupInstances = static_cast<ULONG>(groups.size());
 }
 
@@ -278,15 +298,16 @@ void CheckResultSize(const json& r, const NodeDefinitionRecord& node,
   }
 }
 
-json ResultJson(const json& r, ULONG elements, const xsihost::EvaluationOutcome& outcome) {
+json ResultJson(const json& r, ULONG elements, xsihost::EvaluationOutcome outcome,
+                ResultDocument& document) {
   json outputs = json::array();
-  for (const auto& result : outcome.outputs) {
+  for (auto& result : outcome.outputs) {
     // A port the node does not define has no data: like every unwritten element, null.
     const bool unknown = result.values.type == 0;
     outputs.push_back({{"port", result.port},
                        {"status", result.status},
                        {"values", unknown ? json(std::vector<std::nullptr_t>(elements, nullptr))
-                                          : WritePortValues(result.values, true)}});
+                                          : document.Hold(std::move(result.values))}});
   }
   json out = {{"node", r["node"]}, {"outputs", outputs}, {"log", LogJson(outcome.log)}};
   if (r.contains("instance")) out["instance"] = r["instance"];
@@ -294,7 +315,7 @@ json ResultJson(const json& r, ULONG elements, const xsihost::EvaluationOutcome&
 }
 
 json RunRequest(xsihost::Host& host, const json& r, const EvalOptions& options,
-                const JsonPlace& place, BoundInputReader& bound) {
+                const JsonPlace& place, InputSources& sources, ResultDocument& document) {
   if (!r.is_object()) throw InputError(place, "expected a request object");
   CheckKnownKeys(r, place,
                  {"node", "port", "elements", "context", "batch", "inputs", "instances", "portInfo",
@@ -304,11 +325,12 @@ json RunRequest(xsihost::Host& host, const json& r, const EvalOptions& options,
   const std::vector<ULONG> ports = ReadPorts(r, node, place);
   xsihost::EvaluationRequest request;
   ReadElements(r, place, request);
-  ReadAllInputs(r, node, place, request, bound);
+  ReadAllInputs(r, node, place, request, sources);
   ReadPortInfo(r, node, place, request);
   ReadThreading(r, options, place, request);
   CheckResultSize(r, node, request, ports, place);
-  return ResultJson(r, request.elements, EvaluateRequest(host, r, node, request, ports, place));
+  return ResultJson(r, request.elements, EvaluateRequest(host, r, node, request, ports, place),
+                    document);
 }
 
 // A request file may name the scene its nodes read, relative to the file itself; a scene given
@@ -326,11 +348,14 @@ bool LoadRequestScene(const json& document, const EvalOptions& options, const st
   return LoadActiveScene(scene.string(), err);
 }
 
-// Writes the result files and pictures of one request when any folder was asked for; a
-// folder that cannot be written is one message and the end of the run.
+bool WantsOutputs(const ResultOutputOptions& outputs) {
+  return !outputs.outDir.empty() || !outputs.pngDir.empty() || !outputs.svgDir.empty();
+}
+
+// Writes the result files and pictures of one request; a folder that cannot be written is one
+// message and the end of the run.
 bool WriteOutputs(const json& request, const json& result, std::size_t index,
                   const ResultOutputOptions& outputs, BoundInputReader& bound, std::ostream& err) {
-  if (outputs.outDir.empty() && outputs.pngDir.empty() && outputs.svgDir.empty()) return true;
   std::vector<std::string> written;
   const OutputStatus status =
       WriteResultOutputs(bound.Inline(request), result, index, outputs, written);
@@ -340,13 +365,15 @@ bool WriteOutputs(const json& request, const json& result, std::size_t index,
 
 }  // namespace
 
-int EvaluateDocument(xsihost::Host& host, const json& document, const EvalOptions& options,
-                     const std::string& file, json& out, std::ostream& err) {
+int EvaluateDocument(xsihost::Host& host, const json& document, DecodedValues& decoded,
+                     const EvalOptions& options, const std::string& file, ResultDocument& out,
+                     std::ostream& err) {
   if (!LoadRequestScene(document, options, file, err)) return 2;
   json results = json::array();
   BoundInputReader bound(options.requestPath == "-"
                              ? std::filesystem::path()
                              : std::filesystem::path(options.requestPath).parent_path());
+  InputSources sources{bound, decoded};
   host.TakeLog();
   try {
     const JsonPlace root;
@@ -361,8 +388,10 @@ int EvaluateDocument(xsihost::Host& host, const json& document, const EvalOption
     for (std::size_t i = 0; i < requests->size(); ++i) {
       results.push_back(RunRequest(host, (*requests)[i], options,
                                    JsonPlace(document.is_object() ? requestsPlace : root, i),
-                                   bound));
-      if (!WriteOutputs((*requests)[i], results.back(), i, options.outputs, bound, err)) return 2;
+                                   sources, out));
+      if (WantsOutputs(options.outputs) &&
+          !WriteOutputs((*requests)[i], out.Inline(results.back()), i, options.outputs, bound, err))
+        return 2;
     }
   } catch (const InputError& e) {
     if (!options.keepInstances) host.DestroyInstances();
@@ -372,7 +401,7 @@ int EvaluateDocument(xsihost::Host& host, const json& document, const EvalOption
   // Term of the named instances, unless the caller keeps them for its next requests.
   const std::vector<xsihost::LogLine> shutdown =
       options.keepInstances ? std::vector<xsihost::LogLine>{} : host.DestroyInstances();
-  out = {{"results", std::move(results)}, {"shutdownLog", LogJson(shutdown)}};
+  out.tree = {{"results", std::move(results)}, {"shutdownLog", LogJson(shutdown)}};
   return 0;
 }
 
@@ -383,15 +412,41 @@ std::string NotValidJson(const json::exception& e) {
   return "not valid JSON: " + reason;
 }
 
-int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out,
+namespace {
+
+// Reads a request file through the request reader, when it is a regular file (which the plain
+// reader can read again should this one give up) and no pictures want the inputs as JSON.
+bool ReadDocumentFast(const EvalOptions& options, json& document, DecodedValues& decoded) {
+  if (options.requestPath == "-" || WantsOutputs(options.outputs)) return false;
+  const int fd = ::open(options.requestPath.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return false;
+  struct stat info {};
+  const bool read = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) &&
+                    ReadRequestDocument(fd, document, decoded);
+  ::close(fd);
+  return read;
+}
+
+}  // namespace
+
+int RunEval(xsihost::Host& host, const EvalOptions& options, ResultDocument& out,
             std::ostream& err) {
   const std::string file = options.requestPath == "-" ? "<stdin>" : options.requestPath;
+  json document;
+  DecodedValues decoded;
+  if (ReadDocumentFast(options, document, decoded))
+    return EvaluateDocument(host, document, decoded, options, file, out, err);
+  decoded = DecodedValues();
   std::string text, error;
   if (!ReadFileText(options.requestPath, "request", text, error)) {
     err << "quillix: " << error << '\n';
     return 2;
   }
-  json document;
+  if (!WantsOutputs(options.outputs) && ReadRequestDocument(text, document, decoded)) {
+    text = std::string();
+    return EvaluateDocument(host, document, decoded, options, file, out, err);
+  }
+  decoded = DecodedValues();
   try {
     document = json::parse(text);
   } catch (const json::exception& e) {
@@ -400,7 +455,7 @@ int RunEval(xsihost::Host& host, const EvalOptions& options, nlohmann::json& out
     return 2;
   }
   text = std::string();  // the document holds it all now
-  return EvaluateDocument(host, document, options, file, out, err);
+  return EvaluateDocument(host, document, decoded, options, file, out, err);
 }
 
 }  // namespace quillix::tool

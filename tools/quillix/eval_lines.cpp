@@ -26,21 +26,25 @@ std::string_view WithoutLineEnd(std::string_view line) {
 
 // Evaluates one line into `result`; on bad input returns false with the message line in `error`.
 bool EvaluateLine(xsihost::Host& host, std::string_view line, const EvalOptions& options,
-                  const std::string& label, json& result, std::string& error) {
+                  const std::string& label, ResultDocument& result, std::string& error) {
   std::ostringstream err;
   int status = 2;
   if (line.find_first_not_of(" \t") == std::string_view::npos) {
     err << "quillix: " << label << ": empty line (expected a request document)\n";
   } else {
     json document;
-    bool parsed = false;
-    try {
-      document = json::parse(line);
-      parsed = true;
-    } catch (const json::exception& e) {
-      err << "quillix: " << label << ": " << NotValidJson(e) << '\n';
+    DecodedValues decoded;
+    bool parsed = ReadRequestDocument(line, document, decoded);
+    if (!parsed) {
+      decoded = DecodedValues();
+      try {
+        document = json::parse(line);
+        parsed = true;
+      } catch (const json::exception& e) {
+        err << "quillix: " << label << ": " << NotValidJson(e) << '\n';
+      }
     }
-    if (parsed) status = EvaluateDocument(host, document, options, label, result, err);
+    if (parsed) status = EvaluateDocument(host, document, decoded, options, label, result, err);
   }
   error = err.str();
   while (!error.empty() && error.back() == '\n') error.pop_back();
@@ -63,11 +67,12 @@ int RunEvalLines(xsihost::Host& host, const EvalOptions& options, std::FILE* in,
     const ssize_t length = ::getline(&line, &capacity, in);
     if (length < 0) break;
     const std::string label = file + ":" + std::to_string(number);
-    json result;
+    ResultDocument result;
     std::string error;
     if (EvaluateLine(host, WithoutLineEnd(std::string_view(line, std::size_t(length))), lineOptions,
                      label, result, error)) {
-      out << result.dump(-1, ' ', false, json::error_handler_t::replace) << '\n';
+      result.Write(out, -1, true);
+      out << '\n';
     } else {
       anyBad = true;
       err << error << '\n';

@@ -160,70 +160,9 @@ void ReadValue(const json& j, ULONG type, const JsonPlace& place, std::vector<st
       break;
   }
   const std::size_t count = xsihost::ValueSize(type) / sizeof(float);
-  const std::size_t rows = type == XSI::siICENodeDataMatrix33   ? 3
-                           : type == XSI::siICENodeDataMatrix44 ? 4
-                                                                : 1;
+  const std::size_t rows = MatrixRows(type);
   const std::vector<float> floats = readFloats(j, count, rows, place);
   append(floats.data(), floats.size() * sizeof(float));
-}
-
-json WriteFloat(float f) {
-  if (!std::isfinite(f)) {
-    char bits[16];
-    std::snprintf(bits, sizeof bits, "0x%08X", std::bit_cast<std::uint32_t>(f));
-    return bits;
-  }
-  // Nine significant digits bring every float back exactly.
-  char text[32];
-  std::snprintf(text, sizeof text, "%.9g", double(f));
-  return std::strtod(text, nullptr);
-}
-
-json WriteValue(const std::byte* data, ULONG type) {
-  switch (type) {
-    case XSI::siICENodeDataBool: {
-      bool b;
-      std::memcpy(&b, data, sizeof b);
-      return b;
-    }
-    case XSI::siICENodeDataLong: {
-      XSI::LONG v;
-      std::memcpy(&v, data, sizeof v);
-      return v;
-    }
-    case XSI::siICENodeDataFloat: {
-      float f;
-      std::memcpy(&f, data, sizeof f);
-      return WriteFloat(f);
-    }
-    case XSI::siICENodeDataShape: {
-      std::int32_t shapeType;
-      float p[3];
-      std::memcpy(&shapeType, data, sizeof shapeType);
-      std::memcpy(p, data + sizeof shapeType, sizeof p);
-      return json::array({shapeType, WriteFloat(p[0]), WriteFloat(p[1]), WriteFloat(p[2])});
-    }
-    default:
-      break;
-  }
-  const std::size_t count = xsihost::ValueSize(type) / sizeof(float);
-  const std::size_t rows = type == XSI::siICENodeDataMatrix33   ? 3
-                           : type == XSI::siICENodeDataMatrix44 ? 4
-                                                                : 1;
-  std::vector<float> floats(count);
-  std::memcpy(floats.data(), data, count * sizeof(float));
-  json out = json::array();
-  if (rows == 1) {
-    for (float f : floats) out.push_back(WriteFloat(f));
-    return out;
-  }
-  for (std::size_t r = 0; r < rows; ++r) {
-    json row = json::array();
-    for (std::size_t c = 0; c < count / rows; ++c)
-      row.push_back(WriteFloat(floats[r * (count / rows) + c]));
-    out.push_back(row);
-  }
-  return out;
 }
 
 }  // namespace
@@ -262,33 +201,8 @@ PortValues ReadPortValues(const json& values, ULONG type, bool array, const Json
   return p;
 }
 
-json WritePortValues(const PortValues& values, bool outputsOnly) {
-  json out = json::array();
-  const std::size_t size = xsihost::ValueSize(values.type);
-  for (ULONG i = 0; i < values.count; ++i) {
-    if (outputsOnly && !values.WasWritten(i)) {
-      out.push_back(nullptr);
-      continue;
-    }
-    if (values.IsString()) {
-      if (values.array) {
-        json list = json::array();
-        for (const std::wstring& s : values.stringArrays[i]) list.push_back(WideToUtf8(s));
-        out.push_back(list);
-      } else {
-        out.push_back(WideToUtf8(values.strings[i]));
-      }
-    } else if (values.array) {
-      json list = json::array();
-      const auto& bytes = values.arrays[i];
-      for (std::size_t at = 0; at + size <= bytes.size(); at += size)
-        list.push_back(WriteValue(bytes.data() + at, values.type));
-      out.push_back(list);
-    } else {
-      out.push_back(WriteValue(values.flat.data() + std::size_t(i) * size, values.type));
-    }
-  }
-  return out;
+std::size_t MatrixRows(ULONG type) {
+  return type == XSI::siICENodeDataMatrix33 ? 3 : type == XSI::siICENodeDataMatrix44 ? 4 : 1;
 }
 
 json LogJson(const std::vector<xsihost::LogLine>& lines) {

@@ -31,8 +31,9 @@ class InputError : public std::runtime_error {
 xsihost::PortValues ReadPortValues(const nlohmann::json& values, XSI::ULONG type, bool array,
                                    const JsonPlace& place);
 
-// One entry per item: the value, or null where the item was not written (outputs) .
-nlohmann::json WritePortValues(const xsihost::PortValues& values, bool outputsOnly);
+// The rows a value of `type` is written in: 3 or 4 for matrices (a list of rows, or one flat
+// row-major list), 1 for everything else.
+std::size_t MatrixRows(XSI::ULONG type);
 
 // Log lines as [[severity, "text"], ...].
 nlohmann::json LogJson(const std::vector<xsihost::LogLine>& lines);

@@ -145,13 +145,14 @@ int Run(int argc, char** argv) {
     status = RunLines(*host, evalOptions);
     host->Unload();
   } else if (*eval) {
-    nlohmann::json out;
+    quillix::tool::ResultDocument out;
     status = quillix::tool::RunEval(*host, evalOptions, out, std::cerr);
     host->Unload();
     if (status == 0) {
-      out["loadLog"] = loadLog;
-      out["unloadLog"] = quillix::tool::LogJson(host->TakeLog());
-      std::cout << out.dump(compact ? -1 : 2) << '\n';
+      out.tree["loadLog"] = loadLog;
+      out.tree["unloadLog"] = quillix::tool::LogJson(host->TakeLog());
+      out.Write(std::cout, compact ? -1 : 2);
+      std::cout << '\n';
     }
   }
   return status;
