@@ -19,6 +19,7 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/fuzz_common.h"
+#include "tests/support/request_reader_check.h"
 #include "tools/quillix/commands.h"
 
 using quillix::fuzz::Check;
@@ -111,6 +112,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   }
   const nlohmann::json parsed = nlohmann::json::parse(text, nullptr, false);
   if (!parsed.is_discarded() && Oversized(parsed)) return -1;
+  const std::string disagreement = quillix::tool::RequestReaderDisagreement(text);
+  Check(disagreement.empty(), disagreement.c_str());
   {
     std::ofstream file(gRequestPath, std::ios::binary | std::ios::trunc);
     file.write(text.data(), std::streamsize(text.size()));
