@@ -3,9 +3,12 @@
 
 Writes into build/bench/ a Quillix_slins request of one 10^6-point line and a Quillix_fpom
 request on a 1000 x 1000-vertex grid mesh with a few short paths, runs `quillix eval` on each
-and prints, per request, the child's CPU seconds and peak resident set (getrusage of the child)
+and prints, per request, the child's CPU seconds and peak resident set (GNU time, /usr/bin/time)
 next to the size of the request file and the bytes of its arrays as the node reads them (the
 floor any decoding has to touch), so that work on reading requests can be measured against it.
+The peak resident set of an idle `quillix eval` (a one-element request: the executable, its
+libraries and the plug-in loaded) is measured in the same run, and each request's peak above it
+is given as a multiple of its arrays.
 
     bench/end_to_end.py [--quillix build/release/bin/quillix] [--out build/bench] [--runs 3]
 """
@@ -15,6 +18,7 @@ import random
 import statistics
 import subprocess
 import sys
+import tempfile
 
 FLOAT3 = 12  # bytes of one 3-vector of floats
 INT = 4
@@ -59,14 +63,26 @@ def write_fpom(path, side, paths):
     return vertices * FLOAT3 + description * INT + 2 * len(paths) * INT
 
 
+def write_idle(path):
+    with open(path, "w") as f:
+        f.write('{"requests": [{"node": "Quillix_divi", "port": 2010, "inputs": '
+                '{"1010": {"type": "int", "values": [7]}}}]}\n')
+    return 0
+
+
 def run(quillix, request):
-    """CPU seconds and peak RSS (MiB) of one `quillix eval` child."""
-    with open(os.devnull, "wb") as sink:
-        child = subprocess.Popen([quillix, "eval", request], stdout=sink)
-        _, status, usage = os.wait4(child.pid, 0)
-    if status != 0:
-        sys.exit("quillix eval %s failed with status %d" % (request, status))
-    return usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024.0
+    """CPU seconds and peak RSS (MiB) of one `quillix eval` child.
+
+    GNU time starts the child: a child forked from this Python process would count Python's own
+    resident set as its peak (the high-water mark survives exec).
+    """
+    with tempfile.NamedTemporaryFile("r") as report, open(os.devnull, "wb") as sink:
+        status = subprocess.call(["/usr/bin/time", "-o", report.name, "-f", "%U %S %M",
+                                  quillix, "eval", request], stdout=sink)
+        if status != 0:
+            sys.exit("quillix eval %s failed with status %d" % (request, status))
+        user, system, kib = report.read().split()[-3:]
+    return float(user) + float(system), int(kib) / 1024.0
 
 
 def main():
@@ -84,14 +100,21 @@ def main():
          lambda p: write_fpom(p, side, [(centre, centre + 3), (centre + 5 * side, centre + 7),
                                         (0, 2 * side + 2)])),
     ]
-    print("%-24s %10s %12s %12s %12s" % ("request", "file MB", "arrays MB", "CPU s", "peak RSS MiB"))
+    idle_path = os.path.join(args.out, "idle.json")
+    write_idle(idle_path)
+    idle = statistics.median(run(args.quillix, idle_path)[1] for _ in range(args.runs))
+    print("idle quillix eval: peak RSS %.1f MiB" % idle)
+    print("%-24s %10s %12s %8s %14s %18s" % (
+        "request", "file MB", "arrays MB", "CPU s", "peak RSS MiB", "above idle/arrays"))
     for name, write in cases:
         path = os.path.join(args.out, name)
         arrays = write(path)
         results = [run(args.quillix, path) for _ in range(args.runs)]
-        print("%-24s %10.1f %12.1f %12.2f %12.0f" % (
+        rss = statistics.median(r[1] for r in results)
+        print("%-24s %10.1f %12.1f %8.2f %14.1f %17.2fx" % (
             name, os.path.getsize(path) / 1e6, arrays / 1e6,
-            statistics.median(r[0] for r in results), statistics.median(r[1] for r in results)))
+            statistics.median(r[0] for r in results), rss,
+            (rss - idle) * 1024 * 1024 / arrays))
 
 
 if __name__ == "__main__":

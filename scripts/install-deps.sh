@@ -16,7 +16,7 @@ for group in "$@"; do
   case "$group" in
     test) packages+=(googletest libgtest-dev libgmock-dev python3-pytest python3-hypothesis clang-format-14) ;;
     # The comparison libraries of the benchmarks are found only when benchmarks are built.
-    bench) packages+=(libbenchmark-dev libboost-dev libopenmesh-dev) ;;
+    bench) packages+=(libbenchmark-dev libboost-dev libopenmesh-dev time) ;;
     fuzz) packages+=(clang-14 libclang-rt-14-dev) ;;
     blender) packages+=(blender) ;;
     *) echo "install-deps: unknown group '$group' (test, bench, fuzz, blender)" >&2; exit 2 ;;

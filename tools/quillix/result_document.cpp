@@ -38,8 +38,8 @@ void AppendFloatText(float f, std::string& out) {
 
 namespace {
 
-// Writes JSON text as nlohmann::json::dump does, into a buffer passed on to the stream a
-// megabyte at a time.
+// Writes JSON text as nlohmann::json::dump does, into a buffer passed on to the stream in
+// blocks of kFlushBytes.
 class TextWriter {
  public:
   TextWriter(std::ostream& out, int indent, bool replaceInvalidUtf8)
@@ -97,7 +97,7 @@ class TextWriter {
   }
 
  private:
-  static constexpr std::size_t kFlushBytes = std::size_t(1) << 20;
+  static constexpr std::size_t kFlushBytes = std::size_t(1) << 16;
 
   void Flush() {
     out_.write(text_.data(), std::streamsize(text_.size()));
