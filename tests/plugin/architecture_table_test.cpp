@@ -84,8 +84,8 @@ TEST(ArchitectureTable, EveryRowPointsAtFilesThatSayWhatTheRowSays) {
       EXPECT_EQ(stem.rfind(shortName, 0), 0u) << row.binding;
     }
     const std::string binding = ReadText(kRoot / row.binding);
-    // The callback is written out, or defined by a family's node macro named after the node
-    // (QUILLIX_LIST_TEXT_NODE(btoa, ...)).
+    // The callback is written out, or defined by a macro named after the node
+    // (QUILLIX_REGISTER_NODE(tbit, ...), QUILLIX_LIST_TEXT_NODE(btoa, ...)).
     const std::string callback = command ? row.name + "_Execute" : row.name + "_Register";
     const bool byMacro =
         !command &&
