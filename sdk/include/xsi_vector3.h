@@ -91,10 +91,7 @@ class CVector3 {
 };
 
 /// A growable array of CVector3.
-class CVector3Array : public CVectorArrayOf<CVector3> {
- public:
-  using CVectorArrayOf::CVectorArrayOf;
-};
+using CVector3Array = CVectorArrayOf<CVector3>;
 
 }  // namespace MATH
 }  // namespace XSI

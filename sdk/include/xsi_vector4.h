@@ -48,10 +48,7 @@ class CVector4 {
 };
 
 /// A growable array of CVector4.
-class CVector4Array : public CVectorArrayOf<CVector4> {
- public:
-  using CVectorArrayOf::CVectorArrayOf;
-};
+using CVector4Array = CVectorArrayOf<CVector4>;
 
 }  // namespace MATH
 }  // namespace XSI
