@@ -83,3 +83,12 @@ struct NodeDef {
 XSI::CStatus RegisterNode(XSI::PluginRegistrar& registrar, const NodeDef& node);
 
 }  // namespace quillix::plugin
+
+// Defines Quillix_<shortName>_Register, which registers the node "Quillix_<shortName>" with
+// `model` (siICENodeSingleThreading or siICENodeMultiThreading) over the port table
+// `portTable`, so that a node's name is written once.
+#define QUILLIX_REGISTER_NODE(shortName, model, portTable)                                         \
+  XSI::CStatus Quillix_##shortName##_Register(XSI::PluginRegistrar& registrar) {                   \
+    return ::quillix::plugin::RegisterNode(                                                        \
+        registrar, {.name = L"Quillix_" #shortName, .threadingModel = model, .ports = portTable}); \
+  }

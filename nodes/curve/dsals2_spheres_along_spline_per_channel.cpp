@@ -39,8 +39,4 @@ QUILLIX_EVALUATE(Quillix_dsals2) {
   return CStatus::OK;
 }
 
-CStatus Quillix_dsals2_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_dsals2", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(dsals2, siICENodeMultiThreading, kPorts)

@@ -30,8 +30,4 @@ QUILLIX_EVALUATE(Quillix_dsals) {
   return CStatus::OK;
 }
 
-CStatus Quillix_dsals_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_dsals", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(dsals, siICENodeMultiThreading, kPorts)

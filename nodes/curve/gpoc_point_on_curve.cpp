@@ -198,8 +198,4 @@ QUILLIX_EVALUATE(Quillix_gpoc) {
   return CStatus::OK;
 }
 
-CStatus Quillix_gpoc_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_gpoc", .threadingModel = siICENodeSingleThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(gpoc, siICENodeSingleThreading, kPorts)

@@ -68,8 +68,4 @@ QUILLIX_EVALUATE(Quillix_rlins) {
   return CStatus::OK;
 }
 
-CStatus Quillix_rlins_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_rlins", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(rlins, siICENodeMultiThreading, kPorts)

@@ -76,8 +76,4 @@ QUILLIX_EVALUATE(Quillix_slins) {
   return CStatus::OK;
 }
 
-CStatus Quillix_slins_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_slins", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(slins, siICENodeMultiThreading, kPorts)

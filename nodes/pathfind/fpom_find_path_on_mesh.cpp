@@ -250,8 +250,4 @@ QUILLIX_NODE_CALLBACK(Quillix_fpom_EndEvaluate, ICENodeContext&, context) {
   return CStatus::OK;
 }
 
-CStatus Quillix_fpom_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_fpom", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(fpom, siICENodeMultiThreading, kPorts)

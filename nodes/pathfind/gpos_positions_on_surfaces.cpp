@@ -145,8 +145,4 @@ QUILLIX_EVALUATE(Quillix_gpos) {
   return CStatus::OK;
 }
 
-CStatus Quillix_gpos_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_gpos", .threadingModel = siICENodeSingleThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(gpos, siICENodeSingleThreading, kPorts)

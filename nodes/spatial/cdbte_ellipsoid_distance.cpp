@@ -43,8 +43,4 @@ QUILLIX_EVALUATE(Quillix_cdbte) {
   return CStatus::OK;
 }
 
-CStatus Quillix_cdbte_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_cdbte", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(cdbte, siICENodeMultiThreading, kPorts)

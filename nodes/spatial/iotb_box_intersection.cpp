@@ -40,8 +40,4 @@ QUILLIX_EVALUATE(Quillix_iotb) {
   return CStatus::OK;
 }
 
-CStatus Quillix_iotb_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_iotb", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(iotb, siICENodeMultiThreading, kPorts)

@@ -42,8 +42,4 @@ QUILLIX_EVALUATE(Quillix_iotmb) {
   return CStatus::OK;
 }
 
-CStatus Quillix_iotmb_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_iotmb", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(iotmb, siICENodeMultiThreading, kPorts)

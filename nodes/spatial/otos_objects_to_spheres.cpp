@@ -130,8 +130,4 @@ QUILLIX_EVALUATE(Quillix_otos) {
   return CStatus::OK;
 }
 
-CStatus Quillix_otos_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_otos", .threadingModel = siICENodeSingleThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(otos, siICENodeSingleThreading, kPorts)

@@ -25,8 +25,4 @@ QUILLIX_EVALUATE(Quillix_arrrev) {
   return CStatus::OK;
 }
 
-CStatus Quillix_arrrev_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_arrrev", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(arrrev, siICENodeMultiThreading, kPorts)

@@ -34,8 +34,4 @@ QUILLIX_EVALUATE(Quillix_arrshft) {
   return CStatus::OK;
 }
 
-CStatus Quillix_arrshft_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_arrshft", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(arrshft, siICENodeMultiThreading, kPorts)

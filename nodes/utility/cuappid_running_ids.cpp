@@ -44,8 +44,4 @@ QUILLIX_EVALUATE(Quillix_cuappid) {
   return CStatus::OK;
 }
 
-CStatus Quillix_cuappid_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_cuappid", .threadingModel = siICENodeSingleThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(cuappid, siICENodeSingleThreading, kPorts)

@@ -50,8 +50,4 @@ QUILLIX_EVALUATE(Quillix_divi) {
   return CStatus::OK;
 }
 
-CStatus Quillix_divi_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_divi", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(divi, siICENodeMultiThreading, kPorts)

@@ -35,8 +35,4 @@ QUILLIX_EVALUATE(Quillix_fchk) {
   return CStatus::OK;
 }
 
-CStatus Quillix_fchk_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_fchk", .threadingModel = siICENodeSingleThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(fchk, siICENodeSingleThreading, kPorts)

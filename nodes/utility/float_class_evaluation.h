@@ -1,9 +1,11 @@
 // What Quillix_nan and Quillix_nan2 share: the shape of their port table, which test each
-// output port applies, and the classification of single values and of arrays.
+// output port applies, the classification of single values and of arrays, and the node's
+// definition (QUILLIX_FLOAT_CLASS_NODE).
 #pragma once
 
 #include <array>
 #include <optional>
+#include <type_traits>
 
 #include "core/math/float_class.h"
 #include "plugin/node.h"
@@ -89,4 +91,39 @@ inline void ClassifyArrays(XSI::ICENodeContext& context, FloatTest test) {
   }
 }
 
+// Writes the test of the evaluated output port (`positiveTest` on "Positive INF") into it, as R:
+// booleans of single values only, as Quillix_nan has always read its input without asking its
+// port information, or integers of single values or arrays, following the input's structure.
+template <class R>
+void EvaluateFloatClass(XSI::ICENodeContext& context, FloatTest positiveTest) {
+  const std::optional<FloatTest> test =
+      TestForPort(context.GetEvaluatedOutputPortID(), positiveTest);
+  if (!test) return;
+  if constexpr (std::is_same_v<R, XSI::LONG>) {
+    const std::optional<plugin::PortInfo> info = plugin::QueryPortInfo(context, kFloatInputPort);
+    if (!info) return;
+    if (info->IsArray()) return ClassifyArrays(context, *test);
+  }
+  ClassifySingles<R>(context, *test);
+}
+
 }  // namespace quillix::utility
+
+// Defines the evaluation and the registration of the classification node Quillix_<shortName>,
+// whose flags are of type R (bool or LONG, see EvaluateFloatClass), whose "Positive INF" applies
+// `positiveTest`, and whose ports accept `portStructures` and `portContexts`. Multi-threaded.
+#define QUILLIX_FLOAT_CLASS_NODE(shortName, R, positiveTest, portStructures, portContexts)      \
+  QUILLIX_EVALUATE(Quillix_##shortName) {                                                       \
+    ::quillix::utility::EvaluateFloatClass<R>(context, positiveTest);                           \
+    return XSI::CStatus::OK;                                                                    \
+  }                                                                                             \
+  XSI::CStatus Quillix_##shortName##_Register(XSI::PluginRegistrar& registrar) {                \
+    static constexpr auto kPorts = ::quillix::utility::FloatClassPorts(                         \
+        {.flagType = std::is_same_v<R, bool> ? XSI::siICENodeDataBool : XSI::siICENodeDataLong, \
+         .structures = portStructures,                                                          \
+         .contexts = portContexts});                                                            \
+    return ::quillix::plugin::RegisterNode(registrar,                                           \
+                                           {.name = L"Quillix_" #shortName,                     \
+                                            .threadingModel = XSI::siICENodeMultiThreading,     \
+                                            .ports = kPorts});                                  \
+  }

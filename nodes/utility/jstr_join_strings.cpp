@@ -55,8 +55,4 @@ QUILLIX_EVALUATE(Quillix_jstr) {
   return CStatus::OK;
 }
 
-CStatus Quillix_jstr_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_jstr", .threadingModel = siICENodeSingleThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(jstr, siICENodeSingleThreading, kPorts)

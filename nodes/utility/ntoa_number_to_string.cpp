@@ -76,8 +76,4 @@ QUILLIX_EVALUATE(Quillix_ntoa) {
   return CStatus::OK;
 }
 
-CStatus Quillix_ntoa_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_ntoa", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(ntoa, siICENodeMultiThreading, kPorts)

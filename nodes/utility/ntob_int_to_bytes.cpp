@@ -56,8 +56,4 @@ QUILLIX_EVALUATE(Quillix_ntob) {
   return CStatus::OK;
 }
 
-CStatus Quillix_ntob_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_ntob", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(ntob, siICENodeMultiThreading, kPorts)

@@ -47,8 +47,4 @@ QUILLIX_EVALUATE(Quillix_stoi) {
   return CStatus::OK;
 }
 
-CStatus Quillix_stoi_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_stoi", .threadingModel = siICENodeSingleThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(stoi, siICENodeSingleThreading, kPorts)

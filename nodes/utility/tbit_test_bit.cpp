@@ -38,8 +38,4 @@ QUILLIX_EVALUATE(Quillix_tbit) {
   return CStatus::OK;
 }
 
-CStatus Quillix_tbit_Register(PluginRegistrar& registrar) {
-  return RegisterNode(
-      registrar,
-      {.name = L"Quillix_tbit", .threadingModel = siICENodeMultiThreading, .ports = kPorts});
-}
+QUILLIX_REGISTER_NODE(tbit, siICENodeMultiThreading, kPorts)

@@ -1,7 +1,7 @@
 // What the to-string nodes share: their "Input" and "Result" ports, and the evaluation and
-// registration of the six list renderings (Quillix_btoa, _itoa, _ftoa and their variadic forms
-// _btoa2, _itoa2, _ftoa2), which write one string per element of the batch. The variadic nodes
-// join the renderings of all their group instances with ",".
+// registration (QUILLIX_LIST_TEXT_NODE) of the six list renderings (Quillix_btoa, _itoa, _ftoa
+// and their variadic forms _btoa2, _itoa2, _ftoa2), which write one string per element of the
+// batch. The variadic nodes join the renderings of all their group instances with ",".
 #pragma once
 
 #include <array>
@@ -117,27 +117,28 @@ void EvaluateListText(XSI::ICENodeContext& context, XSI::ULONG inputPort, InputI
   }
 }
 
-// The evaluation of a list-rendering node: the renderings of its "Input" values of type T when
-// the host asks for "Result", nothing for any other port.
-template <class T>
-XSI::CStatus EvaluateListTextNode(XSI::ICENodeContext& context, InputInstances instances,
-                                  BatchEnd end) {
-  if (context.GetEvaluatedOutputPortID() == kListResultPort) {
-    EvaluateListText<T>(context, kListInputPort, instances, end);
-  }
-  return XSI::CStatus::OK;
-}
-
-// Registers a list-rendering node: multi-threaded, its group variadic when it renders every
-// instance.
-inline XSI::CStatus RegisterListTextNode(XSI::PluginRegistrar& registrar, const wchar_t* name,
-                                         std::span<const plugin::PortDef> ports,
-                                         InputInstances instances) {
-  return plugin::RegisterNode(
-      registrar, {.name = name,
-                  .threadingModel = XSI::siICENodeMultiThreading,
-                  .groupMax = instances == InputInstances::All ? plugin::kUnbounded : 1,
-                  .ports = ports});
-}
-
 }  // namespace quillix::utility
+
+// Defines the evaluation and the registration of the list-rendering node Quillix_<shortName>,
+// so that its file holds only what tells it apart: the value type T of its "Input" (bool, LONG
+// or float) with the port's `dataType` and `defaultValue`, the InputInstances it renders (its
+// group is variadic for All) and its BatchEnd. The node is multi-threaded and answers "Result"
+// only.
+#define QUILLIX_LIST_TEXT_NODE(shortName, T, dataType, defaultValue, instances, end)          \
+  QUILLIX_EVALUATE(Quillix_##shortName) {                                                     \
+    if (context.GetEvaluatedOutputPortID() == ::quillix::utility::kListResultPort) {          \
+      ::quillix::utility::EvaluateListText<T>(context, ::quillix::utility::kListInputPort,    \
+                                              instances, end);                                \
+    }                                                                                         \
+    return XSI::CStatus::OK;                                                                  \
+  }                                                                                           \
+  XSI::CStatus Quillix_##shortName##_Register(XSI::PluginRegistrar& registrar) {              \
+    static constexpr auto kPorts = ::quillix::utility::ListTextPorts(dataType, defaultValue); \
+    return ::quillix::plugin::RegisterNode(                                                   \
+        registrar, {.name = L"Quillix_" #shortName,                                           \
+                    .threadingModel = XSI::siICENodeMultiThreading,                           \
+                    .groupMax = instances == ::quillix::utility::InputInstances::All          \
+                                    ? ::quillix::plugin::kUnbounded                           \
+                                    : 1,                                                      \
+                    .ports = kPorts});                                                        \
+  }

@@ -4,10 +4,9 @@
 // matrix, a direction as the row (x, y, z) times the upper-left 3×3 block.
 #pragma once
 
-#include <vector>
-
 #include <xsi_decl.h>
 #include <xsi_status.h>
+#include <xsi_vectorarray.h>
 
 namespace XSI {
 namespace MATH {
@@ -92,28 +91,7 @@ class CVector3 {
 };
 
 /// A growable array of CVector3.
-class CVector3Array {
- public:
-  CVector3Array() = default;
-  explicit CVector3Array(LONG count) { Resize(count); }
-
-  LONG GetCount() const { return static_cast<LONG>(items_.size()); }
-  /// Grows or shrinks to `count` entries; new entries are zero vectors. A negative count is
-  /// refused with CStatus::InvalidArgument.
-  CStatus Resize(LONG count);
-  /// Appends one vector and returns its index.
-  LONG Add(const CVector3& v);
-  CStatus Clear();
-  const CVector3& operator[](LONG index) const { return items_[static_cast<size_t>(index)]; }
-  CVector3& operator[](LONG index) { return items_[static_cast<size_t>(index)]; }
-  /// The vectors as one contiguous block; null when the array is empty.
-  const CVector3* GetArray() const { return items_.empty() ? nullptr : items_.data(); }
-  bool operator==(const CVector3Array& other) const { return items_ == other.items_; }
-  bool operator!=(const CVector3Array& other) const { return !(*this == other); }
-
- private:
-  std::vector<CVector3> items_;
-};
+using CVector3Array = CVectorArrayOf<CVector3>;
 
 }  // namespace MATH
 }  // namespace XSI

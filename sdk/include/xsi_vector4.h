@@ -2,10 +2,9 @@
 // array.
 #pragma once
 
-#include <vector>
-
 #include <xsi_decl.h>
 #include <xsi_status.h>
+#include <xsi_vectorarray.h>
 
 namespace XSI {
 namespace MATH {
@@ -49,34 +48,7 @@ class CVector4 {
 };
 
 /// A growable array of CVector4.
-class CVector4Array {
- public:
-  CVector4Array() = default;
-  explicit CVector4Array(LONG count) { Resize(count); }
-
-  LONG GetCount() const { return static_cast<LONG>(items_.size()); }
-  /// Grows or shrinks to `count` entries; new entries are zero. A negative count is refused
-  /// with CStatus::InvalidArgument.
-  CStatus Resize(LONG count) {
-    if (count < 0) return CStatus::InvalidArgument;
-    items_.resize(static_cast<size_t>(count));
-    return CStatus::OK;
-  }
-  LONG Add(const CVector4& v) {
-    items_.push_back(v);
-    return GetCount() - 1;
-  }
-  CStatus Clear() {
-    items_.clear();
-    return CStatus::OK;
-  }
-  const CVector4& operator[](LONG index) const { return items_[static_cast<size_t>(index)]; }
-  CVector4& operator[](LONG index) { return items_[static_cast<size_t>(index)]; }
-  const CVector4* GetArray() const { return items_.empty() ? nullptr : items_.data(); }
-
- private:
-  std::vector<CVector4> items_;
-};
+using CVector4Array = CVectorArrayOf<CVector4>;
 
 }  // namespace MATH
 }  // namespace XSI

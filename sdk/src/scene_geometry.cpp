@@ -390,6 +390,15 @@ namespace {
 const GeometryObject* meshOf(const std::shared_ptr<xsihost::Object>& o) {
   return dynamic_cast<const GeometryObject*>(o.get());
 }
+
+// Writes every entry of every row of `rows` into `out`, row after row, as out's element type.
+template <class Rows, class T>
+CStatus Flatten(const Rows& rows, CPlainArray<T>& out) {
+  out.Clear();
+  for (const auto& row : rows)
+    for (const auto entry : row) out.Add(static_cast<T>(entry));
+  return CStatus::OK;
+}
 }  // namespace
 
 LONG CGeometryAccessor::GetVertexCount() const {
@@ -407,18 +416,12 @@ LONG CGeometryAccessor::GetTriangleCount() const {
 
 CStatus CGeometryAccessor::GetVertexPositions(CDoubleArray& positions) const {
   if (!mesh_) return CStatus::Fail;
-  positions.Clear();
-  for (const auto& p : meshOf(mesh_)->owner_->mesh_->points)
-    for (double c : p) positions.Add(c);
-  return CStatus::OK;
+  return Flatten(meshOf(mesh_)->owner_->mesh_->points, positions);
 }
 
 CStatus CGeometryAccessor::GetVertexIndices(CLongArray& indices) const {
   if (!mesh_) return CStatus::Fail;
-  indices.Clear();
-  for (const auto& poly : meshOf(mesh_)->owner_->mesh_->polygons)
-    for (std::int32_t v : poly) indices.Add(v);
-  return CStatus::OK;
+  return Flatten(meshOf(mesh_)->owner_->mesh_->polygons, indices);
 }
 
 CStatus CGeometryAccessor::GetPolygonVerticesCount(CLongArray& counts) const {
@@ -431,18 +434,12 @@ CStatus CGeometryAccessor::GetPolygonVerticesCount(CLongArray& counts) const {
 
 CStatus CGeometryAccessor::GetTriangleVertexIndices(CLongArray& indices) const {
   if (!mesh_) return CStatus::Fail;
-  indices.Clear();
-  for (const auto& t : meshOf(mesh_)->owner_->meshDerived_->triangles)
-    for (std::int32_t v : t) indices.Add(v);
-  return CStatus::OK;
+  return Flatten(meshOf(mesh_)->owner_->meshDerived_->triangles, indices);
 }
 
 CStatus CGeometryAccessor::GetNodeNormals(CFloatArray& normals) const {
   if (!mesh_) return CStatus::Fail;
-  normals.Clear();
-  for (const auto& n : meshOf(mesh_)->owner_->meshDerived_->nodeNormals)
-    for (double c : n) normals.Add(static_cast<float>(c));
-  return CStatus::OK;
+  return Flatten(meshOf(mesh_)->owner_->meshDerived_->nodeNormals, normals);
 }
 
 // ---- curves -------------------------------------------------------------------------------

@@ -123,21 +123,35 @@ bool CVector3::EpsilonEquals(const CVector3& v, double epsilon) const {
 
 bool CVector3::Equals(const CVector3& v) const { return x_ == v.x_ && y_ == v.y_ && z_ == v.z_; }
 
-CStatus CVector3Array::Resize(LONG count) {
-  if (count < 0) return CStatus::InvalidArgument;
-  items_.resize(static_cast<size_t>(count));
-  return CStatus::OK;
+// ---- the cells of CMatrix3 and CMatrix4 ---------------------------------------------------
+
+namespace {
+
+// out = a × b over N×N cells, each sum taken left to right; `out` may be `a` or `b`.
+template <int N>
+void MultiplyCells(const double (&a)[N][N], const double (&b)[N][N], double (&out)[N][N]) {
+  double r[N][N];
+  for (int i = 0; i < N; ++i) {
+    for (int j = 0; j < N; ++j) {
+      double sum = a[i][0] * b[0][j];
+      for (int k = 1; k < N; ++k) sum += a[i][k] * b[k][j];
+      r[i][j] = sum;
+    }
+  }
+  for (int i = 0; i < N; ++i)
+    for (int j = 0; j < N; ++j) out[i][j] = r[i][j];
 }
 
-LONG CVector3Array::Add(const CVector3& v) {
-  items_.push_back(v);
-  return GetCount() - 1;
+// Whether every cell of `a` lies within `epsilon` of the cell of `b`; false for a NaN.
+template <int N>
+bool CellsWithin(const double (&a)[N][N], const double (&b)[N][N], double epsilon) {
+  for (int i = 0; i < N; ++i)
+    for (int j = 0; j < N; ++j)
+      if (!(std::fabs(a[i][j] - b[i][j]) <= epsilon)) return false;
+  return true;
 }
 
-CStatus CVector3Array::Clear() {
-  items_.clear();
-  return CStatus::OK;
-}
+}  // namespace
 
 // ---- CMatrix3 -----------------------------------------------------------------------------
 
@@ -166,14 +180,7 @@ void CMatrix3::Get(double& m00, double& m01, double& m02, double& m10, double& m
 CMatrix3& CMatrix3::SetIdentity() { return Set(1, 0, 0, 0, 1, 0, 0, 0, 1); }
 
 CMatrix3& CMatrix3::Mul(const CMatrix3& a, const CMatrix3& b) {
-  double r[3][3];
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) {
-      r[i][j] = a.v_[i][0] * b.v_[0][j] + a.v_[i][1] * b.v_[1][j] + a.v_[i][2] * b.v_[2][j];
-    }
-  }
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) v_[i][j] = r[i][j];
+  MultiplyCells(a.v_, b.v_, v_);
   return *this;
 }
 
@@ -213,10 +220,7 @@ bool CMatrix3::InvertInPlace() {
 }
 
 bool CMatrix3::EpsilonEquals(const CMatrix3& m, double epsilon) const {
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j)
-      if (!(std::fabs(v_[i][j] - m.v_[i][j]) <= epsilon)) return false;
-  return true;
+  return CellsWithin(v_, m.v_, epsilon);
 }
 
 bool CMatrix3::Equals(const CMatrix3& m) const { return EpsilonEquals(m, 0.0); }
@@ -247,15 +251,7 @@ CMatrix4& CMatrix4::SetIdentity() {
 }
 
 CMatrix4& CMatrix4::Mul(const CMatrix4& a, const CMatrix4& b) {
-  double r[4][4];
-  for (int i = 0; i < 4; ++i) {
-    for (int j = 0; j < 4; ++j) {
-      r[i][j] = a.v_[i][0] * b.v_[0][j] + a.v_[i][1] * b.v_[1][j] + a.v_[i][2] * b.v_[2][j] +
-                a.v_[i][3] * b.v_[3][j];
-    }
-  }
-  for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j) v_[i][j] = r[i][j];
+  MultiplyCells(a.v_, b.v_, v_);
   return *this;
 }
 
@@ -327,10 +323,7 @@ void CMatrix4::GetMatrix3(CMatrix3& out) const {
 }
 
 bool CMatrix4::EpsilonEquals(const CMatrix4& m, double epsilon) const {
-  for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j)
-      if (!(std::fabs(v_[i][j] - m.v_[i][j]) <= epsilon)) return false;
-  return true;
+  return CellsWithin(v_, m.v_, epsilon);
 }
 
 bool CMatrix4::Equals(const CMatrix4& m) const { return EpsilonEquals(m, 0.0); }

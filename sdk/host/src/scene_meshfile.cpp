@@ -99,13 +99,38 @@ struct PlyElement {
   std::vector<PlyProperty> properties;
 };
 
-std::size_t plyTypeSize(const std::string& t) {
-  if (t == "char" || t == "uchar" || t == "int8" || t == "uint8") return 1;
-  if (t == "short" || t == "ushort" || t == "int16" || t == "uint16") return 2;
-  if (t == "int" || t == "uint" || t == "float" || t == "int32" || t == "uint32" || t == "float32")
-    return 4;
-  if (t == "double" || t == "float64") return 8;
-  return 0;
+// The scalar of type T held in the first sizeof(T) bytes of `bytes`, in this host's byte order.
+template <class T>
+double LoadScalar(const unsigned char* bytes) {
+  T value;
+  std::memcpy(&value, bytes, sizeof value);
+  return static_cast<double>(value);
+}
+
+// A PLY scalar type: its two names, its size in bytes, and how its bytes read as a number.
+struct PlyScalar {
+  const char* name;
+  const char* sizedName;
+  std::size_t size;
+  double (*load)(const unsigned char* bytes);
+};
+
+constexpr PlyScalar kPlyScalars[] = {
+    {"char", "int8", 1, LoadScalar<std::int8_t>},
+    {"uchar", "uint8", 1, LoadScalar<std::uint8_t>},
+    {"short", "int16", 2, LoadScalar<std::int16_t>},
+    {"ushort", "uint16", 2, LoadScalar<std::uint16_t>},
+    {"int", "int32", 4, LoadScalar<std::int32_t>},
+    {"uint", "uint32", 4, LoadScalar<std::uint32_t>},
+    {"float", "float32", 4, LoadScalar<float>},
+    {"double", "float64", 8, LoadScalar<double>},
+};
+
+// The scalar type named `t`; null for a name PLY does not define.
+const PlyScalar* findPlyScalar(const std::string& t) {
+  for (const PlyScalar& scalar : kPlyScalars)
+    if (t == scalar.name || t == scalar.sizedName) return &scalar;
+  return nullptr;
 }
 
 // Reads PLY bodies: text tokens line by line, or binary scalars in either byte order.
@@ -116,43 +141,16 @@ class PlyBody {
 
   bool next(const std::string& type, double& out, std::string& error) {
     if (format_ == PlyFormat::Ascii) return nextText(out, error);
-    const std::size_t size = plyTypeSize(type);
+    // The header admits only the types of kPlyScalars.
+    const PlyScalar& scalar = *findPlyScalar(type);
     unsigned char bytes[8];
-    if (!in_.read(reinterpret_cast<char*>(bytes), static_cast<std::streamsize>(size))) {
+    if (!in_.read(reinterpret_cast<char*>(bytes), static_cast<std::streamsize>(scalar.size))) {
       error = path_ + ": the binary data end early";
       return false;
     }
     const bool little = format_ == PlyFormat::BinaryLittle;
-    if (!little) std::reverse(bytes, bytes + size);  // this host is little-endian
-    if (type == "char" || type == "int8")
-      out = static_cast<std::int8_t>(bytes[0]);
-    else if (type == "uchar" || type == "uint8")
-      out = bytes[0];
-    else if (type == "short" || type == "int16") {
-      std::int16_t v;
-      std::memcpy(&v, bytes, 2);
-      out = v;
-    } else if (type == "ushort" || type == "uint16") {
-      std::uint16_t v;
-      std::memcpy(&v, bytes, 2);
-      out = v;
-    } else if (type == "int" || type == "int32") {
-      std::int32_t v;
-      std::memcpy(&v, bytes, 4);
-      out = v;
-    } else if (type == "uint" || type == "uint32") {
-      std::uint32_t v;
-      std::memcpy(&v, bytes, 4);
-      out = v;
-    } else if (type == "float" || type == "float32") {
-      float v;
-      std::memcpy(&v, bytes, 4);
-      out = v;
-    } else {
-      double v;
-      std::memcpy(&v, bytes, 8);
-      out = v;
-    }
+    if (!little) std::reverse(bytes, bytes + scalar.size);  // this host is little-endian
+    out = scalar.load(bytes);
     return true;
   }
 
@@ -258,12 +256,12 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
       words >> type;
       if (type == "list") {
         words >> p.countType >> p.type >> p.name;
-        if (plyTypeSize(p.countType) == 0 || plyTypeSize(p.type) == 0 || p.name.empty())
+        if (!findPlyScalar(p.countType) || !findPlyScalar(p.type) || p.name.empty())
           return bad("expected \"property list COUNT_TYPE ITEM_TYPE NAME\"");
       } else {
         p.type = type;
         words >> p.name;
-        if (plyTypeSize(p.type) == 0 || p.name.empty())
+        if (!findPlyScalar(p.type) || p.name.empty())
           return bad("unknown property type \"" + type + "\"");
       }
       elements.back().properties.push_back(p);
