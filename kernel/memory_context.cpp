@@ -1,10 +1,34 @@
 #include "kernel/memory_context.h"
 
 #include <malloc.h>
+#include <sys/mman.h>
 
+#include <cstdint>
 #include <cstdlib>
 
 namespace quillix {
+namespace {
+
+// A mesh's large arrays are written in full right after they are allocated, and on fresh
+// pages every 4 KiB first touch is a fault into the kernel: a quarter of a 10^6-vertex build.
+// Asking for transparent huge pages on the 2 MiB-aligned inside of a large block (which no
+// other block shares) takes one fault per 2 MiB instead. It is only advice: where huge pages
+// are switched off or none are free, the block is served with small pages as before.
+constexpr std::uintptr_t kHugePage = std::uintptr_t(2) << 20;
+constexpr std::size_t kHugePageAdviceMinimum = 2 * kHugePage;
+
+void AdviseHugePages(void* block, std::size_t bytes) {
+#ifdef MADV_HUGEPAGE
+  if (bytes < kHugePageAdviceMinimum) return;
+  const auto begin = (reinterpret_cast<std::uintptr_t>(block) + kHugePage - 1) & ~(kHugePage - 1);
+  const auto end = (reinterpret_cast<std::uintptr_t>(block) + bytes) & ~(kHugePage - 1);
+  if (end > begin) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#else
+  (void)block, (void)bytes;
+#endif
+}
+
+}  // namespace
 
 std::size_t QRVMemoryContext::BlockSize(const void* block) {
   return block == nullptr ? 0 : malloc_usable_size(const_cast<void*>(block));
@@ -12,6 +36,7 @@ std::size_t QRVMemoryContext::BlockSize(const void* block) {
 
 void* QRVMemoryContext::Allocate(std::size_t bytes) {
   void* block = std::malloc(bytes == 0 ? 1 : bytes);
+  if (block != nullptr) AdviseHugePages(block, bytes);
   if (block == nullptr || !Tracking()) return block;
   const auto size = static_cast<std::int64_t>(malloc_usable_size(block));
   const std::int64_t now = inUse_.fetch_add(size, std::memory_order_relaxed) + size;

@@ -9,10 +9,11 @@
 
 namespace quillix {
 
-// Every polygon edge (corner k to corner k+1, wrapping) as an incidence of both its ends,
-// grouped by vertex and sorted: vertex v's incidences are items[offsets[v] .. offsets[v + 1]),
-// and a neighbour appears once per polygon edge that joins the two. Edges from a corner to
-// the same vertex are skipped.
+// Every polygon edge (corner k to corner k+1, wrapping) as an incidence of its lower end only,
+// grouped by that vertex and sorted: vertex v's higher ends are items[offsets[v] ..
+// offsets[v + 1]), each once per polygon edge that joins the two, so a run of equal items is
+// one edge and its length the number of polygon edges on it. Edges from a corner to the same
+// vertex are skipped. Half the size of listing both ends, and each row is half as long to sort.
 struct EdgeIncidences {
   std::int32_t* offsets = nullptr;  // vertexCount + 1
   std::int32_t* items = nullptr;    // offsets[vertexCount]
