@@ -26,8 +26,9 @@ void SortRow(std::int32_t* begin, std::int32_t* end) {
 bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
                          EdgeIncidences& incidences) {
   const std::int32_t vertexCount = mesh.vertexCount;
-  incidences.offsets = memory.AllocateArray<std::int32_t>(std::size_t(vertexCount) + 1);
+  incidences.offsets = memory.AllocateScratchArray<std::int32_t>(std::size_t(vertexCount) + 1);
   if (incidences.offsets == nullptr) return false;
+  incidences.offsetBytes = (std::size_t(vertexCount) + 1) * sizeof(std::int32_t);
   std::int32_t* offsets = incidences.offsets;
   std::fill(offsets, offsets + vertexCount + 1, 0);
   // Each polygon's closing edge first, then the rest in order; the rows are sorted afterwards,
@@ -53,8 +54,9 @@ bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
   // At most one incidence per polygon node, and the node count fits 32 bits.
   forEachEdge([&](std::int32_t low, std::int32_t) { ++offsets[low + 1]; });
   for (std::int32_t v = 0; v < vertexCount; ++v) offsets[v + 1] += offsets[v];
-  incidences.items = memory.AllocateArray<std::int32_t>(std::size_t(offsets[vertexCount]));
+  incidences.items = memory.AllocateScratchArray<std::int32_t>(std::size_t(offsets[vertexCount]));
   if (incidences.items == nullptr) return false;
+  incidences.itemBytes = std::size_t(offsets[vertexCount]) * sizeof(std::int32_t);
   // Fill from the back of each range using the end offsets, then shift the offsets back.
   std::int32_t* items = incidences.items;
   forEachEdge([&](std::int32_t low, std::int32_t high) { items[offsets[low]++] = high; });
@@ -66,8 +68,8 @@ bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
 }
 
 void ReleaseEdgeIncidences(QRVMemoryContext& memory, EdgeIncidences& incidences) {
-  memory.Release(incidences.offsets);
-  memory.Release(incidences.items);
+  memory.ReleaseScratch(incidences.offsets, incidences.offsetBytes);
+  memory.ReleaseScratch(incidences.items, incidences.itemBytes);
   incidences = {};
 }
 
@@ -101,8 +103,12 @@ bool BuildNeighbours(const MeshView& mesh, QRVMemoryContext& memory, MeshNeighbo
     }
   }
   rows[vertexCount] = edgeCount;
-  higher = incidences.items = static_cast<std::int32_t*>(
-      memory.Shrink(higher, std::size_t(edgeCount) * sizeof(std::int32_t)));
+  // The repeats' pages go back before the lists are allocated.
+  const std::size_t edgeBytes = std::size_t(edgeCount) * sizeof(std::int32_t);
+  if (edgeBytes > 0) {
+    memory.ReleaseScratch(higher, incidences.itemBytes, edgeBytes);
+    incidences.itemBytes = edgeBytes;
+  }
   std::int32_t start = 0;
   for (std::int32_t v = 0; v < vertexCount; ++v) {
     const std::int32_t count = offsets[v] + rows[v + 1] - rows[v];
