@@ -50,8 +50,8 @@ class QRVMemoryContext {
   void Release(void* block);
   // A block for data that lives only while a result is built: mapped straight from the system,
   // apart from Allocate's blocks, and handed back to it page by page, so that it leaves no hole
-  // among the blocks that stay. `bytes` is rounded up to whole pages, which are what is counted.
-  // Null when the system or the limit refuses.
+  // among the blocks that stay. `bytes` is rounded up to whole pages, which are what is counted;
+  // they are fresh pages and start at zero. Null when the system or the limit refuses.
   void* AllocateScratch(std::size_t bytes);
   template <typename T>
   T* AllocateScratchArray(std::size_t count) {

@@ -34,8 +34,9 @@ std::uint32_t* ComputeVertexFlags(const MeshView& mesh, QRVMemoryContext& memory
     if (flags[v] < kDistinctStop) flags[v] += kDistinctUnit;
   };
   const std::int32_t* offsets = incidences.offsets;
-  const std::int32_t* items = incidences.items;
+  std::int32_t* items = incidences.items;
   for (std::int32_t v = 0; v < vertexCount; ++v) {
+    SortIncidenceRow(items + offsets[v], items + offsets[v + 1]);
     for (std::int32_t i = offsets[v]; i < offsets[v + 1];) {
       std::int32_t j = i;
       while (j < offsets[v + 1] && items[j] == items[i]) ++j;

@@ -4,11 +4,10 @@
 #include <cmath>
 
 namespace quillix {
-namespace {
 
 // Rows hold a few dozen incidences at most on ordinary meshes; an insertion sort handles those
 // without the general sort's set-up.
-void SortRow(std::int32_t* begin, std::int32_t* end) {
+void SortIncidenceRow(std::int32_t* begin, std::int32_t* end) {
   if (end - begin > 32) {
     std::sort(begin, end);
     return;
@@ -21,18 +20,15 @@ void SortRow(std::int32_t* begin, std::int32_t* end) {
   }
 }
 
-}  // namespace
-
 bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
                          EdgeIncidences& incidences) {
   const std::int32_t vertexCount = mesh.vertexCount;
   incidences.offsets = memory.AllocateScratchArray<std::int32_t>(std::size_t(vertexCount) + 1);
   if (incidences.offsets == nullptr) return false;
   incidences.offsetBytes = (std::size_t(vertexCount) + 1) * sizeof(std::int32_t);
-  std::int32_t* offsets = incidences.offsets;
-  std::fill(offsets, offsets + vertexCount + 1, 0);
-  // Each polygon's closing edge first, then the rest in order; the rows are sorted afterwards,
-  // so the order in which edges arrive does not matter.
+  std::int32_t* offsets = incidences.offsets;  // a scratch block starts at zero
+  // Each polygon's closing edge first, then the rest in order; readers sort the rows, so the
+  // order in which edges arrive does not matter.
   const auto forEachEdge = [&](auto&& edge) {
     const std::int32_t* corners = mesh.polygonIndices;
     for (std::int32_t p = 0; p < mesh.polygonCount; ++p) {
@@ -62,8 +58,6 @@ bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
   forEachEdge([&](std::int32_t low, std::int32_t high) { items[offsets[low]++] = high; });
   for (std::int32_t v = vertexCount; v > 0; --v) offsets[v] = offsets[v - 1];
   offsets[0] = 0;
-  for (std::int32_t v = 0; v < vertexCount; ++v)
-    SortRow(items + offsets[v], items + offsets[v + 1]);
   return true;
 }
 
@@ -88,7 +82,7 @@ bool BuildNeighbours(const MeshView& mesh, QRVMemoryContext& memory, MeshNeighbo
   std::int32_t* offsets = neighbours.offsets;
   std::fill(offsets, offsets + vertexCount + 1, 0);
 
-  // One pass drops the repeats within each sorted row, moving the survivors forward in place,
+  // One pass sorts each row and drops its repeats, moving the survivors forward in place,
   // and counts every edge at its higher end: afterwards row v lists v's higher neighbours once
   // each (the edges by lower then higher end) and offsets[w] holds w's lower-neighbour count.
   std::int32_t* rows = incidences.offsets;
@@ -97,6 +91,7 @@ bool BuildNeighbours(const MeshView& mesh, QRVMemoryContext& memory, MeshNeighbo
   for (std::int32_t v = 0; v < vertexCount; ++v) {
     const std::int32_t begin = rows[v], end = rows[v + 1];
     rows[v] = edgeCount;
+    SortIncidenceRow(higher + begin, higher + end);
     for (std::int32_t i = begin; i < end; ++i) {
       const std::int32_t w = higher[i];
       if (i == begin || w != higher[i - 1]) higher[edgeCount++] = w, ++offsets[w];

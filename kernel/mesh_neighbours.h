@@ -11,10 +11,11 @@
 namespace quillix {
 
 // Every polygon edge (corner k to corner k+1, wrapping) as an incidence of its lower end only,
-// grouped by that vertex and sorted: vertex v's higher ends are items[offsets[v] ..
-// offsets[v + 1]), each once per polygon edge that joins the two, so a run of equal items is
-// one edge and its length the number of polygon edges on it. Edges from a corner to the same
-// vertex are skipped. Half the size of listing both ends, and each row is half as long to sort.
+// grouped by that vertex: vertex v's higher ends are items[offsets[v] .. offsets[v + 1]), each
+// once per polygon edge that joins the two, in polygon order. Sorted (SortIncidenceRow), a run
+// of equal items is one edge and its length the number of polygon edges on it. Edges from a
+// corner to the same vertex are skipped. Half the size of listing both ends, and each row is
+// half as long to sort.
 // Both arrays are scratch blocks of the memory context (AllocateScratch), of the byte sizes kept
 // beside them: they live only while a result is made from them.
 struct EdgeIncidences {
@@ -29,6 +30,9 @@ struct EdgeIncidences {
 bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
                          EdgeIncidences& incidences);
 void ReleaseEdgeIncidences(QRVMemoryContext& memory, EdgeIncidences& incidences);
+// Sorts one incidence row in place; readers sort each row just before reading it, while it is in
+// cache, instead of in a pass of its own.
+void SortIncidenceRow(std::int32_t* begin, std::int32_t* end);
 
 // Vertex v's neighbours, in ascending vertex index, are lists[offsets[v] .. offsets[v + 1]).
 // The byte counts saturate at 255; the offsets are exact for any number of neighbours.
