@@ -9,8 +9,9 @@ namespace quillix {
 
 // Counts the bytes that kernel objects hold, optionally refusing allocations beyond a limit.
 //
-// Blocks are counted with the allocator's real block size (malloc_usable_size), not the
-// requested size, so that the counters describe the process's real footprint. The counters
+// Blocks are counted with the allocator's real block size (malloc_usable_size), scratch blocks
+// with their whole pages, not the requested size, so that the counters describe the process's
+// real footprint. The counters
 // are atomics: one context may be shared by a geometry and by many search threads reading
 // it, and their concurrent allocations must not corrupt the totals.
 class QRVMemoryContext {
