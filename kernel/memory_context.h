@@ -9,8 +9,9 @@ namespace quillix {
 
 // Counts the bytes that kernel objects hold, optionally refusing allocations beyond a limit.
 //
-// Blocks are counted with the allocator's real block size (malloc_usable_size), not the
-// requested size, so that the counters describe the process's real footprint. The counters
+// Blocks are counted with the allocator's real block size (malloc_usable_size), scratch blocks
+// with their whole pages, not the requested size, so that the counters describe the process's
+// real footprint. The counters
 // are atomics: one context may be shared by a geometry and by many search threads reading
 // it, and their concurrent allocations must not corrupt the totals.
 class QRVMemoryContext {
@@ -48,16 +49,28 @@ class QRVMemoryContext {
   }
   // Releases a block of Allocate; null is ignored.
   void Release(void* block);
-  // Cuts a block of Allocate down to `bytes` (0 is treated as 1), keeping its first `bytes`
-  // bytes, and returns it (it may move). Never refused: the bytes in use only go down. Lets a
-  // result be built in a block sized for the worst case and then kept at its exact size
-  // without copying it into a second block.
-  void* Shrink(void* block, std::size_t bytes);
+  // A block for data that lives only while a result is built: mapped straight from the system,
+  // apart from Allocate's blocks, and handed back to it page by page, so that it leaves no hole
+  // among the blocks that stay. `bytes` is rounded up to whole pages, which are what is counted;
+  // they are fresh pages and start at zero. Null when the system or the limit refuses.
+  void* AllocateScratch(std::size_t bytes);
+  template <typename T>
+  T* AllocateScratchArray(std::size_t count) {
+    if (count > SIZE_MAX / sizeof(T)) return nullptr;
+    return static_cast<T*>(AllocateScratch(count * sizeof(T)));
+  }
+  // Hands back the pages of a scratch block of `bytes` bytes (as allocated) beyond its first
+  // `keep` bytes: 0 releases the whole block, a smaller size cuts it down where it lies (the
+  // block then counts as one of `keep` bytes). Null is ignored.
+  void ReleaseScratch(void* block, std::size_t bytes, std::size_t keep = 0);
 
   // The byte count that the context charges for `block` (its real block size).
   static std::size_t BlockSize(const void* block);
 
  private:
+  // Counts `size` more bytes in use; false (nothing counted) when the limit refuses them.
+  bool Charge(std::int64_t size);
+
   std::atomic<std::uint16_t> tracking_{1};
   std::atomic<std::uint16_t> limitOn_{0};
   std::atomic<std::int64_t> limitBytes_{0};

@@ -18,15 +18,18 @@ std::int32_t* NumberComponents(const MeshView& mesh, const MeshNeighbours& neigh
     return v;
   };
   for (std::int32_t v = 0; v < vertexCount; ++v) {
-    // Each edge is met from both ends; its lower end's row sees it as a higher neighbour.
-    for (std::int32_t i = neighbours.offsets[v]; i < neighbours.offsets[v + 1]; ++i) {
-      const std::int32_t w = neighbours.lists[i];
-      if (w <= v) continue;
-      const std::int32_t a = root(v), b = root(w);
+    // Each edge is met from both ends; its lower end's row holds it in its ascending tail.
+    const std::int32_t begin = neighbours.offsets[v];
+    std::int32_t i = neighbours.offsets[v + 1] - 1;
+    if (i < begin || neighbours.lists[i] < v) continue;
+    std::int32_t a = root(v);  // kept as v's root while its sets join
+    for (; i >= begin && neighbours.lists[i] > v; --i) {
+      const std::int32_t b = root(neighbours.lists[i]);
       if (a < b) {
         parent[b] = a;
       } else if (b < a) {
         parent[a] = b;
+        a = b;
       }
     }
   }

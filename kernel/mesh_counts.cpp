@@ -5,39 +5,57 @@
 
 namespace quillix {
 
-bool PolygonIsInvalid(const MeshView& mesh, std::int64_t firstNode, std::int32_t size) {
-  if (size < 3) return true;
-  const std::int32_t* corners = mesh.polygonIndices + firstNode;
-  for (std::int32_t i = 0; i < size; ++i) {
-    if (corners[i] < 0 || corners[i] >= mesh.vertexCount) return true;
+namespace {
+
+// Whether a polygon names one vertex twice; triangles and quads, nearly every polygon of a
+// real mesh, compare their corners pairwise without a loop.
+bool HasRepeatedCorner(const std::int32_t* c, std::int32_t size) {
+  if (size == 3) return (c[0] == c[1]) | (c[0] == c[2]) | (c[1] == c[2]);
+  if (size == 4) {
+    return (c[0] == c[1]) | (c[0] == c[2]) | (c[0] == c[3]) | (c[1] == c[2]) | (c[1] == c[3]) |
+           (c[2] == c[3]);
+  }
+  for (std::int32_t i = 1; i < size; ++i) {
     for (std::int32_t j = 0; j < i; ++j) {
-      if (corners[j] == corners[i]) return true;
+      if (c[j] == c[i]) return true;
     }
   }
   return false;
 }
 
+}  // namespace
+
+bool PolygonIsInvalid(const MeshView& mesh, std::int64_t firstNode, std::int32_t size) {
+  if (size < 3) return true;
+  const std::int32_t* corners = mesh.polygonIndices + firstNode;
+  for (std::int32_t i = 0; i < size; ++i) {
+    if (std::uint32_t(corners[i]) >= std::uint32_t(mesh.vertexCount)) return true;
+  }
+  return HasRepeatedCorner(corners, size);
+}
+
 std::int32_t CheckPolygons(const MeshView& mesh, std::uint8_t* seen,
                            VertexReferenceCounts& references) {
-  std::int32_t invalid = 0, referenced = 0;
+  std::int32_t invalid = 0;
+  const auto vertexCount = std::uint32_t(mesh.vertexCount);
   std::int64_t node = 0;
   for (std::int32_t p = 0; p < mesh.polygonCount; ++p) {
     const std::int32_t size = mesh.polygonSizes[p];
     const std::int32_t* corners = mesh.polygonIndices + node;
-    bool bad = size < 3;
+    bool outside = false;
     for (std::int32_t i = 0; i < size; ++i) {
       const std::int32_t v = corners[i];
-      if (v < 0 || v >= mesh.vertexCount) {
-        bad = true;
-        continue;
+      if (std::uint32_t(v) >= vertexCount) {
+        outside = true;
+      } else if (seen != nullptr) {
+        seen[v] = 1;
       }
-      if (seen != nullptr) seen[v] = 1;
-      for (std::int32_t j = 0; j < i && !bad; ++j) bad = corners[j] == v;
     }
-    invalid += bad;
+    invalid += size < 3 || outside || HasRepeatedCorner(corners, size);
     node += size;
   }
   if (seen != nullptr) {
+    std::int32_t referenced = 0;
     for (std::int32_t v = 0; v < mesh.vertexCount; ++v) referenced += seen[v];
     references = {referenced, mesh.vertexCount - referenced};
   }

@@ -6,6 +6,14 @@
 #include "kernel/mesh_neighbours.h"
 
 namespace quillix {
+namespace {
+
+// While the flags are built, the bits from kDistinctUnit up count a vertex's distinct
+// neighbours, stopping at 256: the pole test needs no more.
+constexpr std::uint32_t kDistinctUnit = 1u << 16;
+constexpr std::uint32_t kDistinctStop = 256u * kDistinctUnit;
+
+}  // namespace
 
 std::uint32_t* ComputeVertexFlags(const MeshView& mesh, QRVMemoryContext& memory) {
   const std::int32_t vertexCount = mesh.vertexCount;
@@ -19,22 +27,29 @@ std::uint32_t* ComputeVertexFlags(const MeshView& mesh, QRVMemoryContext& memory
   std::memset(flags, 0, std::size_t(vertexCount) * sizeof(std::uint32_t));
   for (std::int32_t n = 0; n < mesh.nodeCount; ++n)
     flags[mesh.polygonIndices[n]] |= kVertexFlagReferenced;
-  // In a sorted incidence range a neighbour repeats once per polygon using that edge.
+  // A run of equal items in a sorted incidence row is one edge, as long as the number of polygons
+  // using it; its bits go to both ends, each of which counts it as a distinct neighbour.
+  const auto mark = [flags](std::int32_t v, std::uint32_t bits) {
+    flags[v] |= bits;
+    if (flags[v] < kDistinctStop) flags[v] += kDistinctUnit;
+  };
   const std::int32_t* offsets = incidences.offsets;
-  const std::int32_t* items = incidences.items;
+  std::int32_t* items = incidences.items;
   for (std::int32_t v = 0; v < vertexCount; ++v) {
-    std::uint32_t bits = 0;
-    std::int32_t distinct = 0;
+    SortIncidenceRow(items + offsets[v], items + offsets[v + 1]);
     for (std::int32_t i = offsets[v]; i < offsets[v + 1];) {
       std::int32_t j = i;
       while (j < offsets[v + 1] && items[j] == items[i]) ++j;
-      if (j - i == 1) bits |= kVertexFlagBorder;
-      if (j - i > 2) bits |= kVertexFlagNonManifold;
-      ++distinct;
+      const std::uint32_t bits =
+          (j - i == 1 ? kVertexFlagBorder : 0u) | (j - i > 2 ? kVertexFlagNonManifold : 0u);
+      mark(v, bits);
+      mark(items[i], bits);
       i = j;
     }
-    if (distinct > 255) bits |= kVertexFlagPole;
-    flags[v] |= bits;
+  }
+  for (std::int32_t v = 0; v < vertexCount; ++v) {
+    flags[v] =
+        (flags[v] & (kDistinctUnit - 1)) | (flags[v] >= kDistinctStop ? kVertexFlagPole : 0u);
   }
   ReleaseEdgeIncidences(memory, incidences);
   return flags;

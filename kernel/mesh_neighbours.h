@@ -2,6 +2,7 @@
 // polygon-edge incidences they are made from.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "kernel/memory_context.h"
@@ -9,20 +10,29 @@
 
 namespace quillix {
 
-// Every polygon edge (corner k to corner k+1, wrapping) as an incidence of both its ends,
-// grouped by vertex and sorted: vertex v's incidences are items[offsets[v] .. offsets[v + 1]),
-// and a neighbour appears once per polygon edge that joins the two. Edges from a corner to
-// the same vertex are skipped.
+// Every polygon edge (corner k to corner k+1, wrapping) as an incidence of its lower end only,
+// grouped by that vertex: vertex v's higher ends are items[offsets[v] .. offsets[v + 1]), each
+// once per polygon edge that joins the two, in polygon order. Sorted (SortIncidenceRow), a run
+// of equal items is one edge and its length the number of polygon edges on it. Edges from a
+// corner to the same vertex are skipped. Half the size of listing both ends, and each row is
+// half as long to sort.
+// Both arrays are scratch blocks of the memory context (AllocateScratch), of the byte sizes kept
+// beside them: they live only while a result is made from them.
 struct EdgeIncidences {
   std::int32_t* offsets = nullptr;  // vertexCount + 1
   std::int32_t* items = nullptr;    // offsets[vertexCount]
+  std::size_t offsetBytes = 0;
+  std::size_t itemBytes = 0;
 };
 
-// Builds `incidences` with arrays from `memory`. False on refusal or when there are more
-// than 2^31 - 1 incidences; the caller then releases what was built (ReleaseEdgeIncidences).
+// Builds `incidences` with scratch blocks from `memory`. False on refusal; the caller then
+// releases what was built (ReleaseEdgeIncidences).
 bool BuildEdgeIncidences(const MeshView& mesh, QRVMemoryContext& memory,
                          EdgeIncidences& incidences);
 void ReleaseEdgeIncidences(QRVMemoryContext& memory, EdgeIncidences& incidences);
+// Sorts one incidence row in place; readers sort each row just before reading it, while it is in
+// cache, instead of in a pass of its own.
+void SortIncidenceRow(std::int32_t* begin, std::int32_t* end);
 
 // Vertex v's neighbours, in ascending vertex index, are lists[offsets[v] .. offsets[v + 1]).
 // The byte counts saturate at 255; the offsets are exact for any number of neighbours.

@@ -1,5 +1,6 @@
 // QRVGeometry::Set: encodings, checks and their status codes, memory accounting.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <bit>
 #include <cmath>
@@ -229,6 +230,24 @@ TEST(GeometryMemory, LimitBelowThePositionsGives9AndTrackingReturnsToZero) {
     EXPECT_EQ(memory.BytesInUse(), primary);
     memory.SetLimit(false, 0);
   }
+  EXPECT_EQ(memory.BytesInUse(), 0);
+}
+
+TEST(GeometryMemory, ScratchBlocksCountWholePagesUntilHandedBack) {
+  QRVMemoryContext memory;
+  const std::int64_t page = std::int64_t(sysconf(_SC_PAGESIZE));
+  auto* block = static_cast<std::uint8_t*>(memory.AllocateScratch(3 * page + 1));
+  ASSERT_NE(block, nullptr);
+  EXPECT_EQ(memory.BytesInUse(), 4 * page);
+  block[4 * page - 1] = 1;                               // the rounded-up pages are usable
+  memory.ReleaseScratch(block, 3 * page + 1, page + 1);  // keeps two pages
+  EXPECT_EQ(memory.BytesInUse(), 2 * page);
+  block[2 * page - 1] = 1;
+  memory.ReleaseScratch(block, page + 1);
+  EXPECT_EQ(memory.BytesInUse(), 0);
+  EXPECT_EQ(memory.PeakBytes(), 4 * page);
+  memory.SetLimit(true, page);
+  EXPECT_EQ(memory.AllocateScratch(std::size_t(page) + 1), nullptr);
   EXPECT_EQ(memory.BytesInUse(), 0);
 }
 

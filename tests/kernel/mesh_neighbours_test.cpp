@@ -47,6 +47,19 @@ TEST(GeometryNeighbours, APoleWithMoreThan255NeighboursKeepsAllOfThem) {
   EXPECT_EQ(geo.NeighbourCounts()[1], 3);
   EXPECT_TRUE(geo.VertexFlags()[0] & kVertexFlagPole);
   EXPECT_FALSE(geo.VertexFlags()[1] & kVertexFlagPole);
+
+  // Numbered backwards, the pole is the higher end of every spoke.
+  PlainMesh reversed = fan;
+  const auto last = std::int32_t(fan.positions.size()) - 1;
+  std::reverse(reversed.positions.begin(), reversed.positions.end());
+  for (std::int32_t& v : reversed.indices) v = last - v;
+  ASSERT_EQ(SetPlainMesh(geo, reversed), kStatusOk);
+  const std::vector<std::int32_t> back = NeighboursOf(geo, last);
+  ASSERT_EQ(back.size(), 300u);
+  for (int k = 0; k < 300; ++k) EXPECT_EQ(back[k], k);
+  EXPECT_EQ(NeighboursOf(geo, last - 1), (std::vector<std::int32_t>{0, last - 2, last}));
+  EXPECT_TRUE(geo.VertexFlags()[last] & kVertexFlagPole);
+  EXPECT_FALSE(geo.VertexFlags()[last - 1] & kVertexFlagPole);
 }
 
 TEST(GeometryEdges, EveryNeighbourSlotNamesTheEdgeJoiningItsTwoVertices) {
