@@ -3,6 +3,10 @@
 //   CDataArrayLong value(context, kValuePort);   // input, possibly constant
 //   CDataArrayLong result(context);              // output of the evaluated port
 //   result[i] = value[i];                        // a constant input reads its one value
+//
+// A node that writes every element of its batch says so when it acquires the output,
+//   CDataArrayLong result(context, OutputWrites::WholeBatch);
+// and may then write through GetData() without the host checking each value.
 #pragma once
 
 #include <cassert>
@@ -100,9 +104,10 @@ class CDataArray : public CBaseDataArray {
       : CBaseDataArray(CDataTypeOf<T>::value) {
     context.AcquireInputDataArray(*this, portID, instance);
   }
-  // Output of the evaluated port.
-  explicit CDataArray(ICENodeContext& context) : CBaseDataArray(CDataTypeOf<T>::value) {
-    context.AcquireOutputDataArray(*this);
+  // Output of the evaluated port; `writes` as AcquireOutputDataArray takes it.
+  explicit CDataArray(ICENodeContext& context, OutputWrites writes = OutputWrites::Some)
+      : CBaseDataArray(CDataTypeOf<T>::value) {
+    context.AcquireOutputDataArray(*this, writes);
   }
   ~CDataArray() {
     if (context_ != nullptr) context_->ReleaseDataArray(*this);
@@ -121,7 +126,9 @@ class CDataArray : public CBaseDataArray {
     assert(count_ > 0);
     return static_cast<T*>(data_)[constant_ ? 0 : index];
   }
+  // The values, indexed like operator[] (one value when constant); valid while GetCount() > 0.
   const T* GetData() const { return static_cast<const T*>(data_); }
+  T* GetData() { return static_cast<T*>(data_); }
 };
 
 // Strings are held by the host and read or written whole, per element.
