@@ -10,8 +10,8 @@
 #pragma once
 
 #include <algorithm>
-#include <optional>
-#include <utility>
+#include <cstddef>
+#include <span>
 
 #include <xsi_dataarray.h>
 #include <xsi_dataarray2D.h>
@@ -66,84 +66,88 @@ struct SymmetricPairKernel {
 
 namespace detail {
 
-// One side of a pair: either a value prepared once and shared, or prepared per pair.
-template <class T, class Prepare>
-class PairOperand {
- public:
-  explicit PairOperand(Prepare prepare) : prepare_(prepare) {}
-
-  void Share(const T& value) { shared_.emplace(prepare_(value, true)); }
-
-  template <class Use>
-  auto With(const T& value, Use&& use) const {
-    if (shared_) return use(*shared_);
-    return use(prepare_(value, false));
+// Calls body(i) for every element i of the batch; a batch without gaps, as a batch of every
+// element is, runs as a plain counted loop.
+template <class Body>
+void ForEachElement(const XSI::CIndexSet& indexSet, Body&& body) {
+  const std::span<const ULONG> indices = indexSet.GetIndices();
+  if (indices.empty()) return;
+  if (indices.back() - indices.front() + 1 == indices.size()) {
+    for (std::size_t i = indices.front(), end = i + indices.size(); i < end; ++i) body(i);
+  } else {
+    for (const ULONG i : indices) body(i);
   }
+}
 
- private:
-  using Prepared = std::decay_t<decltype(std::declval<Prepare>()(std::declval<const T&>(), true))>;
-  Prepare prepare_;
-  std::optional<Prepared> shared_;
-};
-
-template <class T, class Prepare>
-PairOperand<T, Prepare> MakeOperand(Prepare prepare) {
-  return PairOperand<T, Prepare>(prepare);
+// Calls use(operand), where operand(j) is the prepared value of entry j of `values`: entry 0
+// prepared once when it is `shared` by every j, else entry j prepared on the spot. Deciding
+// once per loop keeps the choice out of the loop.
+template <class T, class Prepare, class Use>
+void WithOperand(const T* values, bool shared, const Prepare& prepare, Use&& use) {
+  if (shared) {
+    const auto prepared = prepare(values[0], true);
+    use([&prepared](std::size_t) -> const auto& { return prepared; });
+  } else {
+    use([values, &prepare](std::size_t j) { return prepare(values[j], false); });
+  }
 }
 
 }  // namespace detail
 
 // Writes kernel.Pair(A, B) for every element of the batch into the evaluated output, of data
-// type R. Writes nothing when the host cannot report either input's structure.
+// type R. Writes nothing when the host cannot report either input's structure. Pair must
+// depend on its operands only: a pair that repeats for every element is computed once.
 template <class A, class B, class R, class Kernel>
 void EvaluatePairs(XSI::ICENodeContext& context, ULONG portA, ULONG portB, const Kernel& kernel) {
   const auto infoA = QueryPortInfo(context, portA);
   const auto infoB = QueryPortInfo(context, portB);
   if (!infoA || !infoB) return;
-  XSI::CIndexSet indexSet(context);
-  auto a = detail::MakeOperand<A>(
-      [&kernel](const A& value, bool reused) { return kernel.PrepareA(value, reused); });
-  auto b = detail::MakeOperand<B>(
-      [&kernel](const B& value, bool reused) { return kernel.PrepareB(value, reused); });
-  const auto pair = [&](const A& valueA, const B& valueB) {
-    return a.With(valueA, [&](const auto& preparedA) {
-      return b.With(valueB,
-                    [&](const auto& preparedB) { return kernel.Pair(preparedA, preparedB); });
-    });
+  const XSI::CIndexSet indexSet(context);
+  const auto prepareA = [&kernel](const A& value, bool reused) {
+    return kernel.PrepareA(value, reused);
+  };
+  const auto prepareB = [&kernel](const B& value, bool reused) {
+    return kernel.PrepareB(value, reused);
   };
 
   if (!infoA->IsArray() && !infoB->IsArray()) {
     const XSI::CDataArray<A> valuesA(context, portA);
     const XSI::CDataArray<B> valuesB(context, portB);
-    XSI::CDataArray<R> result(context);
-    if (valuesA.GetCount() == 0 || valuesB.GetCount() == 0 || result.GetCount() == 0) return;
-    if (valuesA.IsConstant()) a.Share(valuesA[0]);
-    if (valuesB.IsConstant()) b.Share(valuesB[0]);
-    for (XSI::CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next())
-      result[it] = pair(valuesA[it], valuesB[it]);
+    if (valuesA.GetCount() == 0 || valuesB.GetCount() == 0) return;
+    XSI::CDataArray<R> result(context, XSI::OutputWrites::WholeBatch);
+    if (result.GetCount() == 0) return;
+    R* const out = result.GetData();
+    if (valuesA.IsConstant() && valuesB.IsConstant()) {
+      const R value = kernel.Pair(prepareA(valuesA[0], true), prepareB(valuesB[0], true));
+      detail::ForEachElement(indexSet, [out, &value](std::size_t i) { out[i] = value; });
+      return;
+    }
+    detail::WithOperand(valuesA.GetData(), valuesA.IsConstant(), prepareA, [&](const auto& a) {
+      detail::WithOperand(valuesB.GetData(), valuesB.IsConstant(), prepareB, [&](const auto& b) {
+        detail::ForEachElement(indexSet, [&](std::size_t i) { out[i] = kernel.Pair(a(i), b(i)); });
+      });
+    });
     return;
   }
 
   const ElementView<A> viewA(context, portA, infoA->IsArray());
   const ElementView<B> viewB(context, portB, infoB->IsArray());
   XSI::CDataArray2D<R> result(context);
-  for (XSI::CIndexSet::Iterator it = indexSet.Begin(); it.HasNext(); it.Next()) {
-    const std::span<const A> as = viewA.At(it);
-    const std::span<const B> bs = viewB.At(it);
+  detail::ForEachElement(indexSet, [&](std::size_t i) {
+    const std::span<const A> as = viewA.At(ULONG(i));
+    const std::span<const B> bs = viewB.At(ULONG(i));
     std::size_t count = std::min(as.size(), bs.size());
-    if (viewA.Repeats() && !as.empty()) {
-      count = bs.size();
-      a.Share(as[0]);
-    }
-    if (viewB.Repeats() && !bs.empty()) {
-      count = as.size();
-      b.Share(bs[0]);
-    }
-    auto out = result.Resize(it, static_cast<ULONG>(count));
-    for (std::size_t j = 0; j < out.GetCount(); ++j) {
-      out[static_cast<ULONG>(j)] = pair(as[viewA.Repeats() ? 0 : j], bs[viewB.Repeats() ? 0 : j]);
-    }
-  }
+    if (viewA.Repeats() && !as.empty()) count = bs.size();
+    if (viewB.Repeats() && !bs.empty()) count = as.size();
+    auto entries = result.Resize(ULONG(i), static_cast<ULONG>(count));
+    R* const out = entries.GetData();
+    if (entries.GetCount() == 0) return;
+    detail::WithOperand(as.data(), viewA.Repeats(), prepareA, [&](const auto& a) {
+      detail::WithOperand(bs.data(), viewB.Repeats(), prepareB, [&](const auto& b) {
+        for (std::size_t j = 0; j < entries.GetCount(); ++j) out[j] = kernel.Pair(a(j), b(j));
+      });
+    });
+  });
 }
 
 // result = op(a, b) for every element of the batch, by the rule above.

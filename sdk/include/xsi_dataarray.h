@@ -3,6 +3,10 @@
 //   CDataArrayLong value(context, kValuePort);   // input, possibly constant
 //   CDataArrayLong result(context);              // output of the evaluated port
 //   result[i] = value[i];                        // a constant input reads its one value
+//
+// A node that writes every element of its batch says so when it acquires the output,
+//   CDataArrayLong result(context, OutputWrites::WholeBatch);
+// and may then write through GetData() without the host checking each value.
 #pragma once
 
 #include <cassert>
@@ -14,67 +18,47 @@
 
 namespace XSI {
 
-// The data type bit of each element type.
+// The data type bit of each element type: CDataTypeOf<T>::value.
 template <class T>
 struct CDataTypeOf;
-template <>
-struct CDataTypeOf<bool> {
-  static constexpr siICENodeDataType value = siICENodeDataBool;
+template <siICENodeDataType kType>
+struct CDataTypeIs {
+  static constexpr siICENodeDataType value = kType;
 };
 template <>
-struct CDataTypeOf<LONG> {
-  static constexpr siICENodeDataType value = siICENodeDataLong;
-};
+struct CDataTypeOf<bool> : CDataTypeIs<siICENodeDataBool> {};
 template <>
-struct CDataTypeOf<float> {
-  static constexpr siICENodeDataType value = siICENodeDataFloat;
-};
+struct CDataTypeOf<LONG> : CDataTypeIs<siICENodeDataLong> {};
 template <>
-struct CDataTypeOf<MATH::CVector2f> {
-  static constexpr siICENodeDataType value = siICENodeDataVector2;
-};
+struct CDataTypeOf<float> : CDataTypeIs<siICENodeDataFloat> {};
 template <>
-struct CDataTypeOf<MATH::CVector3f> {
-  static constexpr siICENodeDataType value = siICENodeDataVector3;
-};
+struct CDataTypeOf<MATH::CVector2f> : CDataTypeIs<siICENodeDataVector2> {};
 template <>
-struct CDataTypeOf<MATH::CVector4f> {
-  static constexpr siICENodeDataType value = siICENodeDataVector4;
-};
+struct CDataTypeOf<MATH::CVector3f> : CDataTypeIs<siICENodeDataVector3> {};
 template <>
-struct CDataTypeOf<MATH::CQuaternionf> {
-  static constexpr siICENodeDataType value = siICENodeDataQuaternion;
-};
+struct CDataTypeOf<MATH::CVector4f> : CDataTypeIs<siICENodeDataVector4> {};
 template <>
-struct CDataTypeOf<MATH::CMatrix3f> {
-  static constexpr siICENodeDataType value = siICENodeDataMatrix33;
-};
+struct CDataTypeOf<MATH::CQuaternionf> : CDataTypeIs<siICENodeDataQuaternion> {};
 template <>
-struct CDataTypeOf<MATH::CMatrix4f> {
-  static constexpr siICENodeDataType value = siICENodeDataMatrix44;
-};
+struct CDataTypeOf<MATH::CMatrix3f> : CDataTypeIs<siICENodeDataMatrix33> {};
 template <>
-struct CDataTypeOf<MATH::CColor4f> {
-  static constexpr siICENodeDataType value = siICENodeDataColor4;
-};
+struct CDataTypeOf<MATH::CMatrix4f> : CDataTypeIs<siICENodeDataMatrix44> {};
 template <>
-struct CDataTypeOf<MATH::CRotationf> {
-  static constexpr siICENodeDataType value = siICENodeDataRotation;
-};
+struct CDataTypeOf<MATH::CColor4f> : CDataTypeIs<siICENodeDataColor4> {};
 template <>
-struct CDataTypeOf<CShape> {
-  static constexpr siICENodeDataType value = siICENodeDataShape;
-};
+struct CDataTypeOf<MATH::CRotationf> : CDataTypeIs<siICENodeDataRotation> {};
 template <>
-struct CDataTypeOf<CString> {
-  static constexpr siICENodeDataType value = siICENodeDataString;
-};
+struct CDataTypeOf<CShape> : CDataTypeIs<siICENodeDataShape> {};
+template <>
+struct CDataTypeOf<CString> : CDataTypeIs<siICENodeDataString> {};
 
-class CBaseDataArray {
+// What one- and two-dimensional arrays share: the context they were acquired from (released when
+// the array goes) and what the host told of the port's data.
+class CDataArrayState {
  public:
-  explicit CBaseDataArray(siICENodeDataType type) : type_(type) {}
-  CBaseDataArray(const CBaseDataArray&) = delete;
-  CBaseDataArray& operator=(const CBaseDataArray&) = delete;
+  explicit CDataArrayState(siICENodeDataType type) : type_(type) {}
+  CDataArrayState(const CDataArrayState&) = delete;
+  CDataArrayState& operator=(const CDataArrayState&) = delete;
 
   ULONG GetCount() const { return count_; }
   bool IsConstant() const { return constant_; }
@@ -84,32 +68,47 @@ class CBaseDataArray {
   friend class ICENodeContext;
   ICENodeContext* context_ = nullptr;
   siICENodeDataType type_;
-  void* data_ = nullptr;    // contiguous values (unused for strings)
   void* buffer_ = nullptr;  // host storage behind the array
   ULONG count_ = 0;
   bool constant_ = false;
   bool output_ = false;
 };
 
+class CBaseDataArray : public CDataArrayState {
+ public:
+  using CDataArrayState::CDataArrayState;
+
+ protected:
+  friend class ICENodeContext;
+  // Input `portID` (instance `instance` of a group port), or the output of the evaluated port.
+  CBaseDataArray(siICENodeDataType type, ICENodeContext& context, ULONG portID, ULONG instance)
+      : CDataArrayState(type) {
+    context.AcquireInputDataArray(*this, portID, instance);
+  }
+  CBaseDataArray(siICENodeDataType type, ICENodeContext& context, OutputWrites writes)
+      : CDataArrayState(type) {
+    context.AcquireOutputDataArray(*this, writes);
+  }
+  ~CBaseDataArray() { Release(); }
+  void Release() {
+    if (context_ != nullptr) context_->ReleaseDataArray(*this);
+  }
+
+  void* data_ = nullptr;  // contiguous values (unused for strings)
+};
+
 template <class T>
 class CDataArray : public CBaseDataArray {
  public:
   CDataArray() : CBaseDataArray(CDataTypeOf<T>::value) {}
-  // Input `portID` (instance `instance` of a group port).
   CDataArray(ICENodeContext& context, ULONG portID, ULONG instance = 0)
-      : CBaseDataArray(CDataTypeOf<T>::value) {
-    context.AcquireInputDataArray(*this, portID, instance);
-  }
-  // Output of the evaluated port.
-  explicit CDataArray(ICENodeContext& context) : CBaseDataArray(CDataTypeOf<T>::value) {
-    context.AcquireOutputDataArray(*this);
-  }
-  ~CDataArray() {
-    if (context_ != nullptr) context_->ReleaseDataArray(*this);
-  }
+      : CBaseDataArray(CDataTypeOf<T>::value, context, portID, instance) {}
+  // Output of the evaluated port; `writes` as AcquireOutputDataArray takes it.
+  explicit CDataArray(ICENodeContext& context, OutputWrites writes = OutputWrites::Some)
+      : CBaseDataArray(CDataTypeOf<T>::value, context, writes) {}
   // A private, writable copy of an input.
   CStatus CopyFrom(ICENodeContext& context, ULONG portID, ULONG instance = 0) {
-    if (context_ != nullptr) context_->ReleaseDataArray(*this);
+    Release();
     return context.CopyFromInputDataArray(*this, portID, instance);
   }
 
@@ -121,7 +120,9 @@ class CDataArray : public CBaseDataArray {
     assert(count_ > 0);
     return static_cast<T*>(data_)[constant_ ? 0 : index];
   }
+  // The values, indexed like operator[] (one value when constant); valid while GetCount() > 0.
   const T* GetData() const { return static_cast<const T*>(data_); }
+  T* GetData() { return static_cast<T*>(data_); }
 };
 
 // Strings are held by the host and read or written whole, per element.
@@ -130,15 +131,9 @@ class CDataArray<CString> : public CBaseDataArray {
  public:
   CDataArray() : CBaseDataArray(siICENodeDataString) {}
   CDataArray(ICENodeContext& context, ULONG portID, ULONG instance = 0)
-      : CBaseDataArray(siICENodeDataString) {
-    context.AcquireInputDataArray(*this, portID, instance);
-  }
-  explicit CDataArray(ICENodeContext& context) : CBaseDataArray(siICENodeDataString) {
-    context.AcquireOutputDataArray(*this);
-  }
-  ~CDataArray() {
-    if (context_ != nullptr) context_->ReleaseDataArray(*this);
-  }
+      : CBaseDataArray(siICENodeDataString, context, portID, instance) {}
+  explicit CDataArray(ICENodeContext& context)
+      : CBaseDataArray(siICENodeDataString, context, OutputWrites::Some) {}
 
   CString operator[](ULONG index) const {
     const wchar_t* text = nullptr;

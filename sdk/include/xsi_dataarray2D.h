@@ -16,24 +16,24 @@
 
 namespace XSI {
 
-class CBaseDataArray2D {
+class CBaseDataArray2D : public CDataArrayState {
  public:
-  explicit CBaseDataArray2D(siICENodeDataType type) : type_(type) {}
-  CBaseDataArray2D(const CBaseDataArray2D&) = delete;
-  CBaseDataArray2D& operator=(const CBaseDataArray2D&) = delete;
-
-  ULONG GetCount() const { return count_; }
-  bool IsConstant() const { return constant_; }
-  siICENodeDataType GetDataType() const { return type_; }
+  using CDataArrayState::CDataArrayState;
 
  protected:
   friend class ICENodeContext;
-  ICENodeContext* context_ = nullptr;
-  siICENodeDataType type_;
-  void* buffer_ = nullptr;
-  ULONG count_ = 0;
-  bool constant_ = false;
-  bool output_ = false;
+  // Input `portID` (instance `instance` of a group port), or the output of the evaluated port.
+  CBaseDataArray2D(siICENodeDataType type, ICENodeContext& context, ULONG portID, ULONG instance)
+      : CDataArrayState(type) {
+    context.AcquireInputDataArray2D(*this, portID, instance);
+  }
+  CBaseDataArray2D(siICENodeDataType type, ICENodeContext& context) : CDataArrayState(type) {
+    context.AcquireOutputDataArray2D(*this);
+  }
+  ~CBaseDataArray2D() { Release(); }
+  void Release() {
+    if (context_ != nullptr) context_->ReleaseDataArray(*this);
+  }
 };
 
 template <class T>
@@ -62,17 +62,11 @@ class CDataArray2D : public CBaseDataArray2D {
 
   CDataArray2D() : CBaseDataArray2D(CDataTypeOf<T>::value) {}
   CDataArray2D(ICENodeContext& context, ULONG portID, ULONG instance = 0)
-      : CBaseDataArray2D(CDataTypeOf<T>::value) {
-    context.AcquireInputDataArray2D(*this, portID, instance);
-  }
-  explicit CDataArray2D(ICENodeContext& context) : CBaseDataArray2D(CDataTypeOf<T>::value) {
-    context.AcquireOutputDataArray2D(*this);
-  }
-  ~CDataArray2D() {
-    if (context_ != nullptr) context_->ReleaseDataArray(*this);
-  }
+      : CBaseDataArray2D(CDataTypeOf<T>::value, context, portID, instance) {}
+  explicit CDataArray2D(ICENodeContext& context)
+      : CBaseDataArray2D(CDataTypeOf<T>::value, context) {}
   CStatus CopyFrom(ICENodeContext& context, ULONG portID, ULONG instance = 0) {
-    if (context_ != nullptr) context_->ReleaseDataArray(*this);
+    Release();
     return context.CopyFromInputDataArray2D(*this, portID, instance);
   }
 
@@ -130,15 +124,8 @@ class CDataArray2D<CString> : public CBaseDataArray2D {
 
   CDataArray2D() : CBaseDataArray2D(siICENodeDataString) {}
   CDataArray2D(ICENodeContext& context, ULONG portID, ULONG instance = 0)
-      : CBaseDataArray2D(siICENodeDataString) {
-    context.AcquireInputDataArray2D(*this, portID, instance);
-  }
-  explicit CDataArray2D(ICENodeContext& context) : CBaseDataArray2D(siICENodeDataString) {
-    context.AcquireOutputDataArray2D(*this);
-  }
-  ~CDataArray2D() {
-    if (context_ != nullptr) context_->ReleaseDataArray(*this);
-  }
+      : CBaseDataArray2D(siICENodeDataString, context, portID, instance) {}
+  explicit CDataArray2D(ICENodeContext& context) : CBaseDataArray2D(siICENodeDataString, context) {}
 
   Accessor operator[](ULONG index) const {
     const void* data = nullptr;

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include <xsi_dataarray.h>
 #include <xsi_decl.h>
 #include <xsi_mathf.h>
 
@@ -27,28 +28,9 @@ class CBaseICEAttributeDataArray {
 };
 
 template <class T>
-struct ICEAttributeDataType;
-template <>
-struct ICEAttributeDataType<bool> {
-  static constexpr siICENodeDataType value = siICENodeDataBool;
-};
-template <>
-struct ICEAttributeDataType<LONG> {
-  static constexpr siICENodeDataType value = siICENodeDataLong;
-};
-template <>
-struct ICEAttributeDataType<float> {
-  static constexpr siICENodeDataType value = siICENodeDataFloat;
-};
-template <>
-struct ICEAttributeDataType<MATH::CVector3f> {
-  static constexpr siICENodeDataType value = siICENodeDataVector3;
-};
-
-template <class T>
 class CICEAttributeDataArray : public CBaseICEAttributeDataArray {
  public:
-  CICEAttributeDataArray() : CBaseICEAttributeDataArray(ICEAttributeDataType<T>::value) {}
+  CICEAttributeDataArray() : CBaseICEAttributeDataArray(CDataTypeOf<T>::value) {}
   /// Value of element `index`; a constant array answers its one value for every index.
   const T& operator[](ULONG index) const { return values_[constant_ ? 0 : index]; }
 

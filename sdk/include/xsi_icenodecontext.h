@@ -22,6 +22,11 @@ class CBaseDataArray;
 class CBaseDataArray2D;
 class CIndexSet;
 
+// What a node promises when it acquires the output of single values: to write some elements of
+// the batch (the host reads the values back to tell which), or every one of them (the host then
+// takes the whole batch as written without reading it).
+enum class OutputWrites { Some, WholeBatch };
+
 class ICENodeContext : public Context {
  public:
   ICENodeContext() = default;
@@ -41,7 +46,7 @@ class ICENodeContext : public Context {
 
   CStatus AcquireInputDataArray(CBaseDataArray& array, ULONG portID, ULONG instance = 0);
   CStatus CopyFromInputDataArray(CBaseDataArray& array, ULONG portID, ULONG instance = 0);
-  CStatus AcquireOutputDataArray(CBaseDataArray& array);
+  CStatus AcquireOutputDataArray(CBaseDataArray& array, OutputWrites writes = OutputWrites::Some);
   CStatus AcquireInputDataArray2D(CBaseDataArray2D& array, ULONG portID, ULONG instance = 0);
   CStatus CopyFromInputDataArray2D(CBaseDataArray2D& array, ULONG portID, ULONG instance = 0);
   CStatus AcquireOutputDataArray2D(CBaseDataArray2D& array);

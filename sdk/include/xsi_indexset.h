@@ -1,6 +1,7 @@
 // CIndexSet: the element indices of the current batch, ascending.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include <xsi_decl.h>
@@ -42,6 +43,10 @@ class CIndexSet {
     return it;
   }
   ULONG GetCount() const { return indices_ ? static_cast<ULONG>(indices_->size()) : 0; }
+  // The indices the iterator walks, at once: loops over a batch keep them in registers.
+  std::span<const ULONG> GetIndices() const {
+    return indices_ ? std::span<const ULONG>(*indices_) : std::span<const ULONG>();
+  }
 
   // Host side only.
   void SetIndices(const std::vector<ULONG>* indices) { indices_ = indices; }

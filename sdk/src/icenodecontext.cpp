@@ -135,13 +135,18 @@ CStatus ICENodeContext::CopyFromInputDataArray(CBaseDataArray& a, ULONG portID, 
   return CStatus::OK;
 }
 
-CStatus ICENodeContext::AcquireOutputDataArray(CBaseDataArray& a) {
+CStatus ICENodeContext::AcquireOutputDataArray(CBaseDataArray& a, OutputWrites writes) {
   a.context_ = this;
   a.output_ = true;
   if (!matchingOutput(frame_, a.type_, false)) return CStatus::Fail;
   a.buffer_ = frame_->output;
   a.data_ = frame_->output->flat.data();
   a.count_ = frame_->output->count;
+  // The batch's values are filled once, before the node's first write; a promise to write the
+  // whole batch needs no fill and outlasts any later acquisition.
+  if (!frame_->outputWrites && writes == OutputWrites::Some && frame_->fillUnwritten)
+    frame_->fillUnwritten(frame_->output->flat.data(), *frame_->indices);
+  if (frame_->outputWrites != OutputWrites::WholeBatch) frame_->outputWrites = writes;
   return CStatus::OK;
 }
 

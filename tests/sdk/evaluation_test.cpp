@@ -68,6 +68,26 @@ TEST(Evaluation, EmptyIndexSetWritesNothing) {
   for (ULONG i = 0; i < 3; ++i) EXPECT_FALSE(out.values.WasWritten(i));
 }
 
+TEST(Evaluation, WholeBatchWritesCountEvenWhenTheyLookUnwritten) {
+  // Quillix_divi promises to write its whole batch. The quotient 0xA5A5A5A5 has the bytes of
+  // the host's unwritten fill, and still counts as written; constant inputs give every element
+  // of a batch with gaps the one quotient, and the elements outside stay unwritten.
+  constexpr XSI::LONG kFillPattern = XSI::LONG(0xA5A5A5A5u);
+  EvaluationRequest r;
+  r.elements = 4;
+  r.SetInput(1010, PortValues::Singles<XSI::LONG>({kFillPattern, 6, kFillPattern, 9}));
+  const auto out = Evaluate(L"Quillix_divi", r, 2010);
+  EXPECT_EQ(out.values.written, std::vector<char>(4, 1));
+  EXPECT_EQ(out.values.Single<XSI::LONG>(2), kFillPattern);
+
+  r.SetInput(1010, PortValues::Singles<XSI::LONG>({kFillPattern}).AsConstant());
+  r.SetInput(1020, PortValues::Singles<XSI::LONG>({-1}).AsConstant());
+  r.batch = std::vector<ULONG>{0, 2, 3};
+  const auto constant = Evaluate(L"Quillix_divi", r, 2010);
+  EXPECT_EQ(constant.values.written, (std::vector<char>{1, 0, 1, 1}));
+  for (ULONG i : {0u, 2u, 3u}) EXPECT_EQ(constant.values.Single<XSI::LONG>(i), -kFillPattern);
+}
+
 TEST(Evaluation, ReusedOutputBuffersAnswerLikeFreshOnes) {
   xsihost::NodeInstance instance(Plugin(), *NodeDefinition(L"Quillix_divi"));
   EvaluationRequest whole;

@@ -2,12 +2,15 @@
 // the evaluated output and the batch.
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <utility>
 #include <vector>
 
+#include <xsi_icenodecontext.h>
 #include <xsihost/evaluation.h>
 #include <xsihost/port_values.h>
 
@@ -33,6 +36,11 @@ struct EvalFrame {
   ULONG groupInstances = 1;
   double time = 1.0;
   std::vector<std::unique_ptr<xsihost::PortValues>> copies;  // private input copies
+  // Single-value outputs: what the node promised when it first acquired the output of this
+  // batch (none when it did not), and how the host marks the batch's values as unwritten before
+  // some of them are written (null for arrays and strings, which record their writes).
+  std::optional<XSI::OutputWrites> outputWrites;
+  void (*fillUnwritten)(std::byte* values, const std::vector<ULONG>& elements) = nullptr;
 
   const ResolvedInput* FindInput(ULONG port, ULONG instance) const;
 };

@@ -444,53 +444,73 @@ void FillValues(std::byte* data, const std::vector<ULONG>& elements) {
 }
 
 template <std::size_t kSize>
-void MarkRun(const std::byte* __restrict data, std::size_t count, char* __restrict written) {
+void CheckRun(const std::byte* __restrict data, std::size_t count, char* __restrict written) {
   for (std::size_t i = 0; i < count; ++i) written[i] = Differs<kSize>(data + i * kSize);
 }
 
 template <std::size_t kSize>
-void MarkValues(const std::byte* data, const std::vector<ULONG>& elements, char* written) {
+void CheckValues(const std::byte* data, const std::vector<ULONG>& elements, char* written) {
   if (IsRun(elements)) {
     const std::size_t first = elements.front();
-    MarkRun<kSize>(data + first * kSize, elements.size(), written + first);
+    CheckRun<kSize>(data + first * kSize, elements.size(), written + first);
     return;
   }
   for (ULONG i : elements) written[i] = Differs<kSize>(data + std::size_t(i) * kSize);
 }
 
-// Single values are written in place, so a batch's values are filled with kUnwritten right
-// before the node runs and checked right after, on the batch's thread while they are in cache:
-// an element counts as written once any of its bytes differs from the fill. The value size is
-// fixed at compile time so that both compile to plain stores and compares. Arrays and strings
-// record their writes as they happen and need no tracker.
+void MarkWritten(const std::vector<ULONG>& elements, char* written) {
+  if (IsRun(elements)) {
+    std::memset(written + elements.front(), 1, elements.size());
+    return;
+  }
+  for (ULONG i : elements) written[i] = 1;
+}
+
+// Single values are written in place, so which of them a node wrote is found out afterwards: a
+// batch's values are filled with kUnwritten when the node first acquires the output (see
+// ICENodeContext::AcquireOutputDataArray) and checked right after the batch, on its thread while
+// they are in cache; an element counts as written once any of its bytes differs from the fill.
+// A node that promised to write the whole batch skips both. The value size is fixed at compile
+// time so that fill and check compile to plain stores and compares. Arrays and strings record
+// their writes as they happen and need no tracker.
 struct WriteTracker {
   void (*fill)(std::byte*, const std::vector<ULONG>&) = nullptr;
-  void (*mark)(const std::byte*, const std::vector<ULONG>&, char*) = nullptr;
+  void (*check)(const std::byte*, const std::vector<ULONG>&, char*) = nullptr;
 
   static WriteTracker For(const PortValues& out) {
     if (out.array || out.IsString() || out.count == 0) return {};
     switch (ValueSize(out.type)) {
       case 1:
-        return {&FillValues<1>, &MarkValues<1>};
+        return {&FillValues<1>, &CheckValues<1>};
       case 4:
-        return {&FillValues<4>, &MarkValues<4>};
+        return {&FillValues<4>, &CheckValues<4>};
       case 8:
-        return {&FillValues<8>, &MarkValues<8>};
+        return {&FillValues<8>, &CheckValues<8>};
       case 12:
-        return {&FillValues<12>, &MarkValues<12>};
+        return {&FillValues<12>, &CheckValues<12>};
       case 16:
-        return {&FillValues<16>, &MarkValues<16>};
+        return {&FillValues<16>, &CheckValues<16>};
       case 36:
-        return {&FillValues<36>, &MarkValues<36>};
+        return {&FillValues<36>, &CheckValues<36>};
       default:
-        return {&FillValues<64>, &MarkValues<64>};  // the 4 × 4 matrix, the largest
+        return {&FillValues<64>, &CheckValues<64>};  // the 4 × 4 matrix, the largest
     }
   }
+  // Elements outside every batch, which only a node writing more than it was asked for writes.
   void Before(PortValues& out, const std::vector<ULONG>& elements) const {
     if (fill) fill(out.flat.data(), elements);
   }
   void After(PortValues& out, const std::vector<ULONG>& elements) const {
-    if (mark) mark(out.flat.data(), elements, out.written.data());
+    if (check) check(out.flat.data(), elements, out.written.data());
+  }
+  // A batch, after the node ran with `writes` promised (none: it never acquired the output,
+  // whose values then get the fill as well).
+  void AfterBatch(PortValues& out, const std::vector<ULONG>& elements,
+                  std::optional<XSI::OutputWrites> writes) const {
+    if (!check) return;
+    if (writes == XSI::OutputWrites::WholeBatch) return MarkWritten(elements, out.written.data());
+    if (!writes) Before(out, elements);
+    After(out, elements);
   }
 };
 
@@ -573,11 +593,11 @@ void NodeInstance::EvaluatePort(ResolvedEvaluation& resolved, OutputResult& resu
   tracker.Before(result.values, layout.outside);
   std::mutex statusMutex;
   ForEachChunk(layout.chunks.size(), resolved.threads, [&](std::size_t c) {
-    tracker.Before(result.values, layout.chunks[c]);
     EvalFrame frame = MakeFrame(this, resolved, &result.values, result.port, &layout.chunks[c]);
+    frame.fillUnwritten = tracker.fill;
     ICENodeContext ctxt(resolved.contextRef, &frame);
     const CStatus status = evaluateFn ? CallPlugin(evaluateFn, ctxt, what) : CStatus(CStatus::Fail);
-    tracker.After(result.values, layout.chunks[c]);
+    tracker.AfterBatch(result.values, layout.chunks[c], frame.outputWrites);
     if (!status.Succeeded()) {
       std::lock_guard<std::mutex> lock(statusMutex);
       if (result.status == 0) result.status = status.GetCode();
