@@ -298,8 +298,9 @@ void ResolveOutputs(const NodeDefinitionRecord& node, const EvaluationRequest& r
 // Elements per batch: the request's, or enough batches for every thread (see batchSize).
 ULONG BatchSize(const EvaluationRequest& request, std::size_t indices, unsigned threads) {
   if (request.batchSize) return request.batchSize;
-  const std::size_t perThread = (indices + threads - 1) / threads;
-  return static_cast<ULONG>(std::clamp<std::size_t>(perThread, EvaluationRequest::kMinAutoBatch,
+  const std::size_t batches = std::size_t(threads) * EvaluationRequest::kAutoBatchesPerThread;
+  return static_cast<ULONG>(std::clamp<std::size_t>((indices + batches - 1) / batches,
+                                                    EvaluationRequest::kMinAutoBatch,
                                                     EvaluationRequest::kMaxAutoBatch));
 }
 

@@ -41,9 +41,11 @@ struct EvaluationRequest {
   std::set<ULONG> failingPortInfo;             // GetPortInfo fails for these
   double time = 1.0;
   unsigned threads = 1;
-  // Elements per batch; 0 sizes batches so that every thread gets work: ceil(elements /
-  // threads), at least kMinAutoBatch and at most kMaxAutoBatch.
+  // Elements per batch; 0 sizes batches so that every thread gets work, and a thread that
+  // drew cheap elements takes more: ceil(elements / (threads × kAutoBatchesPerThread)), at
+  // least kMinAutoBatch and at most kMaxAutoBatch.
   ULONG batchSize = 0;
+  static constexpr ULONG kAutoBatchesPerThread = 4;
   static constexpr ULONG kMinAutoBatch = 16;
   static constexpr ULONG kMaxAutoBatch = 1024;
 
