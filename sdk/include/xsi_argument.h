@@ -15,7 +15,6 @@ class Argument : public SIObject {
   explicit Argument(const CRef& ref);
 
   CValue GetValue() const;
-  CStatus PutValue(const CValue& value);
 };
 
 class ArgumentArray : public CBase {

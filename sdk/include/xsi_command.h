@@ -13,14 +13,9 @@ class Command : public SIObject {
   explicit Command(const CRef& ref);
 
   ArgumentArray GetArguments() const;
-  CString GetDescription() const;
   CStatus PutDescription(const CString& description);
   /// Sets or clears the capability bits `flag`.
   CStatus SetFlag(LONG flag, bool value);
-  bool GetFlag(LONG flag) const;
-  /// Whether the command returns a value (its "ReturnValue" attribute).
-  CStatus EnableReturnValue(bool enable);
-  bool IsReturnValueEnabled() const;
 };
 
 }  // namespace XSI

@@ -106,11 +106,6 @@ class CDataArray : public CBaseDataArray {
   // Output of the evaluated port; `writes` as AcquireOutputDataArray takes it.
   explicit CDataArray(ICENodeContext& context, OutputWrites writes = OutputWrites::Some)
       : CBaseDataArray(CDataTypeOf<T>::value, context, writes) {}
-  // A private, writable copy of an input.
-  CStatus CopyFrom(ICENodeContext& context, ULONG portID, ULONG instance = 0) {
-    Release();
-    return context.CopyFromInputDataArray(*this, portID, instance);
-  }
 
   const T& operator[](ULONG index) const {
     assert(count_ > 0);

@@ -65,10 +65,6 @@ class CDataArray2D : public CBaseDataArray2D {
       : CBaseDataArray2D(CDataTypeOf<T>::value, context, portID, instance) {}
   explicit CDataArray2D(ICENodeContext& context)
       : CBaseDataArray2D(CDataTypeOf<T>::value, context) {}
-  CStatus CopyFrom(ICENodeContext& context, ULONG portID, ULONG instance = 0) {
-    Release();
-    return context.CopyFromInputDataArray2D(*this, portID, instance);
-  }
 
   // Element `index`'s array (the shared one when the input is constant).
   Accessor operator[](ULONG index) const {

@@ -19,10 +19,8 @@ class CGeometryAccessor {
   CGeometryAccessor() = default;
   bool IsValid() const { return mesh_ != nullptr; }
 
-  LONG GetVertexCount() const;
   LONG GetPolygonCount() const;
   LONG GetPolygonNodeCount() const;
-  LONG GetTriangleCount() const;
   /// x, y, z of every vertex in order.
   CStatus GetVertexPositions(CDoubleArray& positions) const;
   /// The vertex of every polygon node, polygon by polygon.
@@ -31,8 +29,6 @@ class CGeometryAccessor {
   CStatus GetPolygonVerticesCount(CLongArray& counts) const;
   /// Three vertex indices per triangle (each polygon fanned from its first vertex).
   CStatus GetTriangleVertexIndices(CLongArray& indices) const;
-  /// The polygon-node normals (x, y, z each), node by node.
-  CStatus GetNodeNormals(CFloatArray& normals) const;
 
   // Host side only.
   explicit CGeometryAccessor(std::shared_ptr<xsihost::Object> owner) : mesh_(std::move(owner)) {}

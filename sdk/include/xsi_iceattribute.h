@@ -15,9 +15,7 @@ class ICEAttribute : public SIObject {
   /// True when the geometry holds values for this attribute.
   bool IsDefined() const;
   siICENodeDataType GetDataType() const;
-  siICENodeStructureType GetStructureType() const;
   siICENodeContextType GetContextType() const;
-  ULONG GetElementCount() const;
   bool IsConstant() const;
 
   /// Copies the values into `data`, whose element type must match the attribute's data type

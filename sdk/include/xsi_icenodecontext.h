@@ -38,7 +38,6 @@ class ICENodeContext : public Context {
   CStatus GetPortInfo(ULONG portID, siICENodeDataType& type, siICENodeStructureType& structure,
                       siICENodeContextType& context, ULONG instance = 0) const;
   CStatus GetGroupInstanceCount(ULONG groupID, ULONG& count) const;
-  ULONG GetNumberOfElementsToProcess() const;
   CTime GetTime() const;
 
   CStatus AcquireIndexSet(CIndexSet& indexSet) const;

@@ -16,9 +16,6 @@ class CIndexSet {
     Iterator() = default;
     bool HasNext() const { return indices_ != nullptr && position_ < indices_->size(); }
     void Next() { ++position_; }
-    ULONG GetAbsoluteIndex() const { return (*indices_)[position_]; }
-    // Data arrays are indexed by absolute element index, so both indices agree.
-    ULONG GetIndex() const { return (*indices_)[position_]; }
     operator ULONG() const { return (*indices_)[position_]; }
 
    private:

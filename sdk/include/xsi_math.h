@@ -24,9 +24,6 @@ CVector3 MapWorldPositionToObjectSpace(const CTransformation& objectTransform,
 /// A direction (no translation) from the object's space to world space: v × S × R.
 CVector3 MapObjectOrientationToWorldSpace(const CTransformation& objectTransform,
                                           const CVector3& direction);
-/// A world-space direction in the object's space; the zero vector for a singular transform.
-CVector3 MapWorldOrientationToObjectSpace(const CTransformation& objectTransform,
-                                          const CVector3& direction);
 
 }  // namespace MATH
 }  // namespace XSI

@@ -13,8 +13,6 @@ class CVector2f {
   CVector2f(float x, float y) : x_(x), y_(y) {}
   float GetX() const { return x_; }
   float GetY() const { return y_; }
-  void PutX(float v) { x_ = v; }
-  void PutY(float v) { y_ = v; }
   void Set(float x, float y) {
     x_ = x;
     y_ = y;
@@ -32,9 +30,6 @@ class CVector3f {
   float GetX() const { return x_; }
   float GetY() const { return y_; }
   float GetZ() const { return z_; }
-  void PutX(float v) { x_ = v; }
-  void PutY(float v) { y_ = v; }
-  void PutZ(float v) { z_ = v; }
   void Set(float x, float y, float z) {
     x_ = x;
     y_ = y;
@@ -152,10 +147,6 @@ class CColor4f {
  public:
   CColor4f() = default;
   CColor4f(float r, float g, float b, float a) : r_(r), g_(g), b_(b), a_(a) {}
-  float GetR() const { return r_; }
-  float GetG() const { return g_; }
-  float GetB() const { return b_; }
-  float GetA() const { return a_; }
   void Set(float r, float g, float b, float a) {
     r_ = r;
     g_ = g;
@@ -175,8 +166,6 @@ class CRotationf {
  public:
   CRotationf() = default;
   explicit CRotationf(const CQuaternionf& q) : q_(q) {}
-  const CQuaternionf& GetQuaternion() const { return q_; }
-  void SetFromQuaternion(const CQuaternionf& q) { q_ = q; }
   bool operator==(const CRotationf& o) const { return q_ == o.q_; }
 
  private:
@@ -206,7 +195,6 @@ class CShape {
   CShape(siICEShapeType type, float p0 = 0.0f, float p1 = 0.0f, float p2 = 0.0f)
       : type_(type), params_{p0, p1, p2} {}
   siICEShapeType GetType() const { return static_cast<siICEShapeType>(type_); }
-  float GetParameter(ULONG index) const { return index < 3 ? params_[index] : 0.0f; }
   bool operator==(const CShape& o) const {
     return type_ == o.type_ && params_[0] == o.params_[0] && params_[1] == o.params_[1] &&
            params_[2] == o.params_[2];

@@ -28,10 +28,7 @@ class NurbsCurve : public SIObject {
                                          MATH::CVector3& tangent, MATH::CVector3& normal,
                                          MATH::CVector3& binormal) const;
   CStatus GetLength(double& length) const;
-  /// The parameter range [min, max].
-  CStatus GetParameterRange(double& min, double& max) const;
   bool IsClosed() const;
-  LONG GetDegree() const;
 };
 
 }  // namespace XSI

@@ -19,7 +19,6 @@ class NurbsCurveList : public Geometry {
   explicit NurbsCurveList(const CRef& ref);
 
   CNurbsCurveRefArray GetCurves() const;
-  LONG GetCurveCount() const;
 };
 
 }  // namespace XSI

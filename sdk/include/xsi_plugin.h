@@ -12,8 +12,6 @@ class Plugin : public SIObject {
 
   /// The folder that holds the plug-in's file, ending with a path separator.
   CString GetOriginPath() const;
-  /// The plug-in's file, with its full path.
-  CString GetFilename() const;
 };
 
 }  // namespace XSI

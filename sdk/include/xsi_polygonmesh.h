@@ -16,7 +16,6 @@ class PolygonMesh : public Geometry {
   /// The points, and the polygons as one list: each polygon's vertex count followed by its
   /// vertex indices.
   CStatus Get(MATH::CVector3Array& points, CLongArray& polygonData) const;
-  LONG GetPointCount() const;
   LONG GetPolygonCount() const;
   /// Flat access to the mesh's arrays. The construction mode and subdivision level are
   /// accepted for their meaning on the host; the offline mesh has one shape.

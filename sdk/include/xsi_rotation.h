@@ -22,11 +22,9 @@ class CRotation {
   CRotation(double x, double y, double z, siRotationOrder order = siXYZ);
 
   CRotation& SetIdentity();
-  CRotation& SetFromXYZAngles(const CVector3& angles, siRotationOrder order = siXYZ);
   CRotation& SetFromXYZAnglesValues(double x, double y, double z, siRotationOrder order = siXYZ);
   /// Euler angles (radians) that rebuild this rotation in `order`.
   CVector3 GetXYZAngles(siRotationOrder order = siXYZ) const;
-  void GetXYZAnglesValues(double& x, double& y, double& z, siRotationOrder order = siXYZ) const;
   /// Rotation by `angle` radians about `axis` (right-handed); a zero axis gives the identity.
   CRotation& SetFromAxisAngle(const CVector3& axis, double angle);
   /// Takes an orthonormal matrix as it is (no re-orthogonalisation).

@@ -16,8 +16,6 @@ class SceneItem : public ProjectItem {
   /// The property named `name` ("Visibility", "Kinematics"); an invalid property when the
   /// object has none by that name.
   Property GetPropertyFromName(const CString& name) const;
-  /// Every property of the object.
-  CRefArray GetProperties() const;
 };
 
 }  // namespace XSI

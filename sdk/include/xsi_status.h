@@ -23,7 +23,6 @@ class CStatus {
 
   ULONG GetCode() const { return code_; }
   bool Succeeded() const { return code_ == OK || code_ == False; }
-  void PutCode(ULONG code) { code_ = code; }
 
   bool operator==(const CStatus& other) const { return code_ == other.code_; }
   bool operator!=(const CStatus& other) const { return code_ != other.code_; }

@@ -47,7 +47,6 @@ class CString {
   CString& Lower();
   // Position of `sub` at or after `start`, or ULONG_MAX (all ones) when absent.
   ULONG FindString(const CString& sub, ULONG start = 0) const;
-  CString GetSubString(ULONG start, ULONG length = 0xFFFFFFFFu) const;
 
   const wchar_t* GetWideString() const { return text_.c_str(); }
   // Narrow copy: characters beyond the 8-bit range become '?'. The pointer stays valid

@@ -8,7 +8,6 @@ class CTime {
   CTime() = default;
   explicit CTime(double frames) : frames_(frames) {}
   double GetTime() const { return frames_; }
-  void PutTime(double frames) { frames_ = frames; }
 
  private:
   double frames_ = 1.0;

@@ -32,7 +32,6 @@ class CTransformation {
   CTransformation& SetScalingFromValues(double x, double y, double z);
   CVector3 GetScaling() const;
   void GetScaling(CVector3& out) const { out = GetScaling(); }
-  void GetScalingValues(double& x, double& y, double& z) const;
   double GetSclX() const { return GetScaling().GetX(); }
   double GetSclY() const { return GetScaling().GetY(); }
   double GetSclZ() const { return GetScaling().GetZ(); }
@@ -53,13 +52,9 @@ class CTransformation {
   CTransformation& SetTranslationFromValues(double x, double y, double z);
   CVector3 GetTranslation() const;
   void GetTranslation(CVector3& out) const { out = GetTranslation(); }
-  void GetTranslationValues(double& x, double& y, double& z) const;
   double GetPosX() const { return matrix_.GetValue(3, 0); }
   double GetPosY() const { return matrix_.GetValue(3, 1); }
   double GetPosZ() const { return matrix_.GetValue(3, 2); }
-  void SetPosX(double v) { matrix_.SetValue(3, 0, v); }
-  void SetPosY(double v) { matrix_.SetValue(3, 1, v); }
-  void SetPosZ(double v) { matrix_.SetValue(3, 2, v); }
 
   /// this = a then b (row vectors: point × a × b). A child's global transform is
   /// Mul(local, parentGlobal).

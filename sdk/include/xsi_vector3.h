@@ -24,13 +24,9 @@ class CVector3 {
   double GetX() const { return x_; }
   double GetY() const { return y_; }
   double GetZ() const { return z_; }
-  void PutX(double x) { x_ = x; }
-  void PutY(double y) { y_ = y; }
-  void PutZ(double z) { z_ = z; }
   /// Reads the three components at once.
   void Get(double& x, double& y, double& z) const;
   CVector3& Set(double x, double y, double z);
-  CVector3& SetNull();
   /// Component by index 0, 1 or 2; any other index reads z.
   double operator[](short index) const;
   double& operator[](short index);
@@ -40,8 +36,6 @@ class CVector3 {
   /// Scales the vector to unit length; a zero (or non-finite) vector is left as it is and the
   /// call reports CStatus::Fail.
   CStatus NormalizeInPlace();
-  /// Sets this vector to `v` normalised; fails as NormalizeInPlace does.
-  CStatus Normalize(const CVector3& v);
 
   double Dot(const CVector3& v) const;
   CVector3& Cross(const CVector3& a, const CVector3& b);
@@ -56,8 +50,6 @@ class CVector3 {
   CVector3& ScaleInPlace(double s);
   CVector3& Negate(const CVector3& v);
   CVector3& NegateInPlace();
-  CVector3& Absolute(const CVector3& v);
-  CVector3& AbsoluteInPlace();
   /// Linear interpolation: this = a + t (b − a).
   CVector3& LinearlyInterpolate(const CVector3& a, const CVector3& b, double t);
 
@@ -66,11 +58,9 @@ class CVector3 {
   CVector3& MulByTransformationInPlace(const CTransformation& t);
   /// Row vector times a 3×3 matrix.
   CVector3& MulByMatrix3(const CVector3& v, const CMatrix3& m);
-  CVector3& MulByMatrix3InPlace(const CMatrix3& m);
   /// Treats the vector as the point (x, y, z, 1) times a 4×4 matrix; the w of the result is
   /// dropped (the matrices of this system are affine).
   CVector3& MulByMatrix4(const CVector3& v, const CMatrix4& m);
-  CVector3& MulByMatrix4InPlace(const CMatrix4& m);
   CVector3& MulByRotation(const CVector3& v, const CRotation& r);
   CVector3& MulByRotationInPlace(const CRotation& r);
 

@@ -18,10 +18,6 @@ class CVector4 {
   double GetY() const { return y_; }
   double GetZ() const { return z_; }
   double GetW() const { return w_; }
-  void PutX(double v) { x_ = v; }
-  void PutY(double v) { y_ = v; }
-  void PutZ(double v) { z_ = v; }
-  void PutW(double v) { w_ = v; }
   void Get(double& x, double& y, double& z, double& w) const {
     x = x_;
     y = y_;

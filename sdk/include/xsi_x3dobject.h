@@ -35,8 +35,6 @@ class X3DObject : public SceneItem {
   CRefArray FindChildren2(const CString& name = CString(), const CString& type = CString(),
                           const CStringArray& families = CStringArray(),
                           bool recursive = true) const;
-  /// The direct children in scene order.
-  CRefArray GetChildren() const;
 
   Primitive GetActivePrimitive() const;
   Kinematics GetKinematics() const;

@@ -19,11 +19,6 @@ ArgumentArray Command::GetArguments() const {
   return ArgumentArray(as<CommandObject>(ref_) ? ref_ : CRef());
 }
 
-CString Command::GetDescription() const {
-  const auto c = as<CommandObject>(ref_);
-  return c ? CString(c->description_.c_str()) : CString();
-}
-
 CStatus Command::PutDescription(const CString& description) {
   const auto c = as<CommandObject>(ref_);
   if (!c) return CStatus::Fail;
@@ -36,23 +31,6 @@ CStatus Command::SetFlag(LONG flag, bool value) {
   if (!c) return CStatus::Fail;
   c->flags_ = value ? (c->flags_ | flag) : (c->flags_ & ~flag);
   return CStatus::OK;
-}
-
-bool Command::GetFlag(LONG flag) const {
-  const auto c = as<CommandObject>(ref_);
-  return c && (c->flags_ & flag) == flag;
-}
-
-CStatus Command::EnableReturnValue(bool enable) {
-  const auto c = as<CommandObject>(ref_);
-  if (!c) return CStatus::Fail;
-  c->returnValue_ = enable;
-  return CStatus::OK;
-}
-
-bool Command::IsReturnValueEnabled() const {
-  const auto c = as<CommandObject>(ref_);
-  return c && c->returnValue_;
 }
 
 CStatus ArgumentArray::Add(const CString& name, const CValue& value) {
@@ -90,13 +68,6 @@ Argument::Argument(const CRef& ref) : SIObject(as<ArgumentObject>(ref) ? ref : C
 CValue Argument::GetValue() const {
   const auto a = as<ArgumentObject>(ref_);
   return a ? a->command_->arguments_[a->index_].value : CValue();
-}
-
-CStatus Argument::PutValue(const CValue& value) {
-  const auto a = as<ArgumentObject>(ref_);
-  if (!a) return CStatus::Fail;
-  a->command_->arguments_[a->index_].value = value;
-  return CStatus::OK;
 }
 
 }  // namespace XSI

@@ -77,10 +77,6 @@ CStatus ICENodeContext::GetGroupInstanceCount(ULONG /*groupID*/, ULONG& count) c
   return CStatus::OK;
 }
 
-ULONG ICENodeContext::GetNumberOfElementsToProcess() const {
-  return frame_ && frame_->indices ? static_cast<ULONG>(frame_->indices->size()) : 0;
-}
-
 CTime ICENodeContext::GetTime() const { return CTime(frame_ ? frame_->time : 1.0); }
 
 CStatus ICENodeContext::AcquireIndexSet(CIndexSet& indexSet) const {

@@ -277,8 +277,6 @@ siICENodeDataType ICEAttribute::GetDataType() const {
   return siICENodeDataAny;
 }
 
-siICENodeStructureType ICEAttribute::GetStructureType() const { return siICENodeStructureSingle; }
-
 siICENodeContextType ICEAttribute::GetContextType() const {
   const AttributeData* a = attributeData(ref_);
   if (!a) return siICENodeContextAny;
@@ -293,11 +291,6 @@ siICENodeContextType ICEAttribute::GetContextType() const {
       return siICENodeContextComponent0D2D;
   }
   return siICENodeContextAny;
-}
-
-ULONG ICEAttribute::GetElementCount() const {
-  const AttributeData* a = attributeData(ref_);
-  return a ? static_cast<ULONG>(a->ElementCount()) : 0;
 }
 
 bool ICEAttribute::IsConstant() const {
@@ -369,11 +362,6 @@ CStatus PolygonMesh::Get(CVector3Array& points, CLongArray& polygonData) const {
   return CStatus::OK;
 }
 
-LONG PolygonMesh::GetPointCount() const {
-  const auto g = as<GeometryObject>(ref_);
-  return g && g->owner_->mesh_ ? static_cast<LONG>(g->owner_->mesh_->points.size()) : 0;
-}
-
 LONG PolygonMesh::GetPolygonCount() const {
   const auto g = as<GeometryObject>(ref_);
   return g && g->owner_->mesh_ ? static_cast<LONG>(g->owner_->mesh_->polygons.size()) : 0;
@@ -401,17 +389,11 @@ CStatus Flatten(const Rows& rows, CPlainArray<T>& out) {
 }
 }  // namespace
 
-LONG CGeometryAccessor::GetVertexCount() const {
-  return mesh_ ? static_cast<LONG>(meshOf(mesh_)->owner_->mesh_->points.size()) : 0;
-}
 LONG CGeometryAccessor::GetPolygonCount() const {
   return mesh_ ? static_cast<LONG>(meshOf(mesh_)->owner_->mesh_->polygons.size()) : 0;
 }
 LONG CGeometryAccessor::GetPolygonNodeCount() const {
   return mesh_ ? static_cast<LONG>(meshOf(mesh_)->owner_->meshDerived_->nodeNormals.size()) : 0;
-}
-LONG CGeometryAccessor::GetTriangleCount() const {
-  return mesh_ ? static_cast<LONG>(meshOf(mesh_)->owner_->meshDerived_->triangles.size()) : 0;
 }
 
 CStatus CGeometryAccessor::GetVertexPositions(CDoubleArray& positions) const {
@@ -437,11 +419,6 @@ CStatus CGeometryAccessor::GetTriangleVertexIndices(CLongArray& indices) const {
   return Flatten(meshOf(mesh_)->owner_->meshDerived_->triangles, indices);
 }
 
-CStatus CGeometryAccessor::GetNodeNormals(CFloatArray& normals) const {
-  if (!mesh_) return CStatus::Fail;
-  return Flatten(meshOf(mesh_)->owner_->meshDerived_->nodeNormals, normals);
-}
-
 // ---- curves -------------------------------------------------------------------------------
 
 NurbsCurveList::NurbsCurveList(const CRef& ref) {
@@ -455,11 +432,6 @@ CNurbsCurveRefArray NurbsCurveList::GetCurves() const {
     for (std::size_t i = 0; i < g->owner_->curves_.size(); ++i)
       out.Add(CRef(std::make_shared<xsihost::CurveObject>(g->owner_, i)));
   return out;
-}
-
-LONG NurbsCurveList::GetCurveCount() const {
-  const auto g = as<GeometryObject>(ref_);
-  return g ? static_cast<LONG>(g->owner_->curves_.size()) : 0;
 }
 
 NurbsCurve::NurbsCurve(const CRef& ref)
@@ -509,22 +481,9 @@ CStatus NurbsCurve::GetLength(double& length) const {
   return CStatus::OK;
 }
 
-CStatus NurbsCurve::GetParameterRange(double& min, double& max) const {
-  const auto c = as<xsihost::CurveObject>(ref_);
-  if (!c) return CStatus::Fail;
-  min = c->Curve().MinParameter();
-  max = c->Curve().MaxParameter();
-  return CStatus::OK;
-}
-
 bool NurbsCurve::IsClosed() const {
   const auto c = as<xsihost::CurveObject>(ref_);
   return c && c->Curve().Data().closed;
-}
-
-LONG NurbsCurve::GetDegree() const {
-  const auto c = as<xsihost::CurveObject>(ref_);
-  return c ? c->Curve().Data().degree : 0;
 }
 
 }  // namespace XSI

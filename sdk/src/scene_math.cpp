@@ -26,8 +26,6 @@ CVector3& CVector3::Set(double x, double y, double z) {
   return *this;
 }
 
-CVector3& CVector3::SetNull() { return Set(0.0, 0.0, 0.0); }
-
 double CVector3::operator[](short index) const { return index == 0 ? x_ : index == 1 ? y_ : z_; }
 
 double& CVector3::operator[](short index) { return index == 0 ? x_ : index == 1 ? y_ : z_; }
@@ -43,11 +41,6 @@ CStatus CVector3::NormalizeInPlace() {
   y_ /= length;
   z_ /= length;
   return CStatus::OK;
-}
-
-CStatus CVector3::Normalize(const CVector3& v) {
-  *this = v;
-  return NormalizeInPlace();
 }
 
 double CVector3::Dot(const CVector3& v) const { return x_ * v.x_ + y_ * v.y_ + z_ * v.z_; }
@@ -79,10 +72,6 @@ CVector3& CVector3::Scale(double s, const CVector3& v) { return Set(s * v.x_, s 
 CVector3& CVector3::ScaleInPlace(double s) { return Scale(s, *this); }
 CVector3& CVector3::Negate(const CVector3& v) { return Set(-v.x_, -v.y_, -v.z_); }
 CVector3& CVector3::NegateInPlace() { return Negate(*this); }
-CVector3& CVector3::Absolute(const CVector3& v) {
-  return Set(std::fabs(v.x_), std::fabs(v.y_), std::fabs(v.z_));
-}
-CVector3& CVector3::AbsoluteInPlace() { return Absolute(*this); }
 
 CVector3& CVector3::LinearlyInterpolate(const CVector3& a, const CVector3& b, double t) {
   return Set(a.x_ + t * (b.x_ - a.x_), a.y_ + t * (b.y_ - a.y_), a.z_ + t * (b.z_ - a.z_));
@@ -101,7 +90,6 @@ CVector3& CVector3::MulByMatrix3(const CVector3& v, const CMatrix3& m) {
              x * m.GetValue(0, 1) + y * m.GetValue(1, 1) + z * m.GetValue(2, 1),
              x * m.GetValue(0, 2) + y * m.GetValue(1, 2) + z * m.GetValue(2, 2));
 }
-CVector3& CVector3::MulByMatrix3InPlace(const CMatrix3& m) { return MulByMatrix3(*this, m); }
 
 CVector3& CVector3::MulByMatrix4(const CVector3& v, const CMatrix4& m) {
   const double x = v.x_, y = v.y_, z = v.z_;
@@ -109,7 +97,6 @@ CVector3& CVector3::MulByMatrix4(const CVector3& v, const CMatrix4& m) {
              x * m.GetValue(0, 1) + y * m.GetValue(1, 1) + z * m.GetValue(2, 1) + m.GetValue(3, 1),
              x * m.GetValue(0, 2) + y * m.GetValue(1, 2) + z * m.GetValue(2, 2) + m.GetValue(3, 2));
 }
-CVector3& CVector3::MulByMatrix4InPlace(const CMatrix4& m) { return MulByMatrix4(*this, m); }
 
 CVector3& CVector3::MulByRotation(const CVector3& v, const CRotation& r) {
   return MulByMatrix3(v, r.GetMatrix());
@@ -358,10 +345,6 @@ CRotation& CRotation::SetIdentity() {
   return *this;
 }
 
-CRotation& CRotation::SetFromXYZAngles(const CVector3& angles, siRotationOrder order) {
-  return SetFromXYZAnglesValues(angles.GetX(), angles.GetY(), angles.GetZ(), order);
-}
-
 CRotation& CRotation::SetFromXYZAnglesValues(double x, double y, double z, siRotationOrder order) {
   const double angles[3] = {x, y, z};
   const int o = (order >= siXYZ && order <= siZYX) ? order : siXYZ;
@@ -398,10 +381,6 @@ CVector3 CRotation::GetXYZAngles(siRotationOrder order) const {
     angles[a] = std::atan2(-sign * m(c, b), m(b, b));
   }
   return CVector3(angles[0], angles[1], angles[2]);
-}
-
-void CRotation::GetXYZAnglesValues(double& x, double& y, double& z, siRotationOrder order) const {
-  GetXYZAngles(order).Get(x, y, z);
 }
 
 CRotation& CRotation::SetFromAxisAngle(const CVector3& axis, double angle) {
@@ -533,10 +512,6 @@ CTransformation& CTransformation::SetScalingFromValues(double x, double y, doubl
 
 CVector3 CTransformation::GetScaling() const { return decompose(matrix_).scaling; }
 
-void CTransformation::GetScalingValues(double& x, double& y, double& z) const {
-  GetScaling().Get(x, y, z);
-}
-
 CTransformation& CTransformation::SetRotation(const CRotation& r) {
   const Decomposition d = decompose(matrix_);
   Compose(d.scaling, r.GetMatrix(), GetTranslation());
@@ -570,10 +545,6 @@ CTransformation& CTransformation::SetTranslationFromValues(double x, double y, d
 }
 
 CVector3 CTransformation::GetTranslation() const { return row(matrix_, 3); }
-
-void CTransformation::GetTranslationValues(double& x, double& y, double& z) const {
-  GetTranslation().Get(x, y, z);
-}
 
 CTransformation& CTransformation::Mul(const CTransformation& a, const CTransformation& b) {
   matrix_.Mul(a.matrix_, b.matrix_);
@@ -620,16 +591,6 @@ CVector3 MapObjectOrientationToWorldSpace(const CTransformation& objectTransform
                                           const CVector3& direction) {
   CMatrix3 upper;
   objectTransform.GetMatrix4().GetMatrix3(upper);
-  CVector3 out;
-  out.MulByMatrix3(direction, upper);
-  return out;
-}
-
-CVector3 MapWorldOrientationToObjectSpace(const CTransformation& objectTransform,
-                                          const CVector3& direction) {
-  CMatrix3 upper;
-  objectTransform.GetMatrix4().GetMatrix3(upper);
-  if (!upper.InvertInPlace()) return CVector3();
   CVector3 out;
   out.MulByMatrix3(direction, upper);
   return out;

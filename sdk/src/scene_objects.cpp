@@ -89,15 +89,6 @@ Property SceneItem::GetPropertyFromName(const CString& name) const {
   return Property();
 }
 
-CRefArray SceneItem::GetProperties() const {
-  CRefArray out;
-  if (const auto o = as<SceneObject>(ref_)) {
-    out.Add(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Kinematics)));
-    out.Add(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Visibility)));
-  }
-  return out;
-}
-
 Property::Property(const CRef& ref) : SceneItem(bindIf(ref, as<PropertyObject>(ref) != nullptr)) {}
 
 CValue Property::GetParameterValue(const CString& name, double frame) const {
@@ -119,13 +110,6 @@ X3DObject X3DObject::FindChild2(const CString& name, const CString& type,
 CRefArray X3DObject::FindChildren2(const CString& name, const CString& type,
                                    const CStringArray& families, bool recursive) const {
   return search(ref_, name, type, families, recursive, false);
-}
-
-CRefArray X3DObject::GetChildren() const {
-  CRefArray out;
-  if (const auto o = as<SceneObject>(ref_))
-    for (const auto& c : o->children_) out.Add(CRef(c));
-  return out;
 }
 
 Primitive X3DObject::GetActivePrimitive() const {
@@ -255,11 +239,6 @@ CString Plugin::GetOriginPath() const {
   return CString(folder.c_str());
 }
 
-CString Plugin::GetFilename() const {
-  const auto p = as<xsihost::PluginObject>(ref_);
-  return p ? CString(p->path_.c_str()) : CString();
-}
-
 CString CUtils::BuildPath(const CString& p1, const CString& p2, const CString& p3,
                           const CString& p4, const CString& p5, const CString& p6) {
   std::wstring out;
@@ -275,11 +254,6 @@ CString CUtils::BuildPath(const CString& p1, const CString& p2, const CString& p
     out += piece;
   }
   return CString(out.c_str());
-}
-
-CString CUtils::GetEnvironmentVariable(const CString& name) {
-  const char* value = std::getenv(name.GetAsciiString());
-  return CString(value ? value : "");
 }
 
 }  // namespace XSI

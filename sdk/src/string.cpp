@@ -67,12 +67,6 @@ ULONG CString::FindString(const CString& sub, ULONG start) const {
   return at == std::wstring::npos ? 0xFFFFFFFFu : static_cast<ULONG>(at);
 }
 
-CString CString::GetSubString(ULONG start, ULONG length) const {
-  if (start >= text_.size()) return CString();
-  const std::wstring part = text_.substr(start, length);
-  return CString(part.c_str(), static_cast<ULONG>(part.size()));
-}
-
 // Characters beyond the 8-bit range have no narrow form and become '?'.
 const char* CString::GetAsciiString() const {
   ascii_.clear();

@@ -112,12 +112,6 @@ void PortValues::Resize(ULONG items) {
   }
 }
 
-ULONG PortValues::ArrayLength(ULONG i) const {
-  if (!array) return 1;
-  if (IsString()) return static_cast<ULONG>(stringArrays[i].size());
-  return static_cast<ULONG>(arrays[i].size() / ValueSize(type));
-}
-
 PortValues PortValues::Strings1D(const std::vector<std::wstring>& values) {
   PortValues p;
   p.type = XSI::siICENodeDataString;

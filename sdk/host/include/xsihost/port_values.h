@@ -45,8 +45,6 @@ struct PortValues {
   bool IsString() const { return type == XSI::siICENodeDataString; }
   // Allocates `items` zero-valued items of the current type and structure.
   void Resize(ULONG items);
-  // Number of entries of item `i`'s array (1 for single values).
-  ULONG ArrayLength(ULONG i) const;
 
   /// One single value per element, of the data type matching `T` (bool, LONG, float, the
   /// XSI::MATH vector, matrix, colour, rotation and shape types).

@@ -21,19 +21,15 @@ class Log {
   std::vector<LogLine> Take();
   std::vector<LogLine> Lines() const;
   void Clear();
-  // Echo every line to stderr as it is logged (for interactive use).
-  void SetEcho(bool echo);
 
  private:
   mutable std::mutex mutex_;
   std::vector<LogLine> lines_;
-  bool echo_ = false;
 };
 
 Log& HostLog();
 
-// Whether Application::IsInteractive reports an interactive session (default false).
-void SetInteractive(bool interactive);
+// What Application::IsInteractive reports: false, as no user sits at the offline host.
 bool IsInteractive();
 
 // Failed CStatus::AssertSucceeded calls since start-up (each is also logged at severity 2).
