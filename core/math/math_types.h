@@ -18,28 +18,23 @@ struct Vec3 {
 using Vec3f = Vec3<float>;
 using Vec3d = Vec3<double>;
 
-// 3×3 matrix, row-vector convention: row i is the image of unit axis i. Zero by default.
-template <class T>
-struct Mat3 {
-  T m[3][3] = {};
-  static constexpr Mat3 Identity() {
-    return {{{T(1), T(0), T(0)}, {T(0), T(1), T(0)}, {T(0), T(0), T(1)}}};
+// N×N matrix, row-vector convention (see above): for N = 3, row i is the image of unit axis
+// i. Zero by default.
+template <class T, int N>
+struct Mat {
+  T m[N][N] = {};
+  static constexpr Mat Identity() {
+    Mat identity;
+    for (int i = 0; i < N; ++i) identity.m[i][i] = T(1);
+    return identity;
   }
 };
+template <class T>
+using Mat3 = Mat<T, 3>;
+template <class T>
+using Mat4 = Mat<T, 4>;
 using Mat3f = Mat3<float>;
 using Mat3d = Mat3<double>;
-
-// 4×4 matrix, row-vector convention (see above). Zero by default.
-template <class T>
-struct Mat4 {
-  T m[4][4] = {};
-  static constexpr Mat4 Identity() {
-    return {{{T(1), T(0), T(0), T(0)},
-             {T(0), T(1), T(0), T(0)},
-             {T(0), T(0), T(1), T(0)},
-             {T(0), T(0), T(0), T(1)}}};
-  }
-};
 using Mat4f = Mat4<float>;
 using Mat4d = Mat4<double>;
 
