@@ -39,13 +39,19 @@ Mat3f AxisAngleRotation(const Vec3f& axis, float angle) {
            {x * z * t - s * y, y * z * t + s * x, z * z * t + c}}};
 }
 
-// The frame whose row `secondRow` is along the part of `second` perpendicular to `main`.
-// `axis` and `angle` give the first rotation, which turns a coordinate axis onto `main`; the
-// twist about `main` then keeps that row where it is.
-Mat3f TwistedFrame(const Vec3f& main, const Vec3f& second, int secondRow, const Vec3f& axis,
-                   float angle) {
-  const Mat3f first = AxisAngleRotation(axis, angle);
+// The frame whose row `secondRow` is along the part of `second` perpendicular to `main`. The
+// first rotation turns a coordinate axis onto `main`: about `turnAxis` (main × that axis)
+// through the angle whose cosine is along / |main|, where `along` is main's component on the
+// axis; or, when `turnAxis` vanishes, about `halfTurnAxis` through 0 or π. The twist about
+// `main` then keeps that row where it is.
+Mat3f TwistedFrame(const Vec3f& main, const Vec3f& second, int secondRow, const Vec3f& turnAxis,
+                   const Vec3f& halfTurnAxis, float along) {
   const float mainLength = Length(main);
+  const float turnLength = Length(turnAxis);
+  const Mat3f first =
+      turnLength < kTiny
+          ? AxisAngleRotation(halfTurnAxis, along > 0.0f ? 0.0f : kPi)
+          : AxisAngleRotation(Scale(turnAxis, 1.0f / turnLength), ClampedAcos(along / mainLength));
   if (!(mainLength >= kTiny)) return first;
   const Vec3f direction = Scale(main, 1.0f / mainLength);
   const Vec3f perpendicular = Subtract(second, Scale(direction, Dot(second, direction)));
@@ -178,25 +184,13 @@ QRVStatus FillCorners(QRVSpline& spline, const SphereDistributionParams& params,
 }  // namespace
 
 Mat3f OrientationFrame(std::int32_t alignment, const Vec3f& tangent, const Vec3f& up) {
+  // Turn X onto the tangent about (0, T.z, -T.y), or Y onto the up vector about (-U.z, 0, U.x).
   if (alignment == 1) {
-    // Turn X onto the tangent about (0, T.z, -T.y).
-    const Vec3f axis{0.0f, tangent.z, -tangent.y};
-    const float axisLength = Length(axis);
-    if (axisLength < kTiny) {
-      return TwistedFrame(tangent, up, 1, {0.0f, 1.0f, 0.0f}, tangent.x > 0.0f ? 0.0f : kPi);
-    }
-    return TwistedFrame(tangent, up, 1, Scale(axis, 1.0f / axisLength),
-                        ClampedAcos(tangent.x / Length(tangent)));
+    return TwistedFrame(tangent, up, 1, {0.0f, tangent.z, -tangent.y}, {0.0f, 1.0f, 0.0f},
+                        tangent.x);
   }
   if (alignment == 2) {
-    // Turn Y onto the up vector about (-U.z, 0, U.x).
-    const Vec3f axis{-up.z, 0.0f, up.x};
-    const float axisLength = Length(axis);
-    if (axisLength < kTiny) {
-      return TwistedFrame(up, tangent, 0, {0.0f, 0.0f, 1.0f}, up.y > 0.0f ? 0.0f : kPi);
-    }
-    return TwistedFrame(up, tangent, 0, Scale(axis, 1.0f / axisLength),
-                        ClampedAcos(up.y / Length(up)));
+    return TwistedFrame(up, tangent, 0, {-up.z, 0.0f, up.x}, {0.0f, 0.0f, 1.0f}, up.y);
   }
   return Mat3f::Identity();
 }
