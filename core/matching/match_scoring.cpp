@@ -131,9 +131,9 @@ MatchWeights WeightsForInput(const MatchWeights& weights, std::int64_t pointCoun
   return adjusted;
 }
 
-float WeightSum(const MatchWeights& weights) {
+float TermSum(const MatchTerms& values) {
   float sum = 0.0f;
-  for (float w : weights) sum += w;
+  for (float value : values) sum += value;
   return sum;
 }
 
@@ -171,12 +171,6 @@ MatchTerms ComputeMatchTerms(const ObjectFeatures& input, const ObjectFeatures& 
   return terms;
 }
 
-float MatchScore(const MatchTerms& terms) {
-  float sum = 0.0f;
-  for (float t : terms) sum += t;
-  return sum;
-}
-
 std::vector<std::size_t> RankByScore(std::span<const float> scores) {
   std::vector<std::size_t> order(scores.size());
   for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
@@ -199,11 +193,11 @@ std::vector<RankedMatch> RankMatches(const ObjectFeatures& reference,
                                      const MatchWeights& weights) {
   const MatchWeights effective =
       WeightsForInput(ClampNegativeWeights(weights), reference.pointCount, reference.triangleCount);
-  const float weightSum = WeightSum(effective);
+  const float weightSum = TermSum(effective);
   std::vector<float> scores(candidates.size(), 0.0f);
   for (std::size_t i = 0; i < candidates.size(); ++i) {
     if (!candidates[i]) continue;  // left out: scores 0
-    scores[i] = MatchScore(ComputeMatchTerms(reference, *candidates[i], effective));
+    scores[i] = TermSum(ComputeMatchTerms(reference, *candidates[i], effective));
   }
   std::vector<RankedMatch> ranking;
   ranking.reserve(candidates.size());

@@ -93,17 +93,15 @@ MatchWeights ClampNegativeWeights(const MatchWeights& weights);
 MatchWeights WeightsForInput(const MatchWeights& weights, std::int64_t pointCount,
                              std::int64_t triangleCount);
 
-// Sum of the sixteen weights, added in term order.
-float WeightSum(const MatchWeights& weights);
+// Sum of the sixteen weights or terms, added in term order: the weight sum, or a candidate's
+// score when given its terms.
+float TermSum(const MatchTerms& values);
 
 // The sixteen terms of `candidate` against `input`; a term whose weight is not greater than
 // 0 is 0. The point-count term is deliberately left unweighted: it is the bare count ratio
 // whenever its weight is positive (see the definition).
 MatchTerms ComputeMatchTerms(const ObjectFeatures& input, const ObjectFeatures& candidate,
                              const MatchWeights& weights);
-
-// Sum of the terms, added in term order.
-float MatchScore(const MatchTerms& terms);
 
 // Indices of `scores` ordered by score, highest first; equal scores keep their order and a
 // NaN score ranks last.
@@ -116,7 +114,7 @@ double MatchPercentage(float score, float weightSum);
 // One candidate's place in a ranking.
 struct RankedMatch {
   std::size_t candidate = 0;  // index into the ranked candidates
-  float score = 0.0f;         // MatchScore of its terms; 0 for a candidate left out
+  float score = 0.0f;         // TermSum of its terms; 0 for a candidate left out
   double percentage = 0.0;    // MatchPercentage of the score
 };
 
@@ -127,9 +125,9 @@ struct RankedMatch {
 //  - weights: as the user gives them. Negative and NaN weights count as 0
 //    (ClampNegativeWeights) and the geometry weights that the reference's counts rule out
 //    are dropped (WeightsForInput); the percentages are relative to the sum of the weights
-//    that remain (WeightSum).
+//    that remain (TermSum).
 // Returns #C entries, one per candidate, in RankByScore order: highest score first, equal
-// scores in candidate order. Each score is MatchScore(ComputeMatchTerms(reference,
+// scores in candidate order. Each score is TermSum(ComputeMatchTerms(reference,
 // candidate, weights)). When no weight remains every score and percentage is 0 and the
 // candidates keep their order. No candidates give an empty ranking.
 std::vector<RankedMatch> RankMatches(const ObjectFeatures& reference,

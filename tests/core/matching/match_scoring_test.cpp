@@ -152,12 +152,12 @@ TEST(MatchTerms, PerfectMatchGivesEachWeightAnd99Point99PerCent) {
     w[kTermPointCount] = 1.0f;
     const MatchTerms terms = ComputeMatchTerms(input, input, w);
     for (std::size_t t = 0; t < kMatchTermCount; ++t) EXPECT_EQ(terms[t], w[t]) << "term " << t;
-    EXPECT_EQ(MatchPercentage(MatchScore(terms), WeightSum(w)), 99.99);
+    EXPECT_EQ(MatchPercentage(TermSum(terms), TermSum(w)), 99.99);
   }
   // A point-count weight of 0 leaves its term out altogether: still 99.99.
   MatchWeights w = DefaultWeights();
   w[kTermPointCount] = 0.0f;
-  EXPECT_EQ(MatchPercentage(MatchScore(ComputeMatchTerms(input, input, w)), WeightSum(w)), 99.99);
+  EXPECT_EQ(MatchPercentage(TermSum(ComputeMatchTerms(input, input, w)), TermSum(w)), 99.99);
 }
 
 TEST(MatchTerms, PointCountTermIgnoresItsWeightAndShiftsAPerfectMatch) {
@@ -172,7 +172,7 @@ TEST(MatchTerms, PointCountTermIgnoresItsWeightAndShiftsAPerfectMatch) {
   EXPECT_EQ(ComputeMatchTerms(input, half, heavy)[kTermTriangleCount], 0.5f);  // 50/200 × 2
   const MatchTerms perfect = ComputeMatchTerms(input, input, heavy);
   EXPECT_EQ(perfect[kTermPointCount], 1.0f);
-  EXPECT_LT(MatchPercentage(MatchScore(perfect), WeightSum(heavy)), 99.99);
+  EXPECT_LT(MatchPercentage(TermSum(perfect), TermSum(heavy)), 99.99);
 }
 
 TEST(MatchTerms, EachTermMeasuresItsOwnFeature) {
@@ -214,8 +214,8 @@ TEST(MatchTerms, EachTermMeasuresItsOwnFeature) {
 
 TEST(MatchTerms, ZeroWeightsAndDegenerateFeaturesGiveZeroTerms) {
   const ObjectFeatures input = SampleObject();
-  EXPECT_EQ(MatchScore(ComputeMatchTerms(input, input, AllWeights(0.0f))), 0.0f);
-  EXPECT_EQ(MatchPercentage(0.0f, WeightSum(AllWeights(0.0f))), 0.0);
+  EXPECT_EQ(TermSum(ComputeMatchTerms(input, input, AllWeights(0.0f))), 0.0f);
+  EXPECT_EQ(MatchPercentage(0.0f, TermSum(AllWeights(0.0f))), 0.0);
 
   ObjectFeatures empty;  // a candidate without geometry: counts, volumes and areas of 0
   ObjectFeatures emptyToo;
@@ -235,7 +235,7 @@ TEST(MatchWeights, NegativeWeightsAreRaisedAndInputsWithoutGeometryKeepOnlyTrans
   const MatchWeights clamped = ClampNegativeWeights(w);
   EXPECT_EQ(clamped[kTermLocalPos], 0.0f);
   EXPECT_EQ(clamped[kTermGlobalScl], 0.0f);
-  EXPECT_EQ(WeightSum(clamped), 14.0f);
+  EXPECT_EQ(TermSum(clamped), 14.0f);
 
   const MatchWeights noPoints = WeightsForInput(AllWeights(1.0f), 0, 0);
   const MatchWeights noTriangles = WeightsForInput(AllWeights(1.0f), 8, 0);
@@ -267,7 +267,7 @@ TEST(RankMatches, RanksEveryCandidateWithTheCommandsWeightRules) {
   MatchWeights weights = DefaultWeights();
   weights[kTermLocalPos] = -3.0f;  // counts as 0, not against the sum
   const std::vector<RankedMatch> ranking = RankMatches(input, candidates, weights);
-  const float sum = WeightSum(DefaultWeights());
+  const float sum = TermSum(DefaultWeights());
   ASSERT_EQ(ranking.size(), 5u);
   // Equal scores keep the candidates' order; the left-out one scores 0 and ranks last.
   const std::vector<std::size_t> order = {2, 4, 3, 0, 1};
@@ -275,7 +275,7 @@ TEST(RankMatches, RanksEveryCandidateWithTheCommandsWeightRules) {
     EXPECT_EQ(ranking[k].candidate, order[k]) << "place " << k;
     const float expected =
         candidates[order[k]]
-            ? MatchScore(ComputeMatchTerms(input, *candidates[order[k]], DefaultWeights()))
+            ? TermSum(ComputeMatchTerms(input, *candidates[order[k]], DefaultWeights()))
             : 0.0f;
     EXPECT_EQ(ranking[k].score, expected) << "place " << k;
     EXPECT_EQ(ranking[k].percentage, MatchPercentage(expected, sum)) << "place " << k;
