@@ -322,7 +322,7 @@ QUILLIX_COMMAND_CALLBACK(Quillix__FindMatchingObjects_Execute, XSI::CRef&, conte
   if (o.verbose) LogInput(input, inputFeatures);
   o.weights =
       quillix::WeightsForInput(o.weights, inputFeatures.pointCount, inputFeatures.triangleCount);
-  if (!(quillix::WeightSum(o.weights) > 0.0f)) {
+  if (!(quillix::TermSum(o.weights) > 0.0f)) {
     LogLine(kLogWarning, L"all weights are zero... nothing to do.");
     return CStatus::OK;
   }

@@ -82,7 +82,7 @@ py::dict FindMatchingScores(const ObjectFeatures& input, py::handle candidatesVa
       SequenceArg<ObjectFeatures>(candidatesValue, "candidates", "a list of ObjectFeatures");
   MatchWeights weights = ClampNegativeWeights(WeightsArg(weightsValue));
   weights = WeightsForInput(weights, input.pointCount, input.triangleCount);
-  const float weightSum = WeightSum(weights);
+  const float weightSum = TermSum(weights);
   std::vector<float> scores(candidates.size(), 0.0f);
   std::vector<std::size_t> order;
   std::vector<std::string> rankedNames;
@@ -92,7 +92,7 @@ py::dict FindMatchingScores(const ObjectFeatures& input, py::handle candidatesVa
   if (weightSum > 0.0f) {
     GilRelease release(true);
     for (std::size_t i = 0; i < candidates.size(); ++i)
-      scores[i] = MatchScore(ComputeMatchTerms(input, candidates[i], weights));
+      scores[i] = TermSum(ComputeMatchTerms(input, candidates[i], weights));
     order = RankByScore(scores);
     for (std::size_t index : order) {
       rankedNames.push_back(candidates[index].name);
