@@ -205,7 +205,6 @@ QRVStatus QRVOctree::Clear() {
   nodes_ = nullptr;
   order_ = nullptr;
   points_ = nullptr;
-  pointCount_ = 0;
   return kStatusOk;
 }
 
@@ -224,7 +223,6 @@ QRVStatus QRVOctree::Build(const Vec3f* points, std::int32_t count) {
   }
   ComputeMortonCodes(points, count, bounds, keyed);
   SortByCode(keyed, count);
-  pointCount_ = finite;
 #pragma omp parallel for if (finite > kMeshParallelMinimum) schedule(static)
   for (std::int32_t i = 0; i < finite; ++i) {
     order_[i] = keyed[i].id;

@@ -28,8 +28,6 @@ class QRVOctree {
   // Releases the tree; returns 0.
   QRVStatus Clear();
 
-  std::int32_t PointCount() const { return pointCount_; }  // finite points held
-
   // Calls visit(pointId) for every held point within `radius` (distance <= radius) of
   // `query`, in Morton order.
   template <typename Visit>
@@ -55,7 +53,6 @@ class QRVOctree {
   Node* nodes_ = nullptr;
   std::int32_t* order_ = nullptr;  // point ids in Morton order
   Vec3f* points_ = nullptr;        // copies, in Morton order
-  std::int32_t pointCount_ = 0;
 };
 
 template <typename Visit>

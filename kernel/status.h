@@ -13,9 +13,7 @@ inline constexpr QRVStatus kStatusOk = 0;
 inline constexpr QRVStatus kStatusInvalidState = 5;        // "class is in an invalid state."
 inline constexpr QRVStatus kStatusIllegalParameter = 6;    // "illegal parameter value."
 inline constexpr QRVStatus kStatusIllegalCombination = 7;  // "illegal combination of parameters."
-inline constexpr QRVStatus kStatusEmptyParameterArray = 8;
-inline constexpr QRVStatus kStatusNoMemory = 9;  // also: refused by the memory limit
-inline constexpr QRVStatus kStatusUnknownError = 180;
+inline constexpr QRVStatus kStatusNoMemory = 9;            // also: refused by the memory limit
 
 // Longest message (code 85) is 134 characters; with a prefix and the code text a caller
 // reserves at least this many bytes.
