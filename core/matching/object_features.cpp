@@ -13,58 +13,46 @@ double TriangleArea(const Vec3d& a, const Vec3d& b, const Vec3d& c) {
   return 0.5 * Length(Cross(Subtract(b, a), Subtract(c, a)));
 }
 
-// Running sum of vectors, divided once at the end.
-struct VectorMean {
+// Sum of the areas of the triangles (corners 3k, 3k+1, 3k+2), each corner mapped by `map`.
+template <class Map>
+double MappedTriangleArea(std::span<const Vec3d> corners, Map map) {
+  assert(corners.size() % 3 == 0);
+  double area = 0.0;
+  for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
+    area += TriangleArea(map(corners[i]), map(corners[i + 1]), map(corners[i + 2]));
+  }
+  return area;
+}
+
+// Mean of the mapped vectors: summed in order, divided once at the end; none give 0.
+template <class Map>
+Vec3d MappedMean(std::span<const Vec3d> values, Map map) {
   Vec3d sum;
-  std::size_t count = 0;
-  void Add(const Vec3d& v) {
-    sum = quillix::Add(sum, v);
-    ++count;
-  }
-  Vec3d Value() const {
-    if (count == 0) return {};
-    return Divide(sum, double(count));
-  }
-};
+  for (const Vec3d& v : values) sum = Add(sum, map(v));
+  if (values.empty()) return {};
+  return Divide(sum, double(values.size()));
+}
+
+const auto kUnmapped = [](const Vec3d& v) { return v; };
 
 }  // namespace
 
 double TriangleSurfaceArea(std::span<const Vec3d> corners) {
-  assert(corners.size() % 3 == 0);
-  double area = 0.0;
-  for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
-    area += TriangleArea(corners[i], corners[i + 1], corners[i + 2]);
-  }
-  return area;
+  return MappedTriangleArea(corners, kUnmapped);
 }
 
 double TransformedSurfaceArea(std::span<const Vec3d> corners, const Mat4d& transform) {
-  assert(corners.size() % 3 == 0);
-  double area = 0.0;
-  for (std::size_t i = 0; i + 2 < corners.size(); i += 3) {
-    area += TriangleArea(TransformPoint(corners[i], transform),
-                         TransformPoint(corners[i + 1], transform),
-                         TransformPoint(corners[i + 2], transform));
-  }
-  return area;
+  return MappedTriangleArea(corners, [&](const Vec3d& p) { return TransformPoint(p, transform); });
 }
 
-Vec3d Average(std::span<const Vec3d> values) {
-  VectorMean mean;
-  for (const Vec3d& v : values) mean.Add(v);
-  return mean.Value();
-}
+Vec3d Average(std::span<const Vec3d> values) { return MappedMean(values, kUnmapped); }
 
 Vec3d TransformedPointAverage(std::span<const Vec3d> points, const Mat4d& transform) {
-  VectorMean mean;
-  for (const Vec3d& p : points) mean.Add(TransformPoint(p, transform));
-  return mean.Value();
+  return MappedMean(points, [&](const Vec3d& p) { return TransformPoint(p, transform); });
 }
 
 Vec3d TransformedDirectionAverage(std::span<const Vec3d> directions, const Mat4d& transform) {
-  VectorMean mean;
-  for (const Vec3d& d : directions) mean.Add(TransformDirection(d, transform));
-  return mean.Value();
+  return MappedMean(directions, [&](const Vec3d& d) { return TransformDirection(d, transform); });
 }
 
 FeatureNeeds NeededFeatures(const MatchWeights& weights) {
