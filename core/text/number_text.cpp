@@ -29,23 +29,19 @@ void AppendPrinted(const char* text, std::wstring& out) {
   out.append(digits, end);
 }
 
-// Non-finite values are spelled out here rather than by the C library, whose spellings
-// differ between platforms (and carry a NaN's sign on some).
-bool AppendNonFinite(double value, std::wstring& out) {
-  if (std::isnan(value)) {
-    out += L"nan";
-  } else if (std::isinf(value)) {
-    out += value < 0 ? L"-inf" : L"inf";
-  } else {
-    return false;
-  }
-  return true;
-}
-
 // "%.*g" of the value. std::to_chars prints exactly what printf prints in the C locale, and
 // unlike printf it cannot pick up a decimal comma from a locale the host process has set.
+// Non-finite values are spelled out here rather than by the C library, whose spellings
+// differ between platforms (and carry a NaN's sign on some).
 void AppendGeneral(double value, int precision, std::wstring& out) {
-  if (AppendNonFinite(value, out)) return;
+  if (std::isnan(value)) {
+    out += L"nan";
+    return;
+  }
+  if (std::isinf(value)) {
+    out += value < 0 ? L"-inf" : L"inf";
+    return;
+  }
   char buffer[kBufferSize];
   const std::to_chars_result printed = std::to_chars(buffer, buffer + sizeof buffer - 1, value,
                                                      std::chars_format::general, precision);
