@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <mutex>
-#include <sstream>
 
 #include <xsi_ref.h>
 #include <xsihost/plugin_host.h>
@@ -102,11 +102,8 @@ CStatus openScene(const CValueArray& arguments, CValue& /*result*/) {
   std::error_code ec;
   const std::string absolute = std::filesystem::absolute(path, ec).lexically_normal().string();
   std::string previous;
-  if (std::ifstream in(listPath, std::ios::binary); in) {
-    std::ostringstream content;
-    content << in.rdbuf();
-    previous = content.str();
-  }
+  if (std::ifstream in(listPath, std::ios::binary); in)
+    previous.assign(std::istreambuf_iterator<char>(in), {});
   std::filesystem::create_directories(std::filesystem::path(listPath).parent_path(), ec);
   std::ofstream out(listPath, std::ios::binary | std::ios::trunc);
   out << UpdateRecentScenes(previous, ec ? path : absolute);

@@ -464,9 +464,8 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
     }
     if (const json* k = member(j, "keys")) readKeys(*k, child(path, "keys"), *object);
     std::string parent;
-    if (const json* p = member(j, "parent")) {
-      if (!p->is_null()) parent = text(*p, child(path, "parent"));
-    }
+    if (const json* p = member(j, "parent"); p && !p->is_null())
+      parent = text(*p, child(path, "parent"));
     byName[n] = records.size();
     records.push_back({object, n, parent, path});
   }
