@@ -66,7 +66,7 @@ xsihost::LoadedPlugin& Plugin() {
 
 void BM_Fpom10kPaths_OfflineHost(benchmark::State& state) {
   const Workload& work = Work();
-  xsihost::NodeInstance instance(Plugin(), *Plugin().FindNode(L"Quillix_fpom"));
+  xsihost::NodeInstance instance(Plugin(), *Plugin().Record().FindNode(L"Quillix_fpom"));
   xsihost::EvaluationRequest request;
   request.elements = kElements;
   request.threads = unsigned(state.range(0));

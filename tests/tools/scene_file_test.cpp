@@ -253,8 +253,8 @@ TEST(SceneFile, KnotVectorsWithoutEndKnotsOrWithoutKnotsAtAll) {
             (std::vector<double>{0, 0, 0, 0, 1, 2, 2, 2, 2}));
   const auto& loop = *scene->Find(L"loop")->curves_[0];
   EXPECT_EQ(loop.Data().points.size(), 7u);
-  EXPECT_EQ(loop.MinParameter(), 0.0);
-  EXPECT_EQ(loop.MaxParameter(), 4.0);
+  EXPECT_EQ(loop.ParameterFromNormalized(0.0), 0.0);
+  EXPECT_EQ(loop.ParameterFromNormalized(1.0), 4.0);
   // A periodic curve ends where it starts, with the same tangent.
   const auto a = loop.Evaluate(0.0), b = loop.Evaluate(4.0);
   for (int k = 0; k < 3; ++k) {

@@ -10,7 +10,6 @@
 #include <xsi_ref.h>
 #include <xsi_status.h>
 #include <xsihost/object.h>
-#include <xsihost/session.h>
 #include "eval_frame.h"
 
 namespace XSI::host_detail {
@@ -30,10 +29,6 @@ using XSI::CStatus;
 using XSI::ICENodeContext;
 using XSI::host_detail::EvalFrame;
 using XSI::host_detail::ResolvedInput;
-using xsihost::ContextObject;
-using xsihost::NodeDefinitionRecord;
-using xsihost::Object;
-using xsihost::PortRecord;
 
 namespace {
 
@@ -71,33 +66,22 @@ PortValues DefaultValues(const PortRecord& port) {
   p.Resize(1);
   const XSI::CValue& d = port.defaultValue;
   std::vector<std::byte> value(ValueSize(p.type), std::byte{0});
+  auto put = [&value](const auto& v) { std::memcpy(value.data(), &v, sizeof v); };
   switch (p.type) {
-    case XSI::siICENodeDataBool: {
-      const bool b = static_cast<bool>(d);
-      std::memcpy(value.data(), &b, sizeof b);
+    case XSI::siICENodeDataBool:
+      put(static_cast<bool>(d));
       break;
-    }
-    case XSI::siICENodeDataLong: {
-      const XSI::LONG v = static_cast<XSI::LONG>(d);
-      std::memcpy(value.data(), &v, sizeof v);
+    case XSI::siICENodeDataLong:
+      put(static_cast<XSI::LONG>(d));
       break;
-    }
-    case XSI::siICENodeDataFloat: {
-      const float v = static_cast<float>(d);
-      std::memcpy(value.data(), &v, sizeof v);
+    case XSI::siICENodeDataFloat:
+      put(static_cast<float>(d));
       break;
-    }
     case XSI::siICENodeDataVector3:
-      if (d.GetType() == XSI::CValue::siVector3f) {
-        const XSI::MATH::CVector3f v = d.GetVector3f();
-        std::memcpy(value.data(), &v, sizeof v);
-      }
+      if (d.GetType() == XSI::CValue::siVector3f) put(d.GetVector3f());
       break;
     case XSI::siICENodeDataMatrix44:
-      if (d.GetType() == XSI::CValue::siMatrix4f) {
-        const XSI::MATH::CMatrix4f v = d.GetMatrix4f();
-        std::memcpy(value.data(), &v, sizeof v);
-      }
+      if (d.GetType() == XSI::CValue::siMatrix4f) put(d.GetMatrix4f());
       break;
     default:
       break;
@@ -175,18 +159,6 @@ void ForEachChunk(std::size_t chunks, unsigned threads, Work work) {
     });
   }
   for (std::thread& t : pool) t.join();
-}
-
-// Calls a plug-in callback; an exception escaping the plug-in is a fault of the plug-in and
-// is reported as a failed status instead of taking the host down.
-template <class Fn, class Arg>
-CStatus CallPlugin(Fn fn, Arg& arg, const std::wstring& what) {
-  try {
-    return fn(arg);
-  } catch (...) {
-    HostLog().Add(XSI::siErrorMsg, what + L": an exception escaped the plug-in");
-    return CStatus::Fail;
-  }
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ void Host::Unload() {
 }
 
 const NodeDefinitionRecord* Host::FindNode(const std::wstring& name) const {
-  return plugin_->FindNode(name);
+  return plugin_->Record().FindNode(name);
 }
 
 NodeInstance* Host::Instance(const std::string& name, const std::wstring& node) {

@@ -26,6 +26,12 @@ CVector3 lerp(const CVector3& a, const CVector3& b, double t) {
   return out;
 }
 
+// Name and type name of each kind of property, in the order of PropertyObject::Kind.
+constexpr const wchar_t* kPropertyNames[4][2] = {{L"Visibility", L"visibility"},
+                                                 {L"Kinematics", L"kine"},
+                                                 {L"Global", L"kinestate"},
+                                                 {L"Local", L"kinestate"}};
+
 }  // namespace
 
 template <class T>
@@ -59,7 +65,6 @@ MeshDerived DeriveMesh(const MeshData& mesh) {
   std::int32_t node = 0;
   for (std::size_t p = 0; p < polygonCount; ++p) {
     const auto& poly = mesh.polygons[p];
-    d.polygonFirstNode.push_back(node);
     Vec3d n{0, 0, 0};
     for (std::size_t i = 0; i < poly.size(); ++i) {
       const Vec3d& a = mesh.points[static_cast<std::size_t>(poly[i])];
@@ -180,30 +185,9 @@ std::shared_ptr<xsihost::Object> GeometryObject::Parent() const {
   return std::make_shared<PrimitiveObject>(owner_);
 }
 
-std::wstring PropertyObject::Name() const {
-  switch (kind_) {
-    case Kind::Visibility:
-      return L"Visibility";
-    case Kind::Kinematics:
-      return L"Kinematics";
-    case Kind::GlobalState:
-      return L"Global";
-    case Kind::LocalState:
-      return L"Local";
-  }
-  return {};
-}
+std::wstring PropertyObject::Name() const { return kPropertyNames[static_cast<int>(kind_)][0]; }
 
-std::wstring PropertyObject::TypeName() const {
-  switch (kind_) {
-    case Kind::Visibility:
-      return L"visibility";
-    case Kind::Kinematics:
-      return L"kine";
-    default:
-      return L"kinestate";
-  }
-}
+std::wstring PropertyObject::TypeName() const { return kPropertyNames[static_cast<int>(kind_)][1]; }
 
 std::shared_ptr<xsihost::Object> PropertyObject::Parent() const {
   if (kind_ == Kind::GlobalState || kind_ == Kind::LocalState)
@@ -226,21 +210,17 @@ bool PropertyObject::ParameterAt(const std::wstring& name, double time, CValue& 
   // Kinematic states: position, rotation (degrees, XYZ) and scaling components.
   const CTransformation t =
       kind_ == Kind::GlobalState ? owner_->GlobalAt(time) : owner_->LocalAt(time);
-  const CVector3 s = t.GetScaling(), r = t.GetRotationXYZAngles(), p = t.GetTranslation();
+  const CVector3 r = t.GetRotationXYZAngles();
+  const CVector3 vectors[3] = {
+      t.GetScaling(),
+      CVector3(XSI::MATH::RadiansToDegrees(r.GetX()), XSI::MATH::RadiansToDegrees(r.GetY()),
+               XSI::MATH::RadiansToDegrees(r.GetZ())),
+      t.GetTranslation()};
   static const wchar_t* const kNames[9] = {L"sclx", L"scly", L"sclz", L"rotx", L"roty",
                                            L"rotz", L"posx", L"posy", L"posz"};
-  const double values[9] = {s.GetX(),
-                            s.GetY(),
-                            s.GetZ(),
-                            XSI::MATH::RadiansToDegrees(r.GetX()),
-                            XSI::MATH::RadiansToDegrees(r.GetY()),
-                            XSI::MATH::RadiansToDegrees(r.GetZ()),
-                            p.GetX(),
-                            p.GetY(),
-                            p.GetZ()};
-  for (int i = 0; i < 9; ++i) {
+  for (short i = 0; i < 9; ++i) {
     if (name == kNames[i]) {
-      out = CValue(values[i]);
+      out = CValue(vectors[i / 3][i % 3]);
       return true;
     }
   }
@@ -295,13 +275,11 @@ std::vector<XSI::CRef> g_selection;
 
 }  // namespace
 
-std::shared_ptr<Scene> ActiveSceneHandle() {
+Scene& ActiveScene() {
   std::lock_guard<std::mutex> lock(g_sceneMutex);
   if (!g_scene) g_scene = std::make_shared<Scene>();
-  return g_scene;
+  return *g_scene;
 }
-
-Scene& ActiveScene() { return *ActiveSceneHandle(); }
 
 void SetActiveScene(std::shared_ptr<Scene> scene) {
   std::lock_guard<std::mutex> lock(g_sceneMutex);

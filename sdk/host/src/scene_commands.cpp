@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <mutex>
-#include <sstream>
 
 #include <xsi_ref.h>
 #include <xsihost/plugin_host.h>
@@ -20,7 +20,6 @@ using XSI::CRef;
 using XSI::CStatus;
 using XSI::CValue;
 using XSI::CValueArray;
-using xsihost::ContextObject;
 
 namespace {
 
@@ -57,15 +56,6 @@ Registry& registry() {
   return *r;
 }
 
-CStatus callPlugin(RefCallback fn, CRef& ref, const std::wstring& what) {
-  try {
-    return fn(ref);
-  } catch (...) {
-    HostLog().Add(XSI::siErrorMsg, what + L": an exception escaped the plug-in");
-    return CStatus::Fail;
-  }
-}
-
 // The call as the log shows it: name("text", 1, true).
 std::wstring callText(const std::wstring& name, const std::vector<CommandObject::Argument>& args) {
   std::wstring text = name + L"(";
@@ -83,6 +73,14 @@ std::wstring callText(const std::wstring& name, const std::vector<CommandObject:
   return text + L")";
 }
 
+// The host's recent-scenes list file: $XSI_USERHOME/Data/Preferences/RecentFileMenus.xml, or
+// an empty string when XSI_USERHOME is not set.
+std::string recentScenesFilePath() {
+  const char* home = std::getenv("XSI_USERHOME");
+  if (home == nullptr || *home == '\0') return {};
+  return (std::filesystem::path(home) / "Data" / "Preferences" / "RecentFileMenus.xml").string();
+}
+
 CStatus openScene(const CValueArray& arguments, CValue& /*result*/) {
   const std::string path = narrow(XSI::CString(arguments[0]).Wide());
   std::string error;
@@ -95,7 +93,7 @@ CStatus openScene(const CValueArray& arguments, CValue& /*result*/) {
   }
   SetActiveScene(scene);
 
-  const std::string listPath = RecentScenesFilePath();
+  const std::string listPath = recentScenesFilePath();
   if (listPath.empty()) {
     HostLog().Add(XSI::siWarningMsg,
                   L"OpenScene: XSI_USERHOME is not set; the recent-scenes list was not updated.");
@@ -104,11 +102,8 @@ CStatus openScene(const CValueArray& arguments, CValue& /*result*/) {
   std::error_code ec;
   const std::string absolute = std::filesystem::absolute(path, ec).lexically_normal().string();
   std::string previous;
-  if (std::ifstream in(listPath, std::ios::binary); in) {
-    std::ostringstream content;
-    content << in.rdbuf();
-    previous = content.str();
-  }
+  if (std::ifstream in(listPath, std::ios::binary); in)
+    previous.assign(std::istreambuf_iterator<char>(in), {});
   std::filesystem::create_directories(std::filesystem::path(listPath).parent_path(), ec);
   std::ofstream out(listPath, std::ios::binary | std::ios::trunc);
   out << UpdateRecentScenes(previous, ec ? path : absolute);
@@ -139,7 +134,7 @@ void AttachPluginCommands(const LoadedPlugin& plugin) {
     if (auto init = reinterpret_cast<RefCallback>(plugin.Symbol(narrow(name) + "_Init"))) {
       auto context = std::make_shared<ContextObject>(&command->userData_, CRef(command));
       CRef ref(context);
-      const CStatus status = callPlugin(init, ref, name + L"_Init");
+      const CStatus status = CallPlugin(init, ref, name + L"_Init");
       if (!status.Succeeded())
         HostLog().Add(XSI::siErrorMsg, name + L"_Init failed; the command keeps what it defined.");
     }
@@ -151,9 +146,7 @@ void AttachPluginCommands(const LoadedPlugin& plugin) {
 void DetachPluginCommands(const LoadedPlugin& plugin) {
   Registry& r = registry();
   std::lock_guard<std::mutex> lock(r.mutex);
-  for (auto it = r.commands.begin(); it != r.commands.end();) {
-    it = it->second->plugin_ == &plugin ? r.commands.erase(it) : std::next(it);
-  }
+  std::erase_if(r.commands, [&](const auto& entry) { return entry.second->plugin_ == &plugin; });
   std::erase_if(r.plugins, [&](const auto& p) { return p->plugin_ == &plugin; });
 }
 
@@ -207,18 +200,10 @@ CStatus ExecuteCommand(const std::wstring& name, const CValueArray& arguments, C
   auto context = std::make_shared<ContextObject>(&definition->userData_, CRef(call));
   context->attributes[L"Arguments"] = CValue(values);
   CRef ref(context);
-  const CStatus status = callPlugin(execute, ref, name + L"_Execute");
-  if (call->returnValue_) {
-    const auto it = context->attributes.find(L"ReturnValue");
-    if (it != context->attributes.end()) result = it->second;
-  }
+  const CStatus status = CallPlugin(execute, ref, name + L"_Execute");
+  const auto it = context->attributes.find(L"ReturnValue");
+  if (it != context->attributes.end()) result = it->second;
   return status;
-}
-
-std::string RecentScenesFilePath() {
-  const char* home = std::getenv("XSI_USERHOME");
-  if (home == nullptr || *home == '\0') return {};
-  return (std::filesystem::path(home) / "Data" / "Preferences" / "RecentFileMenus.xml").string();
 }
 
 std::string UpdateRecentScenes(const std::string& fileText, const std::string& scenePath) {

@@ -1,13 +1,15 @@
 // Scene files: JSON objects with transforms, parameters, meshes, curves and keys.
 #include "xsihost/scene_file.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <set>
 #include <sstream>
+#include <tuple>
 
 #include <nlohmann/json.hpp>
 
@@ -72,6 +74,21 @@ const json* member(const json& object, const char* key) {
   return it == object.end() ? nullptr : &*it;
 }
 
+// Sets `out` to what `read` makes of the member `key` of `object`, when there is one.
+template <class T, class Read>
+void readMember(const json& object, const std::string& path, const char* key, T& out, Read read) {
+  if (const json* m = member(object, key)) out = read(*m, child(path, key));
+}
+
+// The entry of `table` called `name`; an unknown name fails at `path`, listing `choices`.
+template <class T>
+T choice(const std::string& name, const std::string& path, const std::map<std::string, T>& table,
+         const std::string& what, const std::string& choices) {
+  const auto it = table.find(name);
+  if (it == table.end()) fail(path, "unknown " + what + " \"" + name + "\" (" + choices + ")");
+  return it->second;
+}
+
 void onlyKeys(const json& object, const std::string& path,
               std::initializer_list<const char*> keys) {
   for (const auto& [key, value] : object.items()) {
@@ -121,11 +138,7 @@ XSI::siRotationOrder rotationOrder(const json& j, const std::string& path) {
   static const std::map<std::string, XSI::siRotationOrder> kOrders = {
       {"xyz", XSI::siXYZ}, {"xzy", XSI::siXZY}, {"yxz", XSI::siYXZ},
       {"yzx", XSI::siYZX}, {"zxy", XSI::siZXY}, {"zyx", XSI::siZYX}};
-  const std::string s = text(j, path);
-  const auto it = kOrders.find(s);
-  if (it == kOrders.end())
-    fail(path, "unknown rotation order \"" + s + "\" (xyz, xzy, yxz, yzx, zxy or zyx)");
-  return it->second;
+  return choice(text(j, path), path, kOrders, "rotation order", "xyz, xzy, yxz, yzx, zxy or zyx");
 }
 
 // Default primitive parameters by type; a file's "parameters" add to or replace them.
@@ -150,14 +163,10 @@ void readTransform(const json& j, const std::string& path, SceneObject& object) 
     return;
   }
   onlyKeys(j, path, {"scaling", "rotation", "rotationOrder", "translation"});
-  if (const json* s = member(j, "scaling"))
-    object.scaling_.value = vector3(*s, child(path, "scaling"));
-  if (const json* r = member(j, "rotation"))
-    object.rotation_.value = vector3(*r, child(path, "rotation"));
-  if (const json* o = member(j, "rotationOrder"))
-    object.rotationOrder_ = rotationOrder(*o, child(path, "rotationOrder"));
-  if (const json* t = member(j, "translation"))
-    object.translation_.value = vector3(*t, child(path, "translation"));
+  readMember(j, path, "scaling", object.scaling_.value, vector3);
+  readMember(j, path, "rotation", object.rotation_.value, vector3);
+  readMember(j, path, "rotationOrder", object.rotationOrder_, rotationOrder);
+  readMember(j, path, "translation", object.translation_.value, vector3);
 }
 
 ParameterData parameter(const json& j, const std::string& path) {
@@ -182,15 +191,14 @@ void readKeys(const json& j, const std::string& path, SceneObject& object) {
   if (hasTransformKeys && object.matrix_)
     fail(path,
          "a transform given as a matrix cannot be keyed; give scaling, rotation and translation");
-  auto vec = [](const json& v, const std::string& p) { return vector3(v, p); };
-  if (const json* k = member(j, "scaling"))
-    object.scaling_.keys = keys<CVector3>(*k, child(path, "scaling"), vec);
-  if (const json* k = member(j, "rotation"))
-    object.rotation_.keys = keys<CVector3>(*k, child(path, "rotation"), vec);
-  if (const json* k = member(j, "translation"))
-    object.translation_.keys = keys<CVector3>(*k, child(path, "translation"), vec);
-  if (const json* k = member(j, "visible"))
-    object.visible_.keys = keys<bool>(*k, child(path, "visible"), boolean);
+  auto vectorKeys = [](const json& k, const std::string& p) {
+    return keys<CVector3>(k, p, vector3);
+  };
+  readMember(j, path, "scaling", object.scaling_.keys, vectorKeys);
+  readMember(j, path, "rotation", object.rotation_.keys, vectorKeys);
+  readMember(j, path, "translation", object.translation_.keys, vectorKeys);
+  readMember(j, path, "visible", object.visible_.keys,
+             [](const json& k, const std::string& p) { return keys<bool>(k, p, boolean); });
   if (const json* params = member(j, "parameters")) {
     const std::string pp = child(path, "parameters");
     if (!params->is_object()) fail(pp, "expected an object of parameter names");
@@ -211,6 +219,18 @@ void readKeys(const json& j, const std::string& path, SceneObject& object) {
 
 void readAttributes(const json& j, const std::string& path, MeshData& mesh,
                     const MeshDerived& derived) {
+  using Type = AttributeData::Type;
+  using Context = AttributeData::Context;
+  static const std::map<std::string, Type> kTypes = {{"bool", Type::Bool},
+                                                     {"long", Type::Long},
+                                                     {"float", Type::Float},
+                                                     {"vector3", Type::Vector3}};
+  // Each context with the number of values it takes.
+  const std::map<std::string, std::pair<Context, std::size_t>> contexts = {
+      {"singleton", {Context::Singleton, 1}},
+      {"point", {Context::Point, mesh.points.size()}},
+      {"polygon", {Context::Polygon, mesh.polygons.size()}},
+      {"node", {Context::PolygonNode, derived.nodeNormals.size()}}};
   if (!j.is_object()) fail(path, "expected an object of attribute names");
   for (const auto& [name, entry] : j.items()) {
     const std::string ap = child(path, name);
@@ -222,55 +242,32 @@ void readAttributes(const json& j, const std::string& path, MeshData& mesh,
     const json* values = member(entry, "values");
     if (!type) fail(ap, "missing \"type\"");
     if (!values) fail(ap, "missing \"values\"");
-    const std::string t = text(*type, child(ap, "type"));
-    if (t == "bool")
-      a.type = AttributeData::Type::Bool;
-    else if (t == "long")
-      a.type = AttributeData::Type::Long;
-    else if (t == "float")
-      a.type = AttributeData::Type::Float;
-    else if (t == "vector3")
-      a.type = AttributeData::Type::Vector3;
-    else
-      fail(child(ap, "type"),
-           "unknown attribute type \"" + t + "\" (bool, long, float or vector3)");
-    std::size_t expected = mesh.points.size();
+    a.type = choice(text(*type, child(ap, "type")), child(ap, "type"), kTypes, "attribute type",
+                    "bool, long, float or vector3");
     const std::string c = context ? text(*context, child(ap, "context")) : "point";
-    if (c == "point") {
-      a.context = AttributeData::Context::Point;
-    } else if (c == "polygon") {
-      a.context = AttributeData::Context::Polygon;
-      expected = mesh.polygons.size();
-    } else if (c == "node") {
-      a.context = AttributeData::Context::PolygonNode;
-      expected = derived.nodeNormals.size();
-    } else if (c == "singleton") {
-      a.context = AttributeData::Context::Singleton;
-      expected = 1;
-    } else {
-      fail(child(ap, "context"),
-           "unknown context \"" + c + "\" (singleton, point, polygon or node)");
-    }
+    std::size_t expected;
+    std::tie(a.context, expected) =
+        choice(c, child(ap, "context"), contexts, "context", "singleton, point, polygon or node");
     const std::string vp = child(ap, "values");
     if (!values->is_array() || values->size() != expected)
       fail(vp, "expected " + std::to_string(expected) + " values, one per " + c);
     for (std::size_t i = 0; i < values->size(); ++i) {
       const json& v = (*values)[i];
       switch (a.type) {
-        case AttributeData::Type::Bool:
+        case Type::Bool:
           a.values.push_back(boolean(v, child(vp, i)) ? 1.0 : 0.0);
           break;
-        case AttributeData::Type::Long: {
+        case Type::Long: {
           if (!v.is_number_integer()) fail(child(vp, i), "expected an integer");
           const auto n = v.get<std::int64_t>();
           if (n < INT32_MIN || n > INT32_MAX) fail(child(vp, i), "integer out of the 32-bit range");
           a.values.push_back(static_cast<double>(n));
           break;
         }
-        case AttributeData::Type::Float:
+        case Type::Float:
           a.values.push_back(number(v, child(vp, i)));
           break;
-        case AttributeData::Type::Vector3: {
+        case Type::Vector3: {
           const CVector3 x = vector3(v, child(vp, i));
           a.values.insert(a.values.end(), {x.GetX(), x.GetY(), x.GetZ()});
           break;
@@ -354,7 +351,7 @@ NurbsCurveData curve(const json& j, const std::string& path) {
     if (degree < 1 || degree > 32) fail(child(path, "degree"), "degree must lie in 1 to 32");
     c.degree = static_cast<int>(degree);
   }
-  if (const json* closed = member(j, "closed")) c.closed = boolean(*closed, child(path, "closed"));
+  readMember(j, path, "closed", c.closed, boolean);
   const json* points = member(j, "points");
   const std::string pp = child(path, "points");
   if (!points || !points->is_array())
@@ -402,6 +399,7 @@ NurbsCurveData curve(const json& j, const std::string& path) {
 
 struct ObjectRecord {
   std::shared_ptr<SceneObject> object;
+  std::string name;
   std::string parent;  // empty: the scene root
   std::string path;
 };
@@ -442,8 +440,7 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
     defaultParameters(*object);
     if (const json* transform = member(j, "transform"))
       readTransform(*transform, child(path, "transform"), *object);
-    if (const json* visible = member(j, "visible"))
-      object->visible_.value = boolean(*visible, child(path, "visible"));
+    readMember(j, path, "visible", object->visible_.value, boolean);
     if (const json* params = member(j, "parameters")) {
       const std::string pp = child(path, "parameters");
       if (!params->is_object()) fail(pp, "expected an object of parameter values");
@@ -467,68 +464,54 @@ std::shared_ptr<Scene> parse(const json& doc, const std::string& baseDirectory) 
     }
     if (const json* k = member(j, "keys")) readKeys(*k, child(path, "keys"), *object);
     std::string parent;
-    if (const json* p = member(j, "parent")) {
-      if (!p->is_null()) parent = text(*p, child(path, "parent"));
-    }
+    if (const json* p = member(j, "parent"); p && !p->is_null())
+      parent = text(*p, child(path, "parent"));
     byName[n] = records.size();
-    records.push_back({object, parent, path});
+    records.push_back({object, n, parent, path});
   }
 
   // Parents may come after their children in the file. Resolve every parent, refuse cycles,
   // and add each object after its parent, walking up with an explicit stack.
-  std::vector<std::ptrdiff_t> parentOf(records.size(), -1);
+  constexpr std::size_t kRoot = SIZE_MAX;
+  std::vector<std::size_t> parentOf(records.size(), kRoot);
   for (std::size_t i = 0; i < records.size(); ++i) {
     const std::string& p = records[i].parent;
     if (p.empty() || p == "Scene_Root") continue;
     const auto it = byName.find(p);
     if (it == byName.end()) fail(child(records[i].path, "parent"), "unknown parent \"" + p + "\"");
-    parentOf[i] = static_cast<std::ptrdiff_t>(it->second);
+    parentOf[i] = it->second;
   }
   std::vector<int> state(records.size(), 0);  // 0 not added, 1 on the current chain, 2 added
   for (std::size_t start = 0; start < records.size(); ++start) {
     std::vector<std::size_t> chain;
-    std::ptrdiff_t i = static_cast<std::ptrdiff_t>(start);
-    while (i >= 0 && state[static_cast<std::size_t>(i)] == 0) {
-      state[static_cast<std::size_t>(i)] = 1;
-      chain.push_back(static_cast<std::size_t>(i));
-      i = parentOf[static_cast<std::size_t>(i)];
+    std::size_t i = start;
+    while (i != kRoot && state[i] == 0) {
+      state[i] = 1;
+      chain.push_back(i);
+      i = parentOf[i];
     }
-    if (i >= 0 && state[static_cast<std::size_t>(i)] == 1) {
+    if (i != kRoot && state[i] == 1) {
       std::string cycle;
-      const auto first = std::find(chain.begin(), chain.end(), static_cast<std::size_t>(i));
-      for (auto it = first; it != chain.end(); ++it) {
-        cycle += "\"" +
-                 std::string(records[*it].object->name_.begin(), records[*it].object->name_.end()) +
-                 "\" -> ";
-      }
-      cycle += "\"" +
-               std::string(records[static_cast<std::size_t>(i)].object->name_.begin(),
-                           records[static_cast<std::size_t>(i)].object->name_.end()) +
-               "\"";
-      fail(child(records[static_cast<std::size_t>(i)].path, "parent"),
-           "cycle of parents: " + cycle);
+      for (auto it = std::find(chain.begin(), chain.end(), i); it != chain.end(); ++it)
+        cycle += "\"" + records[*it].name + "\" -> ";
+      fail(child(records[i].path, "parent"),
+           "cycle of parents: " + cycle + "\"" + records[i].name + "\"");
     }
     for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
-      const std::ptrdiff_t p = parentOf[*it];
-      scene->Add(records[*it].object,
-                 p >= 0 ? records[static_cast<std::size_t>(p)].object : nullptr);
+      const std::size_t p = parentOf[*it];
+      scene->Add(records[*it].object, p == kRoot ? nullptr : records[p].object);
       state[*it] = 2;
     }
   }
   return scene;
 }
 
+// "line:column" (from 1) of the byte at offset `byte` of `text`.
 std::string lineAndColumn(const std::string& text, std::size_t byte) {
-  std::size_t line = 1, column = 1;
-  for (std::size_t i = 0; i < byte && i < text.size(); ++i) {
-    if (text[i] == '\n') {
-      ++line;
-      column = 1;
-    } else {
-      ++column;
-    }
-  }
-  return std::to_string(line) + ":" + std::to_string(column);
+  const std::string_view before = std::string_view(text).substr(0, byte);
+  const std::size_t lineStart = before.rfind('\n') + 1;  // 0 when there is no line break
+  const auto breaks = std::count(before.begin(), before.end(), '\n');
+  return std::to_string(breaks + 1) + ":" + std::to_string(before.size() - lineStart + 1);
 }
 
 // Keys and names come from the file and may hold control characters (a JSON "\n" in a key):

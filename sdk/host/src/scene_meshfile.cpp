@@ -136,52 +136,48 @@ const PlyScalar* findPlyScalar(const std::string& t) {
 // Reads PLY bodies: text tokens line by line, or binary scalars in either byte order.
 class PlyBody {
  public:
-  PlyBody(std::istream& in, PlyFormat format, std::string path, std::size_t headerLines)
-      : in_(in), format_(format), path_(std::move(path)), line_(headerLines) {}
+  // Failures set `error` to one line naming `path`.
+  PlyBody(std::istream& in, PlyFormat format, std::string path, std::size_t headerLines,
+          std::string& error)
+      : in_(in), format_(format), path_(std::move(path)), line_(headerLines), error_(error) {}
 
-  bool next(const std::string& type, double& out, std::string& error) {
-    if (format_ == PlyFormat::Ascii) return nextText(out, error);
+  bool next(const std::string& type, double& out) {
+    if (format_ == PlyFormat::Ascii) return nextText(out);
     // The header admits only the types of kPlyScalars.
     const PlyScalar& scalar = *findPlyScalar(type);
     unsigned char bytes[8];
-    if (!in_.read(reinterpret_cast<char*>(bytes), static_cast<std::streamsize>(scalar.size))) {
-      error = path_ + ": the binary data end early";
-      return false;
-    }
-    const bool little = format_ == PlyFormat::BinaryLittle;
-    if (!little) std::reverse(bytes, bytes + scalar.size);  // this host is little-endian
+    if (!in_.read(reinterpret_cast<char*>(bytes), static_cast<std::streamsize>(scalar.size)))
+      return fail("the binary data end early");
+    // This host is little-endian.
+    if (format_ == PlyFormat::BinaryBig) std::reverse(bytes, bytes + scalar.size);
     out = scalar.load(bytes);
     return true;
   }
 
   // Text bodies hold one element per line; the next element starts on a new line.
-  bool endElement(std::string& error) {
+  bool endElement() {
     if (format_ != PlyFormat::Ascii) return true;
-    std::string rest;
-    while (tokens_ >> rest) {
-      error = path_ + ": line " + std::to_string(line_) + ": more values than the header declares";
-      return false;
-    }
+    if (std::string rest; tokens_ >> rest)
+      return failOnLine("more values than the header declares");
     haveLine_ = false;
     return true;
   }
 
-  std::size_t line() const { return line_; }
-
  private:
-  bool nextText(double& out, std::string& error) {
+  bool fail(const std::string& what) {
+    error_ = path_ + ": " + what;
+    return false;
+  }
+  bool failOnLine(const std::string& what) {
+    return fail("line " + std::to_string(line_) + ": " + what);
+  }
+
+  bool nextText(double& out) {
     std::string token;
     while (!haveLine_ || !(tokens_ >> token)) {
       std::string line;
-      if (haveLine_) {
-        error =
-            path_ + ": line " + std::to_string(line_) + ": fewer values than the header declares";
-        return false;
-      }
-      if (!std::getline(in_, line)) {
-        error = path_ + ": the file ends before all elements were read";
-        return false;
-      }
+      if (haveLine_) return failOnLine("fewer values than the header declares");
+      if (!std::getline(in_, line)) return fail("the file ends before all elements were read");
       ++line_;
       tokens_.clear();
       tokens_.str(line);
@@ -189,10 +185,8 @@ class PlyBody {
     }
     char* end = nullptr;
     out = std::strtod(token.c_str(), &end);
-    if (end == token.c_str() || *end != '\0') {
-      error = path_ + ": line " + std::to_string(line_) + ": \"" + token + "\" is not a number";
-      return false;
-    }
+    if (end == token.c_str() || *end != '\0')
+      return failOnLine("\"" + token + "\" is not a number");
     return true;
   }
 
@@ -200,21 +194,22 @@ class PlyBody {
   PlyFormat format_;
   std::string path_;
   std::size_t line_;
+  std::string& error_;
   std::istringstream tokens_;
   bool haveLine_ = false;
 };
 
 bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) {
-    error = path + ": cannot open the mesh file";
+  auto fail = [&](const std::string& what) {
+    error = path + ": " + what;
     return false;
-  }
+  };
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return fail("cannot open the mesh file");
   std::string line;
   std::size_t lineNumber = 0;
   auto bad = [&](const std::string& what) {
-    error = path + ": line " + std::to_string(lineNumber) + ": " + what;
-    return false;
+    return fail("line " + std::to_string(lineNumber) + ": " + what);
   };
   if (!std::getline(in, line) || (++lineNumber, firstLine(line) != "ply"))
     return bad("not a PLY file (no \"ply\" first line)");
@@ -271,7 +266,7 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
   }
   if (!haveFormat) return bad("the header has no \"format\" line");
 
-  PlyBody body(in, format, path, lineNumber);
+  PlyBody body(in, format, path, lineNumber, error);
   for (const PlyElement& e : elements) {
     const bool isVertex = e.name == "vertex";
     const bool isFace = e.name == "face";
@@ -285,14 +280,9 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
           (p.name == "vertex_indices" || p.name == "vertex_index"))
         indexList = static_cast<int>(k);
     }
-    if (isVertex && (xyz[0] < 0 || xyz[1] < 0 || xyz[2] < 0)) {
-      error = path + ": the vertex element lacks an x, y or z property";
-      return false;
-    }
-    if (isFace && indexList < 0) {
-      error = path + ": the face element lacks a vertex_indices list";
-      return false;
-    }
+    if (isVertex && (xyz[0] < 0 || xyz[1] < 0 || xyz[2] < 0))
+      return fail("the vertex element lacks an x, y or z property");
+    if (isFace && indexList < 0) return fail("the face element lacks a vertex_indices list");
     // An element without properties holds no data: its count, however large, reads nothing.
     if (e.properties.empty()) continue;
     for (std::size_t i = 0; i < e.count; ++i) {
@@ -302,34 +292,30 @@ bool loadPly(const std::string& path, MeshData& mesh, std::string& error) {
         const PlyProperty& p = e.properties[k];
         double value = 0.0;
         if (p.countType.empty()) {
-          if (!body.next(p.type, value, error)) return false;
+          if (!body.next(p.type, value)) return false;
           for (int c = 0; c < 3; ++c)
             if (isVertex && xyz[c] == static_cast<int>(k))
               point[static_cast<std::size_t>(c)] = value;
           continue;
         }
         double count = 0.0;
-        if (!body.next(p.countType, count, error)) return false;
+        if (!body.next(p.countType, count)) return false;
         // Range first, so that no huge or NaN length is ever converted to an integer.
-        if (!(count >= 0.0) || count > 1e9 || std::trunc(count) != count) {
-          error = path + ": " + e.name + " " + std::to_string(i) + ": bad list length";
-          return false;
-        }
+        if (!(count >= 0.0) || count > 1e9 || std::trunc(count) != count)
+          return fail(e.name + " " + std::to_string(i) + ": bad list length");
         for (long long item = 0; item < static_cast<long long>(count); ++item) {
-          if (!body.next(p.type, value, error)) return false;
+          if (!body.next(p.type, value)) return false;
           if (isFace && indexList == static_cast<int>(k)) {
             if (!(value >= 0.0) || value >= static_cast<double>(mesh.points.size()) ||
-                std::trunc(value) != value) {
-              error = path + ": face " + std::to_string(i) + " uses vertex " +
-                      std::to_string(value) + ", which does not exist (the file has " +
-                      std::to_string(mesh.points.size()) + " vertices)";
-              return false;
-            }
+                std::trunc(value) != value)
+              return fail("face " + std::to_string(i) + " uses vertex " + std::to_string(value) +
+                          ", which does not exist (the file has " +
+                          std::to_string(mesh.points.size()) + " vertices)");
             polygon.push_back(static_cast<std::int32_t>(value));
           }
         }
       }
-      if (!body.endElement(error)) return false;
+      if (!body.endElement()) return false;
       if (isVertex) mesh.points.push_back(point);
       if (isFace) mesh.polygons.push_back(std::move(polygon));
     }

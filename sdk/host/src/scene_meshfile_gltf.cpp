@@ -41,7 +41,8 @@ const unsigned char* element(const tinygltf::Model& model, const tinygltf::Acces
 }
 
 // Whether every one of the `accessor.count` entries lies inside the buffer: checked before
-// anything is read, so that a count the file does not hold allocates nothing.
+// anything is read, so that a count the file does not hold allocates nothing. When the last
+// entry lies inside, every earlier one does too.
 bool holdsCount(const tinygltf::Model& model, const tinygltf::Accessor& accessor,
                 std::size_t elementSize) {
   return accessor.count == 0 || element(model, accessor, accessor.count - 1, elementSize);
@@ -69,28 +70,22 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
       const tinygltf::Primitive& primitive = model.meshes[m].primitives[p];
       const std::string where =
           path + ": mesh " + std::to_string(m) + ", primitive " + std::to_string(p) + ": ";
-      if (primitive.mode != -1 && primitive.mode != TINYGLTF_MODE_TRIANGLES) {
-        error =
-            where + "only triangle lists are read (mode " + std::to_string(primitive.mode) + ")";
+      auto fail = [&](const std::string& what) {
+        error = where + what;
         return false;
-      }
+      };
+      if (primitive.mode != -1 && primitive.mode != TINYGLTF_MODE_TRIANGLES)
+        return fail("only triangle lists are read (mode " + std::to_string(primitive.mode) + ")");
       const auto position = primitive.attributes.find("POSITION");
-      if (position == primitive.attributes.end()) {
-        error = where + "no POSITION attribute";
-        return false;
-      }
+      if (position == primitive.attributes.end()) return fail("no POSITION attribute");
       if (position->second < 0 ||
-          static_cast<std::size_t>(position->second) >= model.accessors.size()) {
-        error = where + "bad POSITION accessor";
-        return false;
-      }
+          static_cast<std::size_t>(position->second) >= model.accessors.size())
+        return fail("bad POSITION accessor");
       const tinygltf::Accessor& positions =
           model.accessors[static_cast<std::size_t>(position->second)];
       if (positions.type != TINYGLTF_TYPE_VEC3 ||
-          positions.componentType != TINYGLTF_COMPONENT_TYPE_FLOAT || positions.sparse.isSparse) {
-        error = where + "positions must be a dense accessor of float 3-vectors";
-        return false;
-      }
+          positions.componentType != TINYGLTF_COMPONENT_TYPE_FLOAT || positions.sparse.isSparse)
+        return fail("positions must be a dense accessor of float 3-vectors");
       std::int32_t first;
       if (const auto seen = firstVertexOfAccessor.find(position->second);
           seen != firstVertexOfAccessor.end()) {
@@ -98,19 +93,12 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
       } else {
         first = static_cast<std::int32_t>(mesh.points.size());
         firstVertexOfAccessor[position->second] = first;
-        if (!holdsCount(model, positions, 12)) {
-          error = where + "the positions claim " + std::to_string(positions.count) +
-                  " vertices, more than their buffer holds";
-          return false;
-        }
+        if (!holdsCount(model, positions, 12))
+          return fail("the positions claim " + std::to_string(positions.count) +
+                      " vertices, more than their buffer holds");
         for (std::size_t i = 0; i < positions.count; ++i) {
-          const unsigned char* bytes = element(model, positions, i, 12);
-          if (!bytes) {
-            error = where + "position data lie outside their buffer";
-            return false;
-          }
           float xyz[3];
-          std::memcpy(xyz, bytes, sizeof xyz);
+          std::memcpy(xyz, element(model, positions, i, 12), sizeof xyz);
           mesh.points.push_back({xyz[0], xyz[1], xyz[2]});
         }
       }
@@ -119,10 +107,8 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
         for (std::size_t i = 0; i < positions.count; ++i)
           indices.push_back(static_cast<std::int32_t>(i));
       } else {
-        if (static_cast<std::size_t>(primitive.indices) >= model.accessors.size()) {
-          error = where + "bad index accessor";
-          return false;
-        }
+        if (static_cast<std::size_t>(primitive.indices) >= model.accessors.size())
+          return fail("bad index accessor");
         const tinygltf::Accessor& list =
             model.accessors[static_cast<std::size_t>(primitive.indices)];
         const int type = list.componentType;
@@ -130,41 +116,23 @@ bool loadGltf(const std::string& path, MeshData& mesh, std::string& error) {
                                  : type == TINYGLTF_COMPONENT_TYPE_UNSIGNED_SHORT ? 2
                                  : type == TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT   ? 4
                                                                                   : 0;
-        if (size == 0 || list.type != TINYGLTF_TYPE_SCALAR || list.sparse.isSparse) {
-          error = where + "indices must be a dense accessor of unsigned integers";
-          return false;
-        }
-        if (!holdsCount(model, list, size)) {
-          error = where + "the indices claim " + std::to_string(list.count) +
-                  " entries, more than their buffer holds";
-          return false;
-        }
+        if (size == 0 || list.type != TINYGLTF_TYPE_SCALAR || list.sparse.isSparse)
+          return fail("indices must be a dense accessor of unsigned integers");
+        if (!holdsCount(model, list, size))
+          return fail("the indices claim " + std::to_string(list.count) +
+                      " entries, more than their buffer holds");
         for (std::size_t i = 0; i < list.count; ++i) {
-          const unsigned char* bytes = element(model, list, i, size);
-          if (!bytes) {
-            error = where + "index data lie outside their buffer";
-            return false;
-          }
+          // glTF data and this host are little-endian: an index of 1, 2 or 4 bytes is the low
+          // bytes of a zeroed 32-bit word.
           std::uint32_t v = 0;
-          if (size == 1) v = bytes[0];
-          if (size == 2) {
-            std::uint16_t s;
-            std::memcpy(&s, bytes, 2);
-            v = s;
-          }
-          if (size == 4) std::memcpy(&v, bytes, 4);
-          if (v >= positions.count) {
-            error = where + "index " + std::to_string(i) + " names vertex " + std::to_string(v) +
-                    ", but the primitive has " + std::to_string(positions.count);
-            return false;
-          }
+          std::memcpy(&v, element(model, list, i, size), size);
+          if (v >= positions.count)
+            return fail("index " + std::to_string(i) + " names vertex " + std::to_string(v) +
+                        ", but the primitive has " + std::to_string(positions.count));
           indices.push_back(static_cast<std::int32_t>(v));
         }
       }
-      if (indices.size() % 3 != 0) {
-        error = where + "the index count is not a multiple of 3";
-        return false;
-      }
+      if (indices.size() % 3 != 0) return fail("the index count is not a multiple of 3");
       for (std::size_t i = 0; i < indices.size(); i += 3)
         mesh.polygons.push_back(
             {first + indices[i], first + indices[i + 1], first + indices[i + 2]});

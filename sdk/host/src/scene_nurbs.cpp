@@ -31,18 +31,18 @@ Vec3d unit(const Vec3d& a) {
 
 // De Boor's algorithm for degree q on the local points d[0..q], which stand for control points
 // k − q .. k of a curve whose knots are t[offset + i]. Overwrites d.
-Vec4d deBoor(std::vector<Vec4d>& d, int q, int k, int offset, const std::vector<double>& t,
+Vec4d deBoor(std::vector<Vec4d>& d, size_t q, size_t k, size_t offset, const std::vector<double>& t,
              double u) {
-  for (int r = 1; r <= q; ++r) {
-    for (int j = q; j >= r; --j) {
-      const int i = k - q + j;
-      const double lo = t[static_cast<size_t>(offset + i)];
-      const double hi = t[static_cast<size_t>(offset + i + q + 1 - r)];
+  for (size_t r = 1; r <= q; ++r) {
+    for (size_t j = q; j >= r; --j) {
+      const size_t i = k - q + j;
+      const double lo = t[offset + i];
+      const double hi = t[offset + i + q + 1 - r];
       const double alpha = (u - lo) / (hi - lo);
       for (int c = 0; c < 4; ++c) d[j][c] = (1.0 - alpha) * d[j - 1][c] + alpha * d[j][c];
     }
   }
-  return d[static_cast<size_t>(q)];
+  return d[q];
 }
 
 // Gauss–Kronrod 7/15 nodes and weights on [−1, 1] (positive half; the last node is 0).
@@ -102,78 +102,62 @@ double integrate(const F& f, double a, double b, double tolerance) {
   return total;
 }
 
+// The parts written one after another, numbers as a stream writes them.
+template <class... Parts>
+std::string Problem(const Parts&... parts) {
+  std::ostringstream out;
+  (out << ... << parts);
+  return out.str();
+}
+
 }  // namespace
 
 std::string ValidateNurbsCurve(const NurbsCurveData& curve) {
-  std::ostringstream out;
   const int p = curve.degree;
   const size_t n = curve.points.size();
-  if (p < 1) {
-    out << "degree " << p << " is below 1";
-    return out.str();
-  }
-  if (n < static_cast<size_t>(p) + 1) {
-    out << "a curve of degree " << p << " needs at least " << p + 1 << " control points, not " << n;
-    return out.str();
-  }
+  if (p < 1) return Problem("degree ", p, " is below 1");
+  if (n < static_cast<size_t>(p) + 1)
+    return Problem("a curve of degree ", p, " needs at least ", p + 1, " control points, not ", n);
   for (size_t i = 0; i < n; ++i) {
     const auto& cp = curve.points[i];
-    for (double c : cp) {
-      if (!std::isfinite(c)) {
-        out << "control point " << i << " is not finite";
-        return out.str();
-      }
-    }
-    if (!(cp[3] > 0.0)) {
-      out << "control point " << i << " has weight " << cp[3] << "; weights must be positive";
-      return out.str();
-    }
+    for (double c : cp)
+      if (!std::isfinite(c)) return Problem("control point ", i, " is not finite");
+    if (!(cp[3] > 0.0))
+      return Problem("control point ", i, " has weight ", cp[3], "; weights must be positive");
   }
   const size_t expected = n + static_cast<size_t>(p) + 1;
-  if (curve.knots.size() != expected) {
-    out << "inconsistent knots: " << n << " control points of degree " << p << " need " << expected
-        << " knots, not " << curve.knots.size();
-    return out.str();
-  }
+  if (curve.knots.size() != expected)
+    return Problem("inconsistent knots: ", n, " control points of degree ", p, " need ", expected,
+                   " knots, not ", curve.knots.size());
   for (size_t i = 0; i < expected; ++i) {
-    if (!std::isfinite(curve.knots[i])) {
-      out << "inconsistent knots: knot " << i << " is not finite";
-      return out.str();
-    }
-    if (i > 0 && curve.knots[i] < curve.knots[i - 1]) {
-      out << "inconsistent knots: knot " << i << " (" << curve.knots[i]
-          << ") is smaller than the knot before it (" << curve.knots[i - 1] << ")";
-      return out.str();
-    }
+    if (!std::isfinite(curve.knots[i]))
+      return Problem("inconsistent knots: knot ", i, " is not finite");
+    if (i > 0 && curve.knots[i] < curve.knots[i - 1])
+      return Problem("inconsistent knots: knot ", i, " (", curve.knots[i],
+                     ") is smaller than the knot before it (", curve.knots[i - 1], ")");
   }
-  if (!(curve.knots[n] > curve.knots[static_cast<size_t>(p)])) {
-    out << "inconsistent knots: the parameter range [knot " << p << ", knot " << n << "] is empty";
-    return out.str();
-  }
+  if (!(curve.knots[n] > curve.knots[static_cast<size_t>(p)]))
+    return Problem("inconsistent knots: the parameter range [knot ", p, ", knot ", n, "] is empty");
   // A knot repeated more than p times inside the range would break the curve in two.
   for (size_t i = static_cast<size_t>(p) + 1; i < n;) {
     size_t j = i;
     while (j < n && curve.knots[j] == curve.knots[i]) ++j;
-    if (j - i > static_cast<size_t>(p)) {
-      out << "inconsistent knots: interior knot " << curve.knots[i] << " is repeated " << j - i
-          << " times, more than the degree " << p;
-      return out.str();
-    }
+    if (j - i > static_cast<size_t>(p))
+      return Problem("inconsistent knots: interior knot ", curve.knots[i], " is repeated ", j - i,
+                     " times, more than the degree ", p);
     i = j;
   }
   return {};
 }
 
 NurbsCurveEvaluator::NurbsCurveEvaluator(NurbsCurveData curve) : curve_(std::move(curve)) {
-  const int p = curve_.degree;
-  const int n = static_cast<int>(curve_.points.size());
+  const size_t p = static_cast<size_t>(curve_.degree);
+  const size_t n = curve_.points.size();
   const auto& t = curve_.knots;
-  min_ = t[static_cast<size_t>(p)];
-  max_ = t[static_cast<size_t>(n)];
-  for (int k = p; k < n; ++k) {
-    if (t[static_cast<size_t>(k + 1)] > t[static_cast<size_t>(k)])
-      spanStarts_.push_back(t[static_cast<size_t>(k)]);
-  }
+  min_ = t[p];
+  max_ = t[n];
+  for (size_t k = p; k < n; ++k)
+    if (t[k + 1] > t[k]) spanStarts_.push_back(t[k]);
   spanStarts_.push_back(max_);
   // A first pass of one Kronrod rule per span sizes the tolerance; the table then holds each
   // span's length to about 1e-13 of the whole.
@@ -189,41 +173,37 @@ NurbsCurveEvaluator::NurbsCurveEvaluator(NurbsCurveData curve) : curve_(std::mov
 
 void NurbsCurveEvaluator::Derivatives(double u, Vec3d& position, Vec3d& first,
                                       Vec3d& second) const {
-  const int p = curve_.degree;
-  const int n = static_cast<int>(curve_.points.size());
+  const size_t p = static_cast<size_t>(curve_.degree);
+  const size_t n = curve_.points.size();
   const auto& t = curve_.knots;
   u = ClampParameter(u, min_, max_);
   // Span k with t[k] <= u < t[k+1]; the end of the range belongs to the last non-empty span.
-  int k;
+  size_t k;
   if (u >= max_) {
     k = n - 1;
-    while (k > p && !(t[static_cast<size_t>(k + 1)] > t[static_cast<size_t>(k)])) --k;
+    while (k > p && !(t[k + 1] > t[k])) --k;
   } else {
     const auto it = std::upper_bound(t.begin() + p, t.begin() + n + 1, u);
-    k = static_cast<int>(it - t.begin()) - 1;
+    k = static_cast<size_t>(it - t.begin()) - 1;
   }
 
   // Homogeneous local points and their first and second hodographs.
-  std::vector<Vec4d> h(static_cast<size_t>(p) + 1);
-  for (int j = 0; j <= p; ++j) {
-    const auto& cp = curve_.points[static_cast<size_t>(k - p + j)];
-    h[static_cast<size_t>(j)] = {cp[0] * cp[3], cp[1] * cp[3], cp[2] * cp[3], cp[3]};
+  std::vector<Vec4d> h(p + 1);
+  for (size_t j = 0; j <= p; ++j) {
+    const auto& cp = curve_.points[k - p + j];
+    h[j] = {cp[0] * cp[3], cp[1] * cp[3], cp[2] * cp[3], cp[3]};
   }
-  std::vector<Vec4d> d1(static_cast<size_t>(p));
-  for (int j = 0; j < p; ++j) {
-    const int i = k - p + j;
-    const double f = p / (t[static_cast<size_t>(i + p + 1)] - t[static_cast<size_t>(i + 1)]);
-    for (int c = 0; c < 4; ++c)
-      d1[static_cast<size_t>(j)][c] =
-          f * (h[static_cast<size_t>(j + 1)][c] - h[static_cast<size_t>(j)][c]);
+  std::vector<Vec4d> d1(p);
+  for (size_t j = 0; j < p; ++j) {
+    const size_t i = k - p + j;
+    const double f = p / (t[i + p + 1] - t[i + 1]);
+    for (int c = 0; c < 4; ++c) d1[j][c] = f * (h[j + 1][c] - h[j][c]);
   }
-  std::vector<Vec4d> d2(p >= 2 ? static_cast<size_t>(p) - 1 : 0);
-  for (int j = 0; j + 1 < p; ++j) {
-    const int i = k - p + j;
-    const double f = (p - 1) / (t[static_cast<size_t>(i + p + 1)] - t[static_cast<size_t>(i + 2)]);
-    for (int c = 0; c < 4; ++c)
-      d2[static_cast<size_t>(j)][c] =
-          f * (d1[static_cast<size_t>(j + 1)][c] - d1[static_cast<size_t>(j)][c]);
+  std::vector<Vec4d> d2(p >= 2 ? p - 1 : 0);
+  for (size_t j = 0; j + 1 < p; ++j) {
+    const size_t i = k - p + j;
+    const double f = (p - 1) / (t[i + p + 1] - t[i + 2]);
+    for (int c = 0; c < 4; ++c) d2[j][c] = f * (d1[j + 1][c] - d1[j][c]);
   }
 
   const Vec4d a0 = deBoor(h, p, k, 0, t, u);
@@ -287,14 +267,6 @@ double NurbsCurveEvaluator::ParameterFromNormalized(double t) const {
 
 double NurbsCurveEvaluator::SpanLength(double a, double b) const {
   return integrate([this](double u) { return Speed(u); }, a, b, tolerance_);
-}
-
-double NurbsCurveEvaluator::LengthTo(double u) const {
-  u = ClampParameter(u, min_, max_);
-  if (u >= max_) return Length();
-  const auto it = std::upper_bound(spanStarts_.begin(), spanStarts_.end(), u);
-  const size_t j = static_cast<size_t>(it - spanStarts_.begin()) - 1;
-  return cumulative_[j] + SpanLength(spanStarts_[j], u);
 }
 
 double NurbsCurveEvaluator::ParameterFromPercentage(double percent) const {

@@ -16,16 +16,6 @@ std::vector<LogLine> Log::Take() {
   return out;
 }
 
-std::vector<LogLine> Log::Lines() const {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return lines_;
-}
-
-void Log::Clear() {
-  std::lock_guard<std::mutex> lock(mutex_);
-  lines_.clear();
-}
-
 Log& HostLog() {
   static Log log;
   return log;

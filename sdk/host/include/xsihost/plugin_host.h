@@ -1,11 +1,13 @@
 // Loading a plug-in by path, as the host does: dlopen, XSILoadPlugin with a registrar that
-// records everything, callbacks found by their exported names.
+// records everything, callbacks found by their exported names and called safely.
 #pragma once
 
 #include <memory>
 #include <string>
 
+#include <xsi_status.h>
 #include <xsihost/definitions.h>
+#include <xsihost/session.h>
 
 namespace xsihost {
 
@@ -22,9 +24,6 @@ class LoadedPlugin {
   void Unload();
 
   const xsihost::PluginRecord& Record() const { return *record_; }
-  const xsihost::NodeDefinitionRecord* FindNode(const std::wstring& name) const {
-    return record_->FindNode(name);
-  }
   // Exported symbol `name`, or null.
   void* Symbol(const std::string& name) const;
   const std::string& Path() const { return path_; }
@@ -35,6 +34,19 @@ class LoadedPlugin {
   std::string path_;
   std::unique_ptr<xsihost::PluginRecord> record_;
 };
+
+// Calls the plug-in callback `fn` with `arg`. An exception escaping the plug-in is a fault of
+// the plug-in: it is logged at severity 2 as "<what>: an exception escaped the plug-in" and the
+// call fails, instead of taking the host down.
+template <class Fn, class Arg>
+XSI::CStatus CallPlugin(Fn fn, Arg& arg, const std::wstring& what) {
+  try {
+    return fn(arg);
+  } catch (...) {
+    HostLog().Add(XSI::siErrorMsg, what + L": an exception escaped the plug-in");
+    return XSI::CStatus::Fail;
+  }
+}
 
 // The plug-in `quillix` and the tests load by default: libQuillix.so beside `executable`, or
 // in ../lib/quillix/ from it (an installed tree) when there is none beside it.

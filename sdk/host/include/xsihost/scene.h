@@ -57,7 +57,6 @@ struct MeshDerived {
   std::vector<std::int32_t> trianglePolygon;           // polygon of each triangle
   std::vector<std::int32_t> triangleNodes;             // 3 polygon-node indices per triangle
   std::vector<Vec3d> nodeNormals;                      // one unit normal per polygon node
-  std::vector<std::int32_t> polygonFirstNode;          // first node of each polygon
 };
 
 /// Computes the triangulation and polygon-node normals of `mesh`. A node's normal averages the
@@ -201,7 +200,6 @@ class Scene {
 
 /// The scene the SDK's calls see (an empty scene until one is loaded), and the selection.
 Scene& ActiveScene();
-std::shared_ptr<Scene> ActiveSceneHandle();
 void SetActiveScene(std::shared_ptr<Scene> scene);  // clears the selection
 std::vector<XSI::CRef>& Selection();
 

@@ -26,7 +26,6 @@ class CommandObject : public xsihost::Object {
   std::wstring name_;
   std::wstring description_;
   XSI::LONG flags_ = 0;
-  bool returnValue_ = true;
   std::vector<Argument> arguments_;
   XSI::CValue userData_;
   const LoadedPlugin* plugin_ = nullptr;  // null for the host's own commands
@@ -77,9 +76,6 @@ XSI::CStatus ExecuteCommand(const std::wstring& name, const XSI::CValueArray& ar
 std::shared_ptr<CommandObject> FindCommand(const std::wstring& name);
 std::vector<std::shared_ptr<PluginObject>> LoadedPlugins();
 
-/// The host's recent-scenes list file: $XSI_USERHOME/Data/Preferences/RecentFileMenus.xml, or
-/// an empty string when XSI_USERHOME is not set.
-std::string RecentScenesFilePath();
 /// Puts `scenePath` at the top of the recent-scenes section of `fileText` (an empty text
 /// starts a new file), drops its older entries and keeps at most ten; other sections are kept
 /// as they are. Paths are written verbatim.

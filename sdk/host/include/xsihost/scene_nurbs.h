@@ -42,8 +42,6 @@ class NurbsCurveEvaluator {
   explicit NurbsCurveEvaluator(NurbsCurveData curve);
 
   const NurbsCurveData& Data() const { return curve_; }
-  double MinParameter() const { return min_; }
-  double MaxParameter() const { return max_; }
   double Length() const { return cumulative_.empty() ? 0.0 : cumulative_.back(); }
 
   /// Sample at the curve parameter `u`, clamped to the parameter range.
@@ -57,8 +55,6 @@ class NurbsCurveEvaluator {
   /// Curve parameter at `percent` per cent (clamped to [0, 100]) of the arc length from the
   /// start; accurate to far better than 1e-6 of the length.
   double ParameterFromPercentage(double percent) const;
-  /// Arc length from the start of the curve to the parameter `u` (clamped).
-  double LengthTo(double u) const;
 
  private:
   double SpanLength(double a, double b) const;

@@ -19,8 +19,6 @@ class Log {
   void Add(int severity, std::wstring text);
   // Returns the lines logged since the last take and forgets them.
   std::vector<LogLine> Take();
-  std::vector<LogLine> Lines() const;
-  void Clear();
 
  private:
   mutable std::mutex mutex_;
