@@ -161,8 +161,8 @@ TEST_F(SceneObjects, MeshBoundingVolumesUnderATransform) {
   EXPECT_NEAR(r, std::sqrt(3.0), 1e-15);
 
   CTransformation t;
-  t.SetScalingFromValues(1, 2, 3);
-  t.SetRotationFromXYZAnglesValues(0, 0, PI / 2);  // swaps the X and Y extents
+  t.SetScaling(CVector3(1, 2, 3));
+  t.SetRotation(CRotation(0, 0, PI / 2));  // swaps the X and Y extents
   t.SetTranslationFromValues(10, 0, 0);
   ASSERT_EQ(geometry.GetBoundingBox(cx, cy, cz, ex, ey, ez, t), CStatus(CStatus::OK));
   EXPECT_NEAR(cx, 10.0, 1e-12);
