@@ -152,15 +152,7 @@ class CDataArray<CString> : public CBaseDataArray {
 typedef CDataArray<bool> CDataArrayBool;
 typedef CDataArray<LONG> CDataArrayLong;
 typedef CDataArray<float> CDataArrayFloat;
-typedef CDataArray<MATH::CVector2f> CDataArrayVector2f;
 typedef CDataArray<MATH::CVector3f> CDataArrayVector3f;
-typedef CDataArray<MATH::CVector4f> CDataArrayVector4f;
-typedef CDataArray<MATH::CQuaternionf> CDataArrayQuaternionf;
-typedef CDataArray<MATH::CMatrix3f> CDataArrayMatrix3f;
-typedef CDataArray<MATH::CMatrix4f> CDataArrayMatrix4f;
-typedef CDataArray<MATH::CColor4f> CDataArrayColor4f;
-typedef CDataArray<MATH::CRotationf> CDataArrayRotationf;
-typedef CDataArray<CShape> CDataArrayShape;
 typedef CDataArray<CString> CDataArrayString;
 
 }  // namespace XSI

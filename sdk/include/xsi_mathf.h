@@ -13,10 +13,6 @@ class CVector2f {
   CVector2f(float x, float y) : x_(x), y_(y) {}
   float GetX() const { return x_; }
   float GetY() const { return y_; }
-  void Set(float x, float y) {
-    x_ = x;
-    y_ = y;
-  }
   bool operator==(const CVector2f& o) const { return x_ == o.x_ && y_ == o.y_; }
 
  private:
@@ -30,16 +26,6 @@ class CVector3f {
   float GetX() const { return x_; }
   float GetY() const { return y_; }
   float GetZ() const { return z_; }
-  void Set(float x, float y, float z) {
-    x_ = x;
-    y_ = y;
-    z_ = z;
-  }
-  void Get(float& x, float& y, float& z) const {
-    x = x_;
-    y = y_;
-    z = z_;
-  }
   bool operator==(const CVector3f& o) const { return x_ == o.x_ && y_ == o.y_ && z_ == o.z_; }
 
  private:
@@ -54,12 +40,6 @@ class CVector4f {
   float GetY() const { return y_; }
   float GetZ() const { return z_; }
   float GetW() const { return w_; }
-  void Set(float x, float y, float z, float w) {
-    x_ = x;
-    y_ = y;
-    z_ = z;
-    w_ = w;
-  }
   bool operator==(const CVector4f& o) const {
     return x_ == o.x_ && y_ == o.y_ && z_ == o.z_ && w_ == o.w_;
   }
@@ -77,12 +57,6 @@ class CQuaternionf {
   float GetX() const { return x_; }
   float GetY() const { return y_; }
   float GetZ() const { return z_; }
-  void Set(float w, float x, float y, float z) {
-    w_ = w;
-    x_ = x;
-    y_ = y;
-    z_ = z;
-  }
   bool operator==(const CQuaternionf& o) const {
     return w_ == o.w_ && x_ == o.x_ && y_ == o.y_ && z_ == o.z_;
   }
@@ -101,7 +75,6 @@ class CMatrix3f {
     for (int r = 0; r < 3; ++r)
       for (int c = 0; c < 3; ++c) cells_[r][c] = r == c ? 1.0f : 0.0f;
   }
-  const float* Get() const { return &cells_[0][0]; }
   bool operator==(const CMatrix3f& o) const {
     for (int r = 0; r < 3; ++r)
       for (int c = 0; c < 3; ++c)
@@ -147,12 +120,6 @@ class CColor4f {
  public:
   CColor4f() = default;
   CColor4f(float r, float g, float b, float a) : r_(r), g_(g), b_(b), a_(a) {}
-  void Set(float r, float g, float b, float a) {
-    r_ = r;
-    g_ = g;
-    b_ = b;
-    a_ = a;
-  }
   bool operator==(const CColor4f& o) const {
     return r_ == o.r_ && g_ == o.g_ && b_ == o.b_ && a_ == o.a_;
   }

@@ -56,7 +56,6 @@ class CValue {
 
   DataType GetType() const { return type_; }
   bool IsEmpty() const { return type_ == siEmpty; }
-  void Clear() { *this = CValue(); }
 
   // Conversions; a value that does not convert gives 0, false, empty.
   operator LONG() const;
@@ -92,8 +91,6 @@ class CValueArray {
   explicit CValueArray(LONG size) : items_(size > 0 ? size : 0) {}
   LONG GetCount() const { return static_cast<LONG>(items_.size()); }
   void Add(const CValue& value) { items_.push_back(value); }
-  void Resize(LONG size) { items_.resize(size > 0 ? size : 0); }
-  void Clear() { items_.clear(); }
   CValue& operator[](LONG index) { return items_[index]; }
   const CValue& operator[](LONG index) const { return items_[index]; }
   bool operator==(const CValueArray& o) const { return items_ == o.items_; }
