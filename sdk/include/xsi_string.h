@@ -16,12 +16,7 @@ class CString {
   CString(const wchar_t* text, ULONG length);
   CString(const char* text);
   explicit CString(const CValue& value);
-  CString(const CString&) = default;
-  CString(CString&&) noexcept = default;
-  ~CString() = default;
 
-  CString& operator=(const CString&) = default;
-  CString& operator=(CString&&) noexcept = default;
   CString& operator=(const wchar_t* text);
   CString& operator=(const char* text);
 

@@ -50,9 +50,6 @@ class CValue {
   CValue(const MATH::CMatrix4f& v) : type_(siMatrix4f), matrix_(v) {}
   CValue(siPtrType v) : type_(siPtr), ptr_(v) {}
   CValue(const CValueArray& v);
-  CValue(const CValue& other);
-  CValue& operator=(const CValue& other);
-  ~CValue();
 
   DataType GetType() const { return type_; }
   bool IsEmpty() const { return type_ == siEmpty; }
@@ -82,7 +79,8 @@ class CValue {
   MATH::CVector3f vector_;
   MATH::CMatrix4f matrix_;
   siPtrType ptr_ = nullptr;
-  std::unique_ptr<CValueArray> array_;
+  // Never changed once made, so copies of the value share it.
+  std::shared_ptr<const CValueArray> array_;
 };
 
 class CValueArray {
