@@ -69,6 +69,7 @@ class CDataArrayState {
   ICENodeContext* context_ = nullptr;
   siICENodeDataType type_;
   void* buffer_ = nullptr;  // host storage behind the array
+  void* data_ = nullptr;    // contiguous values of a one-dimensional array (not for strings)
   ULONG count_ = 0;
   bool constant_ = false;
   bool output_ = false;
@@ -93,8 +94,6 @@ class CBaseDataArray : public CDataArrayState {
   void Release() {
     if (context_ != nullptr) context_->ReleaseDataArray(*this);
   }
-
-  void* data_ = nullptr;  // contiguous values (unused for strings)
 };
 
 template <class T>
