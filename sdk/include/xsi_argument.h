@@ -13,8 +13,6 @@ class Argument : public SIObject {
  public:
   Argument() = default;
   explicit Argument(const CRef& ref);
-
-  CValue GetValue() const;
 };
 
 class ArgumentArray : public CBase {
@@ -25,10 +23,6 @@ class ArgumentArray : public CBase {
   /// Appends an argument named `name` with the default `value`; a name already defined is
   /// refused with CStatus::InvalidArgument.
   CStatus Add(const CString& name, const CValue& value = CValue());
-  LONG GetCount() const;
-  Argument GetItem(LONG index) const;
-  Argument GetItem(const CString& name) const;
-  Argument operator[](LONG index) const { return GetItem(index); }
 };
 
 }  // namespace XSI

@@ -69,6 +69,7 @@ class CDataArrayState {
   ICENodeContext* context_ = nullptr;
   siICENodeDataType type_;
   void* buffer_ = nullptr;  // host storage behind the array
+  void* data_ = nullptr;    // contiguous values of a one-dimensional array (not for strings)
   ULONG count_ = 0;
   bool constant_ = false;
   bool output_ = false;
@@ -93,8 +94,6 @@ class CBaseDataArray : public CDataArrayState {
   void Release() {
     if (context_ != nullptr) context_->ReleaseDataArray(*this);
   }
-
-  void* data_ = nullptr;  // contiguous values (unused for strings)
 };
 
 template <class T>
@@ -152,15 +151,7 @@ class CDataArray<CString> : public CBaseDataArray {
 typedef CDataArray<bool> CDataArrayBool;
 typedef CDataArray<LONG> CDataArrayLong;
 typedef CDataArray<float> CDataArrayFloat;
-typedef CDataArray<MATH::CVector2f> CDataArrayVector2f;
 typedef CDataArray<MATH::CVector3f> CDataArrayVector3f;
-typedef CDataArray<MATH::CVector4f> CDataArrayVector4f;
-typedef CDataArray<MATH::CQuaternionf> CDataArrayQuaternionf;
-typedef CDataArray<MATH::CMatrix3f> CDataArrayMatrix3f;
-typedef CDataArray<MATH::CMatrix4f> CDataArrayMatrix4f;
-typedef CDataArray<MATH::CColor4f> CDataArrayColor4f;
-typedef CDataArray<MATH::CRotationf> CDataArrayRotationf;
-typedef CDataArray<CShape> CDataArrayShape;
 typedef CDataArray<CString> CDataArrayString;
 
 }  // namespace XSI

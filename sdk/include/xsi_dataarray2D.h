@@ -140,15 +140,8 @@ class CDataArray2D<CString> : public CBaseDataArray2D {
 typedef CDataArray2D<bool> CDataArray2DBool;
 typedef CDataArray2D<LONG> CDataArray2DLong;
 typedef CDataArray2D<float> CDataArray2DFloat;
-typedef CDataArray2D<MATH::CVector2f> CDataArray2DVector2f;
 typedef CDataArray2D<MATH::CVector3f> CDataArray2DVector3f;
-typedef CDataArray2D<MATH::CVector4f> CDataArray2DVector4f;
-typedef CDataArray2D<MATH::CQuaternionf> CDataArray2DQuaternionf;
-typedef CDataArray2D<MATH::CMatrix3f> CDataArray2DMatrix3f;
 typedef CDataArray2D<MATH::CMatrix4f> CDataArray2DMatrix4f;
-typedef CDataArray2D<MATH::CColor4f> CDataArray2DColor4f;
-typedef CDataArray2D<MATH::CRotationf> CDataArray2DRotationf;
-typedef CDataArray2D<CShape> CDataArray2DShape;
 typedef CDataArray2D<CString> CDataArray2DString;
 
 }  // namespace XSI

@@ -7,7 +7,6 @@ namespace XSI {
 
 typedef std::uint32_t ULONG;
 typedef std::int32_t LONG;
-typedef unsigned char UCHAR;
 
 // Log severities.
 enum siSeverityType {

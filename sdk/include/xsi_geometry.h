@@ -33,7 +33,6 @@ class CPointRefArray : public CRefArray {
  public:
   CPointRefArray() = default;
   LONG GetCount() const { return positions_.GetCount(); }
-  MATH::CVector3Array GetPositionArray() const { return positions_; }
 
  private:
   MATH::CVector3Array positions_;
@@ -66,12 +65,10 @@ class PointLocatorData {
   bool IsPtLocatorValid(LONG index) const {
     return index >= 0 && index < GetCount() && triangles_[static_cast<size_t>(index)] >= 0;
   }
-  bool IsValid() const { return valid_; }
 
  private:
   std::vector<LONG> triangles_;
   std::vector<double> weights_;  // three per query
-  bool valid_ = false;
   friend class Geometry;
 };
 

@@ -17,10 +17,7 @@ namespace XSI {
 class CGeometryAccessor {
  public:
   CGeometryAccessor() = default;
-  bool IsValid() const { return mesh_ != nullptr; }
 
-  LONG GetPolygonCount() const;
-  LONG GetPolygonNodeCount() const;
   /// x, y, z of every vertex in order.
   CStatus GetVertexPositions(CDoubleArray& positions) const;
   /// The vertex of every polygon node, polygon by polygon.

@@ -16,7 +16,6 @@ class ICEAttribute : public SIObject {
   bool IsDefined() const;
   siICENodeDataType GetDataType() const;
   siICENodeContextType GetContextType() const;
-  bool IsConstant() const;
 
   /// Copies the values into `data`, whose element type must match the attribute's data type
   /// (CStatus::InvalidArgument otherwise; CStatus::Fail for an undefined attribute).

@@ -15,8 +15,6 @@ class CBaseICEAttributeDataArray {
  public:
   virtual ~CBaseICEAttributeDataArray() = default;
   ULONG GetCount() const { return count_; }
-  /// True when one value stands for every element (singleton attributes).
-  bool IsConstant() const { return constant_; }
   siICENodeDataType GetDataType() const { return type_; }
 
  protected:
@@ -55,8 +53,6 @@ class CICEAttributeDataArray<bool> : public CBaseICEAttributeDataArray {
 };
 
 typedef CICEAttributeDataArray<bool> CICEAttributeDataArrayBool;
-typedef CICEAttributeDataArray<LONG> CICEAttributeDataArrayLong;
 typedef CICEAttributeDataArray<float> CICEAttributeDataArrayFloat;
-typedef CICEAttributeDataArray<MATH::CVector3f> CICEAttributeDataArrayVector3f;
 
 }  // namespace XSI

@@ -18,6 +18,7 @@ namespace host_detail {
 struct EvalFrame;
 }
 
+class CDataArrayState;
 class CBaseDataArray;
 class CBaseDataArray2D;
 class CIndexSet;
@@ -49,8 +50,7 @@ class ICENodeContext : public Context {
   CStatus AcquireInputDataArray2D(CBaseDataArray2D& array, ULONG portID, ULONG instance = 0);
   CStatus CopyFromInputDataArray2D(CBaseDataArray2D& array, ULONG portID, ULONG instance = 0);
   CStatus AcquireOutputDataArray2D(CBaseDataArray2D& array);
-  CStatus ReleaseDataArray(CBaseDataArray& array);
-  CStatus ReleaseDataArray(CBaseDataArray2D& array);
+  CStatus ReleaseDataArray(CDataArrayState& array);
 
   // Sub-array of element `index` of a 2D array (the shared one when constant).
   CStatus GetSubArray(const CBaseDataArray2D& array, ULONG index, const void*& data,
@@ -71,6 +71,11 @@ class ICENodeContext : public Context {
   host_detail::EvalFrame* GetFrame() const { return frame_; }
 
  private:
+  // Binds `array` to the input when its type and structure (`twoDimensional`) match the port's.
+  CStatus AcquireInput(CDataArrayState& array, ULONG portID, ULONG instance, bool twoDimensional);
+  // The same over a private copy of the input that lives as long as the evaluation frame.
+  CStatus CopyInput(CDataArrayState& array, ULONG portID, ULONG instance, bool twoDimensional);
+
   host_detail::EvalFrame* frame_ = nullptr;
 };
 

@@ -30,7 +30,6 @@ class ICENodeDef {
                         const CString& displayName, const CString& scriptName,
                         ULONG typeConstraint = 0xFFFFFFFFu, ULONG structureConstraint = 0xFFFFFFFFu,
                         ULONG contextConstraint = 0xFFFFFFFFu);
-  bool IsValid() const { return record_ != nullptr; }
 
   // Host side only.
   explicit ICENodeDef(std::shared_ptr<xsihost::NodeDefinitionRecord> record)

@@ -21,9 +21,6 @@ CVector3 MapObjectPositionToWorldSpace(const CTransformation& objectTransform,
 /// scaling) maps every point to the origin.
 CVector3 MapWorldPositionToObjectSpace(const CTransformation& objectTransform,
                                        const CVector3& position);
-/// A direction (no translation) from the object's space to world space: v × S × R.
-CVector3 MapObjectOrientationToWorldSpace(const CTransformation& objectTransform,
-                                          const CVector3& direction);
 
 }  // namespace MATH
 }  // namespace XSI

@@ -13,11 +13,7 @@ class CVector2f {
   CVector2f(float x, float y) : x_(x), y_(y) {}
   float GetX() const { return x_; }
   float GetY() const { return y_; }
-  void Set(float x, float y) {
-    x_ = x;
-    y_ = y;
-  }
-  bool operator==(const CVector2f& o) const { return x_ == o.x_ && y_ == o.y_; }
+  bool operator==(const CVector2f&) const = default;
 
  private:
   float x_ = 0.0f, y_ = 0.0f;
@@ -30,17 +26,7 @@ class CVector3f {
   float GetX() const { return x_; }
   float GetY() const { return y_; }
   float GetZ() const { return z_; }
-  void Set(float x, float y, float z) {
-    x_ = x;
-    y_ = y;
-    z_ = z;
-  }
-  void Get(float& x, float& y, float& z) const {
-    x = x_;
-    y = y_;
-    z = z_;
-  }
-  bool operator==(const CVector3f& o) const { return x_ == o.x_ && y_ == o.y_ && z_ == o.z_; }
+  bool operator==(const CVector3f&) const = default;
 
  private:
   float x_ = 0.0f, y_ = 0.0f, z_ = 0.0f;
@@ -54,15 +40,7 @@ class CVector4f {
   float GetY() const { return y_; }
   float GetZ() const { return z_; }
   float GetW() const { return w_; }
-  void Set(float x, float y, float z, float w) {
-    x_ = x;
-    y_ = y;
-    z_ = z;
-    w_ = w;
-  }
-  bool operator==(const CVector4f& o) const {
-    return x_ == o.x_ && y_ == o.y_ && z_ == o.z_ && w_ == o.w_;
-  }
+  bool operator==(const CVector4f&) const = default;
 
  private:
   float x_ = 0.0f, y_ = 0.0f, z_ = 0.0f, w_ = 0.0f;
@@ -77,15 +55,7 @@ class CQuaternionf {
   float GetX() const { return x_; }
   float GetY() const { return y_; }
   float GetZ() const { return z_; }
-  void Set(float w, float x, float y, float z) {
-    w_ = w;
-    x_ = x;
-    y_ = y;
-    z_ = z;
-  }
-  bool operator==(const CQuaternionf& o) const {
-    return w_ == o.w_ && x_ == o.x_ && y_ == o.y_ && z_ == o.z_;
-  }
+  bool operator==(const CQuaternionf&) const = default;
 
  private:
   float w_ = 1.0f, x_ = 0.0f, y_ = 0.0f, z_ = 0.0f;
@@ -101,13 +71,7 @@ class CMatrix3f {
     for (int r = 0; r < 3; ++r)
       for (int c = 0; c < 3; ++c) cells_[r][c] = r == c ? 1.0f : 0.0f;
   }
-  const float* Get() const { return &cells_[0][0]; }
-  bool operator==(const CMatrix3f& o) const {
-    for (int r = 0; r < 3; ++r)
-      for (int c = 0; c < 3; ++c)
-        if (cells_[r][c] != o.cells_[r][c]) return false;
-    return true;
-  }
+  bool operator==(const CMatrix3f&) const = default;
 
  private:
   float cells_[3][3];
@@ -132,12 +96,7 @@ class CMatrix4f {
   }
   const float* Get() const { return &cells_[0][0]; }
   float* Get() { return &cells_[0][0]; }
-  bool operator==(const CMatrix4f& o) const {
-    for (int r = 0; r < 4; ++r)
-      for (int c = 0; c < 4; ++c)
-        if (cells_[r][c] != o.cells_[r][c]) return false;
-    return true;
-  }
+  bool operator==(const CMatrix4f&) const = default;
 
  private:
   float cells_[4][4];
@@ -147,15 +106,7 @@ class CColor4f {
  public:
   CColor4f() = default;
   CColor4f(float r, float g, float b, float a) : r_(r), g_(g), b_(b), a_(a) {}
-  void Set(float r, float g, float b, float a) {
-    r_ = r;
-    g_ = g;
-    b_ = b;
-    a_ = a;
-  }
-  bool operator==(const CColor4f& o) const {
-    return r_ == o.r_ && g_ == o.g_ && b_ == o.b_ && a_ == o.a_;
-  }
+  bool operator==(const CColor4f&) const = default;
 
  private:
   float r_ = 0.0f, g_ = 0.0f, b_ = 0.0f, a_ = 0.0f;
@@ -166,7 +117,7 @@ class CRotationf {
  public:
   CRotationf() = default;
   explicit CRotationf(const CQuaternionf& q) : q_(q) {}
-  bool operator==(const CRotationf& o) const { return q_ == o.q_; }
+  bool operator==(const CRotationf&) const = default;
 
  private:
   CQuaternionf q_;
@@ -195,10 +146,7 @@ class CShape {
   CShape(siICEShapeType type, float p0 = 0.0f, float p1 = 0.0f, float p2 = 0.0f)
       : type_(type), params_{p0, p1, p2} {}
   siICEShapeType GetType() const { return static_cast<siICEShapeType>(type_); }
-  bool operator==(const CShape& o) const {
-    return type_ == o.type_ && params_[0] == o.params_[0] && params_[1] == o.params_[1] &&
-           params_[2] == o.params_[2];
-  }
+  bool operator==(const CShape&) const = default;
 
  private:
   std::int32_t type_ = siICEShapePoint;

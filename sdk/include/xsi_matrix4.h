@@ -23,26 +23,14 @@ class CMatrix4 {
                 double m32, double m33);
   double GetValue(short row, short col) const { return v_[row][col]; }
   void SetValue(short row, short col, double value) { v_[row][col] = value; }
-  double Get(short row, short col) const { return v_[row][col]; }
   CMatrix4& SetIdentity();
 
-  /// this = a × b (apply a, then b).
-  CMatrix4& Mul(const CMatrix4& a, const CMatrix4& b);
-  /// this = this × m.
+  /// this = this × m (apply this, then m).
   CMatrix4& MulInPlace(const CMatrix4& m);
-  CMatrix4& Transpose(const CMatrix4& m);
-  CMatrix4& TransposeInPlace();
-  /// General inverse; returns false and leaves this unchanged when `m` is singular.
+  /// Inverts `m` into this; returns false and leaves this unchanged when `m` is singular.
   bool Invert(const CMatrix4& m);
-  bool InvertInPlace();
-  double GetDeterminant() const;
   /// Upper-left 3×3 block.
   void GetMatrix3(CMatrix3& out) const;
-
-  bool EpsilonEquals(const CMatrix4& m, double epsilon) const;
-  bool Equals(const CMatrix4& m) const;
-  bool operator==(const CMatrix4& m) const { return Equals(m); }
-  bool operator!=(const CMatrix4& m) const { return !Equals(m); }
 
  private:
   double v_[4][4];

@@ -27,8 +27,6 @@ class NurbsCurve : public SIObject {
   CStatus EvaluatePositionFromPercentage(double percentage, MATH::CVector3& position,
                                          MATH::CVector3& tangent, MATH::CVector3& normal,
                                          MATH::CVector3& binormal) const;
-  CStatus GetLength(double& length) const;
-  bool IsClosed() const;
 };
 
 }  // namespace XSI

@@ -22,7 +22,6 @@ class CPlainArray {
   T* GetArray() { return items_.data(); }
   const T& operator[](LONG index) const { return items_[index]; }
   T& operator[](LONG index) { return items_[index]; }
-  bool operator==(const CPlainArray& other) const { return items_ == other.items_; }
 
  private:
   std::vector<T> items_;

@@ -40,9 +40,7 @@ class CRefArray {
   LONG GetCount() const { return static_cast<LONG>(refs_.size()); }
   void Add(const CRef& ref) { refs_.push_back(ref); }
   CStatus Remove(const CRef& ref);
-  void Clear() { refs_.clear(); }
   const CRef& operator[](LONG index) const { return refs_[index]; }
-  CRef& operator[](LONG index) { return refs_[index]; }
 
  private:
   std::vector<CRef> refs_;

@@ -12,12 +12,10 @@ class Selection : public CBase {
 
   /// Appends `item` unless it is already selected; fails for an invalid reference.
   CStatus Add(const CRef& item);
-  CStatus Remove(const CRef& item);
   CStatus Clear();
   LONG GetCount() const;
   CRef GetItem(LONG index) const;
   CRef operator[](LONG index) const { return GetItem(index); }
-  CRefArray GetArray() const;
 };
 
 }  // namespace XSI

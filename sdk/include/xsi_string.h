@@ -11,19 +11,12 @@ class CValue;
 
 class CString {
  public:
-  typedef wchar_t CharType;
-
   CString() = default;
   CString(const wchar_t* text);
   CString(const wchar_t* text, ULONG length);
   CString(const char* text);
   explicit CString(const CValue& value);
-  CString(const CString&) = default;
-  CString(CString&&) noexcept = default;
-  ~CString() = default;
 
-  CString& operator=(const CString&) = default;
-  CString& operator=(CString&&) noexcept = default;
   CString& operator=(const wchar_t* text);
   CString& operator=(const char* text);
 
@@ -33,16 +26,12 @@ class CString {
   CString& operator+=(const CString& other);
   CString& operator+=(const wchar_t* text);
   CString& operator+=(const char* text);
-  CString& operator+=(wchar_t c);
 
   bool operator==(const CString& other) const { return text_ == other.text_; }
   bool operator!=(const CString& other) const { return text_ != other.text_; }
-  bool operator<(const CString& other) const { return text_ < other.text_; }
-  wchar_t operator[](ULONG index) const { return text_[index]; }
 
   bool IsEmpty() const { return text_.empty(); }
   ULONG Length() const { return static_cast<ULONG>(text_.size()); }
-  void Clear() { text_.clear(); }
   // Lower-cases the string in place (characters of the 8-bit range).
   CString& Lower();
   // Position of `sub` at or after `start`, or ULONG_MAX (all ones) when absent.

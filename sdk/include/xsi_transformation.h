@@ -26,46 +26,29 @@ class CTransformation {
   /// Takes the matrix as it is (rows 0 to 2 axes, row 3 translation; column 3 is ignored).
   CTransformation& SetMatrix4(const CMatrix4& m);
   CMatrix4 GetMatrix4() const { return matrix_; }
-  void GetMatrix4(CMatrix4& out) const { out = matrix_; }
 
   CTransformation& SetScaling(const CVector3& s);
-  CTransformation& SetScalingFromValues(double x, double y, double z);
   CVector3 GetScaling() const;
-  void GetScaling(CVector3& out) const { out = GetScaling(); }
   double GetSclX() const { return GetScaling().GetX(); }
   double GetSclY() const { return GetScaling().GetY(); }
   double GetSclZ() const { return GetScaling().GetZ(); }
 
   CTransformation& SetRotation(const CRotation& r);
-  CTransformation& SetRotationFromXYZAnglesValues(double x, double y, double z,
-                                                  siRotationOrder order = siXYZ);
-  CRotation GetRotation() const;
-  void GetRotation(CRotation& out) const { out = GetRotation(); }
   /// Euler angles (radians, order XYZ) of the rotation.
   CVector3 GetRotationXYZAngles() const;
-  void GetRotationXYZAngles(CVector3& out) const { out = GetRotationXYZAngles(); }
   /// The pure rotation part as an orthonormal matrix (scaling removed).
   CMatrix3 GetRotationMatrix3() const;
-  void GetRotationMatrix3(CMatrix3& out) const { out = GetRotationMatrix3(); }
 
   CTransformation& SetTranslation(const CVector3& t);
   CTransformation& SetTranslationFromValues(double x, double y, double z);
   CVector3 GetTranslation() const;
-  void GetTranslation(CVector3& out) const { out = GetTranslation(); }
   double GetPosX() const { return matrix_.GetValue(3, 0); }
   double GetPosY() const { return matrix_.GetValue(3, 1); }
   double GetPosZ() const { return matrix_.GetValue(3, 2); }
 
-  /// this = a then b (row vectors: point × a × b). A child's global transform is
-  /// Mul(local, parentGlobal).
-  CTransformation& Mul(const CTransformation& a, const CTransformation& b);
-  /// this = this then t.
+  /// this = this then t (row vectors: point × this × t). A child's global transform is its
+  /// local one, then its parent's global one.
   CTransformation& MulInPlace(const CTransformation& t);
-  /// Inverse; returns false and leaves this unchanged when the transform is singular.
-  bool InvertInPlace();
-  bool Invert(const CTransformation& t);
-
-  bool EpsilonEquals(const CTransformation& t, double epsilon) const;
 
  private:
   void Compose(const CVector3& s, const CMatrix3& r, const CVector3& t);

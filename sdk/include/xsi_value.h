@@ -50,13 +50,9 @@ class CValue {
   CValue(const MATH::CMatrix4f& v) : type_(siMatrix4f), matrix_(v) {}
   CValue(siPtrType v) : type_(siPtr), ptr_(v) {}
   CValue(const CValueArray& v);
-  CValue(const CValue& other);
-  CValue& operator=(const CValue& other);
-  ~CValue();
 
   DataType GetType() const { return type_; }
   bool IsEmpty() const { return type_ == siEmpty; }
-  void Clear() { *this = CValue(); }
 
   // Conversions; a value that does not convert gives 0, false, empty.
   operator LONG() const;
@@ -83,7 +79,8 @@ class CValue {
   MATH::CVector3f vector_;
   MATH::CMatrix4f matrix_;
   siPtrType ptr_ = nullptr;
-  std::unique_ptr<CValueArray> array_;
+  // Never changed once made, so copies of the value share it.
+  std::shared_ptr<const CValueArray> array_;
 };
 
 class CValueArray {
@@ -92,8 +89,6 @@ class CValueArray {
   explicit CValueArray(LONG size) : items_(size > 0 ? size : 0) {}
   LONG GetCount() const { return static_cast<LONG>(items_.size()); }
   void Add(const CValue& value) { items_.push_back(value); }
-  void Resize(LONG size) { items_.resize(size > 0 ? size : 0); }
-  void Clear() { items_.clear(); }
   CValue& operator[](LONG index) { return items_[index]; }
   const CValue& operator[](LONG index) const { return items_[index]; }
   bool operator==(const CValueArray& o) const { return items_ == o.items_; }

@@ -11,10 +11,8 @@
 namespace XSI {
 namespace MATH {
 
-class CMatrix3;
 class CMatrix4;
 class CTransformation;
-class CRotation;
 
 class CVector3 {
  public:
@@ -29,10 +27,8 @@ class CVector3 {
   CVector3& Set(double x, double y, double z);
   /// Component by index 0, 1 or 2; any other index reads z.
   double operator[](short index) const;
-  double& operator[](short index);
 
   double GetLength() const;
-  double GetLengthSquared() const;
   /// Scales the vector to unit length; a zero (or non-finite) vector is left as it is and the
   /// call reports CStatus::Fail.
   CStatus NormalizeInPlace();
@@ -42,37 +38,19 @@ class CVector3 {
   /// Angle between this vector and `v` in radians, in [0, π]; 0 when either is zero.
   double GetAngle(const CVector3& v) const;
 
-  CVector3& Add(const CVector3& a, const CVector3& b);
   CVector3& AddInPlace(const CVector3& v);
+  /// this = a − b.
   CVector3& Sub(const CVector3& a, const CVector3& b);
-  CVector3& SubInPlace(const CVector3& v);
-  CVector3& Scale(double s, const CVector3& v);
   CVector3& ScaleInPlace(double s);
-  CVector3& Negate(const CVector3& v);
   CVector3& NegateInPlace();
   /// Linear interpolation: this = a + t (b − a).
   CVector3& LinearlyInterpolate(const CVector3& a, const CVector3& b, double t);
 
   /// Treats the vector as a point: this = v × T (scaling, rotation, then translation).
   CVector3& MulByTransformation(const CVector3& v, const CTransformation& t);
-  CVector3& MulByTransformationInPlace(const CTransformation& t);
-  /// Row vector times a 3×3 matrix.
-  CVector3& MulByMatrix3(const CVector3& v, const CMatrix3& m);
   /// Treats the vector as the point (x, y, z, 1) times a 4×4 matrix; the w of the result is
   /// dropped (the matrices of this system are affine).
   CVector3& MulByMatrix4(const CVector3& v, const CMatrix4& m);
-  CVector3& MulByRotation(const CVector3& v, const CRotation& r);
-  CVector3& MulByRotationInPlace(const CRotation& r);
-
-  /// Component-wise comparison within `epsilon`.
-  bool EpsilonEquals(const CVector3& v, double epsilon) const;
-  bool Equals(const CVector3& v) const;
-  bool operator==(const CVector3& v) const { return Equals(v); }
-  bool operator!=(const CVector3& v) const { return !Equals(v); }
-
-  CVector3& operator+=(const CVector3& v) { return AddInPlace(v); }
-  CVector3& operator-=(const CVector3& v) { return SubInPlace(v); }
-  CVector3& operator*=(double s) { return ScaleInPlace(s); }
 
  private:
   double x_ = 0.0;

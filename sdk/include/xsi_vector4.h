@@ -18,23 +18,6 @@ class CVector4 {
   double GetY() const { return y_; }
   double GetZ() const { return z_; }
   double GetW() const { return w_; }
-  void Get(double& x, double& y, double& z, double& w) const {
-    x = x_;
-    y = y_;
-    z = z_;
-    w = w_;
-  }
-  CVector4& Set(double x, double y, double z, double w) {
-    x_ = x;
-    y_ = y;
-    z_ = z;
-    w_ = w;
-    return *this;
-  }
-  bool operator==(const CVector4& v) const {
-    return x_ == v.x_ && y_ == v.y_ && z_ == v.z_ && w_ == v.w_;
-  }
-  bool operator!=(const CVector4& v) const { return !(*this == v); }
 
  private:
   double x_ = 0.0;

@@ -13,7 +13,6 @@ template <class V>
 class CVectorArrayOf {
  public:
   CVectorArrayOf() = default;
-  explicit CVectorArrayOf(LONG count) { Resize(count); }
 
   LONG GetCount() const { return static_cast<LONG>(items_.size()); }
   /// Grows or shrinks to `count` entries; new entries are zero vectors. A negative count is
@@ -34,9 +33,6 @@ class CVectorArrayOf {
   }
   const V& operator[](LONG index) const { return items_[static_cast<size_t>(index)]; }
   V& operator[](LONG index) { return items_[static_cast<size_t>(index)]; }
-  /// The vectors as one contiguous block; null when the array is empty.
-  const V* GetArray() const { return items_.empty() ? nullptr : items_.data(); }
-  bool operator==(const CVectorArrayOf& other) const { return items_ == other.items_; }
 
  private:
   std::vector<V> items_;

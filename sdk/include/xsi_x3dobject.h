@@ -38,8 +38,6 @@ class X3DObject : public SceneItem {
 
   Primitive GetActivePrimitive() const;
   Kinematics GetKinematics() const;
-  /// The model the object belongs to (the scene root for top-level objects).
-  CRef GetModel() const;
 };
 
 }  // namespace XSI

@@ -1,5 +1,7 @@
 #include <xsi_base.h>
 
+#include <algorithm>
+
 #include <xsihost/object.h>
 
 namespace XSI {
@@ -32,13 +34,10 @@ CString CRef::GetAsText() const {
 }
 
 CStatus CRefArray::Remove(const CRef& ref) {
-  for (auto it = refs_.begin(); it != refs_.end(); ++it) {
-    if (*it == ref) {
-      refs_.erase(it);
-      return CStatus::OK;
-    }
-  }
-  return CStatus::Fail;
+  const auto it = std::find(refs_.begin(), refs_.end(), ref);
+  if (it == refs_.end()) return CStatus::Fail;
+  refs_.erase(it);
+  return CStatus::OK;
 }
 
 }  // namespace XSI

@@ -43,31 +43,6 @@ CStatus ArgumentArray::Add(const CString& name, const CValue& value) {
   return CStatus::OK;
 }
 
-LONG ArgumentArray::GetCount() const {
-  const auto c = as<CommandObject>(ref_);
-  return c ? static_cast<LONG>(c->arguments_.size()) : 0;
-}
-
-Argument ArgumentArray::GetItem(LONG index) const {
-  const auto c = as<CommandObject>(ref_);
-  if (!c || index < 0 || static_cast<std::size_t>(index) >= c->arguments_.size()) return Argument();
-  return Argument(CRef(std::make_shared<ArgumentObject>(c, static_cast<std::size_t>(index))));
-}
-
-Argument ArgumentArray::GetItem(const CString& name) const {
-  const auto c = as<CommandObject>(ref_);
-  if (!c) return Argument();
-  for (std::size_t i = 0; i < c->arguments_.size(); ++i)
-    if (c->arguments_[i].name == name.Wide())
-      return Argument(CRef(std::make_shared<ArgumentObject>(c, i)));
-  return Argument();
-}
-
 Argument::Argument(const CRef& ref) : SIObject(as<ArgumentObject>(ref) ? ref : CRef()) {}
-
-CValue Argument::GetValue() const {
-  const auto a = as<ArgumentObject>(ref_);
-  return a ? a->command_->arguments_[a->index_].value : CValue();
-}
 
 }  // namespace XSI

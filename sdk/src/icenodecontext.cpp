@@ -109,10 +109,11 @@ bool matchingOutput(const EvalFrame* frame, siICENodeDataType type, bool array) 
 
 }  // namespace
 
-CStatus ICENodeContext::AcquireInputDataArray(CBaseDataArray& a, ULONG portID, ULONG instance) {
+CStatus ICENodeContext::AcquireInput(CDataArrayState& a, ULONG portID, ULONG instance,
+                                     bool twoDimensional) {
   a.context_ = this;
   a.output_ = false;
-  const PortValues* values = matchingInput(frame_, portID, instance, a.type_, false);
+  const PortValues* values = matchingInput(frame_, portID, instance, a.type_, twoDimensional);
   if (!values) return CStatus::Fail;
   a.buffer_ = const_cast<PortValues*>(values);
   a.data_ = const_cast<std::byte*>(values->flat.data());
@@ -121,14 +122,32 @@ CStatus ICENodeContext::AcquireInputDataArray(CBaseDataArray& a, ULONG portID, U
   return CStatus::OK;
 }
 
-CStatus ICENodeContext::CopyFromInputDataArray(CBaseDataArray& a, ULONG portID, ULONG instance) {
-  const CStatus status = AcquireInputDataArray(a, portID, instance);
+CStatus ICENodeContext::CopyInput(CDataArrayState& a, ULONG portID, ULONG instance,
+                                  bool twoDimensional) {
+  const CStatus status = AcquireInput(a, portID, instance, twoDimensional);
   if (status != CStatus::OK) return status;
   // The copy lives as long as the evaluation frame, like the host's own buffers.
   frame_->copies.push_back(std::make_unique<PortValues>(*static_cast<PortValues*>(a.buffer_)));
   a.buffer_ = frame_->copies.back().get();
   a.data_ = frame_->copies.back()->flat.data();
   return CStatus::OK;
+}
+
+CStatus ICENodeContext::AcquireInputDataArray(CBaseDataArray& a, ULONG portID, ULONG instance) {
+  return AcquireInput(a, portID, instance, false);
+}
+
+CStatus ICENodeContext::CopyFromInputDataArray(CBaseDataArray& a, ULONG portID, ULONG instance) {
+  return CopyInput(a, portID, instance, false);
+}
+
+CStatus ICENodeContext::AcquireInputDataArray2D(CBaseDataArray2D& a, ULONG portID, ULONG instance) {
+  return AcquireInput(a, portID, instance, true);
+}
+
+CStatus ICENodeContext::CopyFromInputDataArray2D(CBaseDataArray2D& a, ULONG portID,
+                                                 ULONG instance) {
+  return CopyInput(a, portID, instance, true);
 }
 
 CStatus ICENodeContext::AcquireOutputDataArray(CBaseDataArray& a, OutputWrites writes) {
@@ -146,26 +165,6 @@ CStatus ICENodeContext::AcquireOutputDataArray(CBaseDataArray& a, OutputWrites w
   return CStatus::OK;
 }
 
-CStatus ICENodeContext::AcquireInputDataArray2D(CBaseDataArray2D& a, ULONG portID, ULONG instance) {
-  a.context_ = this;
-  a.output_ = false;
-  const PortValues* values = matchingInput(frame_, portID, instance, a.type_, true);
-  if (!values) return CStatus::Fail;
-  a.buffer_ = const_cast<PortValues*>(values);
-  a.count_ = values->count;
-  a.constant_ = values->constant;
-  return CStatus::OK;
-}
-
-CStatus ICENodeContext::CopyFromInputDataArray2D(CBaseDataArray2D& a, ULONG portID,
-                                                 ULONG instance) {
-  const CStatus status = AcquireInputDataArray2D(a, portID, instance);
-  if (status != CStatus::OK) return status;
-  frame_->copies.push_back(std::make_unique<PortValues>(*static_cast<PortValues*>(a.buffer_)));
-  a.buffer_ = frame_->copies.back().get();
-  return CStatus::OK;
-}
-
 CStatus ICENodeContext::AcquireOutputDataArray2D(CBaseDataArray2D& a) {
   a.context_ = this;
   a.output_ = true;
@@ -175,16 +174,10 @@ CStatus ICENodeContext::AcquireOutputDataArray2D(CBaseDataArray2D& a) {
   return CStatus::OK;
 }
 
-CStatus ICENodeContext::ReleaseDataArray(CBaseDataArray& a) {
+CStatus ICENodeContext::ReleaseDataArray(CDataArrayState& a) {
   a.context_ = nullptr;
   a.buffer_ = nullptr;
   a.data_ = nullptr;
-  a.count_ = 0;
-  return CStatus::OK;
-}
-CStatus ICENodeContext::ReleaseDataArray(CBaseDataArray2D& a) {
-  a.context_ = nullptr;
-  a.buffer_ = nullptr;
   a.count_ = 0;
   return CStatus::OK;
 }

@@ -84,32 +84,33 @@ CStatus ICENodeDef::AddOutputPort(ULONG portID, ULONG dataTypes, ULONG structure
   return CStatus::OK;
 }
 
-CStatus PluginRegistrar::PutAuthor(const CString& author) {
-  if (!record_) return CStatus::Fail;
-  record_->author = author.Wide();
-  record_->calls.push_back(L"author");
+namespace {
+
+// Sets one identity text of the plug-in and records the call that set it.
+CStatus putIdentity(xsihost::PluginRecord* record, std::wstring xsihost::PluginRecord::*field,
+                    const CString& value, const wchar_t* call) {
+  if (!record) return CStatus::Fail;
+  record->*field = value.Wide();
+  record->calls.push_back(call);
   return CStatus::OK;
 }
+
+}  // namespace
+
+CStatus PluginRegistrar::PutAuthor(const CString& author) {
+  return putIdentity(record_, &xsihost::PluginRecord::author, author, L"author");
+}
 CStatus PluginRegistrar::PutName(const CString& name) {
-  if (!record_) return CStatus::Fail;
-  record_->name = name.Wide();
-  record_->calls.push_back(L"name");
-  return CStatus::OK;
+  return putIdentity(record_, &xsihost::PluginRecord::name, name, L"name");
 }
 CString PluginRegistrar::GetName() const {
   return record_ ? CString(record_->name.c_str()) : CString();
 }
 CStatus PluginRegistrar::PutEmail(const CString& email) {
-  if (!record_) return CStatus::Fail;
-  record_->email = email.Wide();
-  record_->calls.push_back(L"email");
-  return CStatus::OK;
+  return putIdentity(record_, &xsihost::PluginRecord::email, email, L"email");
 }
 CStatus PluginRegistrar::PutURL(const CString& url) {
-  if (!record_) return CStatus::Fail;
-  record_->url = url.Wide();
-  record_->calls.push_back(L"url");
-  return CStatus::OK;
+  return putIdentity(record_, &xsihost::PluginRecord::url, url, L"url");
 }
 CStatus PluginRegistrar::PutVersion(LONG major, LONG minor) {
   if (!record_) return CStatus::Fail;

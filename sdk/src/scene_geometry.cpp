@@ -191,7 +191,6 @@ PointLocatorData Geometry::GetRaycastIntersections(LONG count, const double* pos
   std::vector<CVector3> points;
   for (const auto& p : mesh.points)
     points.push_back(MATH::MapObjectPositionToWorldSpace(locatorTransform_, toVector(p)));
-  out.valid_ = true;
   out.triangles_.assign(static_cast<std::size_t>(count), -1);
   out.weights_.assign(static_cast<std::size_t>(count) * 3, 0.0);
   for (LONG r = 0; r < count; ++r) {
@@ -293,11 +292,6 @@ siICENodeContextType ICEAttribute::GetContextType() const {
   return siICENodeContextAny;
 }
 
-bool ICEAttribute::IsConstant() const {
-  const AttributeData* a = attributeData(ref_);
-  return a && a->context == AttributeData::Context::Singleton;
-}
-
 CStatus ICEAttribute::GetDataArray(CBaseICEAttributeDataArray& data) const {
   const AttributeData* a = attributeData(ref_);
   if (!a) return CStatus::Fail;
@@ -389,13 +383,6 @@ CStatus Flatten(const Rows& rows, CPlainArray<T>& out) {
 }
 }  // namespace
 
-LONG CGeometryAccessor::GetPolygonCount() const {
-  return mesh_ ? static_cast<LONG>(meshOf(mesh_)->owner_->mesh_->polygons.size()) : 0;
-}
-LONG CGeometryAccessor::GetPolygonNodeCount() const {
-  return mesh_ ? static_cast<LONG>(meshOf(mesh_)->owner_->meshDerived_->nodeNormals.size()) : 0;
-}
-
 CStatus CGeometryAccessor::GetVertexPositions(CDoubleArray& positions) const {
   if (!mesh_) return CStatus::Fail;
   return Flatten(meshOf(mesh_)->owner_->mesh_->points, positions);
@@ -472,18 +459,6 @@ CStatus NurbsCurve::EvaluatePositionFromPercentage(double percentage, CVector3& 
                                                    CVector3& tangent, CVector3& normal,
                                                    CVector3& binormal) const {
   return sample(ref_, 2, percentage, position, tangent, normal, binormal);
-}
-
-CStatus NurbsCurve::GetLength(double& length) const {
-  const auto c = as<xsihost::CurveObject>(ref_);
-  if (!c) return CStatus::Fail;
-  length = c->Curve().Length();
-  return CStatus::OK;
-}
-
-bool NurbsCurve::IsClosed() const {
-  const auto c = as<xsihost::CurveObject>(ref_);
-  return c && c->Curve().Data().closed;
 }
 
 }  // namespace XSI

@@ -6,6 +6,7 @@
 #include <xsi_transformation.h>
 #include <xsi_vector3.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace XSI {
@@ -28,11 +29,7 @@ CVector3& CVector3::Set(double x, double y, double z) {
 
 double CVector3::operator[](short index) const { return index == 0 ? x_ : index == 1 ? y_ : z_; }
 
-double& CVector3::operator[](short index) { return index == 0 ? x_ : index == 1 ? y_ : z_; }
-
-double CVector3::GetLengthSquared() const { return x_ * x_ + y_ * y_ + z_ * z_; }
-
-double CVector3::GetLength() const { return std::sqrt(GetLengthSquared()); }
+double CVector3::GetLength() const { return std::sqrt(x_ * x_ + y_ * y_ + z_ * z_); }
 
 CStatus CVector3::NormalizeInPlace() {
   const double length = GetLength();
@@ -60,18 +57,12 @@ double CVector3::GetAngle(const CVector3& v) const {
   return std::atan2(sine, cosine);
 }
 
-CVector3& CVector3::Add(const CVector3& a, const CVector3& b) {
-  return Set(a.x_ + b.x_, a.y_ + b.y_, a.z_ + b.z_);
-}
-CVector3& CVector3::AddInPlace(const CVector3& v) { return Add(*this, v); }
+CVector3& CVector3::AddInPlace(const CVector3& v) { return Set(x_ + v.x_, y_ + v.y_, z_ + v.z_); }
 CVector3& CVector3::Sub(const CVector3& a, const CVector3& b) {
   return Set(a.x_ - b.x_, a.y_ - b.y_, a.z_ - b.z_);
 }
-CVector3& CVector3::SubInPlace(const CVector3& v) { return Sub(*this, v); }
-CVector3& CVector3::Scale(double s, const CVector3& v) { return Set(s * v.x_, s * v.y_, s * v.z_); }
-CVector3& CVector3::ScaleInPlace(double s) { return Scale(s, *this); }
-CVector3& CVector3::Negate(const CVector3& v) { return Set(-v.x_, -v.y_, -v.z_); }
-CVector3& CVector3::NegateInPlace() { return Negate(*this); }
+CVector3& CVector3::ScaleInPlace(double s) { return Set(s * x_, s * y_, s * z_); }
+CVector3& CVector3::NegateInPlace() { return Set(-x_, -y_, -z_); }
 
 CVector3& CVector3::LinearlyInterpolate(const CVector3& a, const CVector3& b, double t) {
   return Set(a.x_ + t * (b.x_ - a.x_), a.y_ + t * (b.y_ - a.y_), a.z_ + t * (b.z_ - a.z_));
@@ -80,35 +71,12 @@ CVector3& CVector3::LinearlyInterpolate(const CVector3& a, const CVector3& b, do
 CVector3& CVector3::MulByTransformation(const CVector3& v, const CTransformation& t) {
   return MulByMatrix4(v, t.GetMatrix4());
 }
-CVector3& CVector3::MulByTransformationInPlace(const CTransformation& t) {
-  return MulByTransformation(*this, t);
-}
-
-CVector3& CVector3::MulByMatrix3(const CVector3& v, const CMatrix3& m) {
-  const double x = v.x_, y = v.y_, z = v.z_;
-  return Set(x * m.GetValue(0, 0) + y * m.GetValue(1, 0) + z * m.GetValue(2, 0),
-             x * m.GetValue(0, 1) + y * m.GetValue(1, 1) + z * m.GetValue(2, 1),
-             x * m.GetValue(0, 2) + y * m.GetValue(1, 2) + z * m.GetValue(2, 2));
-}
-
 CVector3& CVector3::MulByMatrix4(const CVector3& v, const CMatrix4& m) {
   const double x = v.x_, y = v.y_, z = v.z_;
   return Set(x * m.GetValue(0, 0) + y * m.GetValue(1, 0) + z * m.GetValue(2, 0) + m.GetValue(3, 0),
              x * m.GetValue(0, 1) + y * m.GetValue(1, 1) + z * m.GetValue(2, 1) + m.GetValue(3, 1),
              x * m.GetValue(0, 2) + y * m.GetValue(1, 2) + z * m.GetValue(2, 2) + m.GetValue(3, 2));
 }
-
-CVector3& CVector3::MulByRotation(const CVector3& v, const CRotation& r) {
-  return MulByMatrix3(v, r.GetMatrix());
-}
-CVector3& CVector3::MulByRotationInPlace(const CRotation& r) { return MulByRotation(*this, r); }
-
-bool CVector3::EpsilonEquals(const CVector3& v, double epsilon) const {
-  return std::fabs(x_ - v.x_) <= epsilon && std::fabs(y_ - v.y_) <= epsilon &&
-         std::fabs(z_ - v.z_) <= epsilon;
-}
-
-bool CVector3::Equals(const CVector3& v) const { return x_ == v.x_ && y_ == v.y_ && z_ == v.z_; }
 
 // ---- the cells of CMatrix3 and CMatrix4 ---------------------------------------------------
 
@@ -129,20 +97,11 @@ void MultiplyCells(const double (&a)[N][N], const double (&b)[N][N], double (&ou
     for (int j = 0; j < N; ++j) out[i][j] = r[i][j];
 }
 
-// Whether every cell of `a` lies within `epsilon` of the cell of `b`; false for a NaN.
-template <int N>
-bool CellsWithin(const double (&a)[N][N], const double (&b)[N][N], double epsilon) {
-  for (int i = 0; i < N; ++i)
-    for (int j = 0; j < N; ++j)
-      if (!(std::fabs(a[i][j] - b[i][j]) <= epsilon)) return false;
-  return true;
-}
-
 }  // namespace
 
 // ---- CMatrix3 -----------------------------------------------------------------------------
 
-CMatrix3::CMatrix3() { SetIdentity(); }
+CMatrix3::CMatrix3() { Set(1, 0, 0, 0, 1, 0, 0, 0, 1); }
 
 CMatrix3::CMatrix3(double m00, double m01, double m02, double m10, double m11, double m12,
                    double m20, double m21, double m22) {
@@ -157,60 +116,16 @@ CMatrix3& CMatrix3::Set(double m00, double m01, double m02, double m10, double m
   return *this;
 }
 
-void CMatrix3::Get(double& m00, double& m01, double& m02, double& m10, double& m11, double& m12,
-                   double& m20, double& m21, double& m22) const {
-  m00 = v_[0][0], m01 = v_[0][1], m02 = v_[0][2];
-  m10 = v_[1][0], m11 = v_[1][1], m12 = v_[1][2];
-  m20 = v_[2][0], m21 = v_[2][1], m22 = v_[2][2];
-}
-
-CMatrix3& CMatrix3::SetIdentity() { return Set(1, 0, 0, 0, 1, 0, 0, 0, 1); }
-
-CMatrix3& CMatrix3::Mul(const CMatrix3& a, const CMatrix3& b) {
-  MultiplyCells(a.v_, b.v_, v_);
+CMatrix3& CMatrix3::MulInPlace(const CMatrix3& m) {
+  MultiplyCells(v_, m.v_, v_);
   return *this;
 }
-
-CMatrix3& CMatrix3::MulInPlace(const CMatrix3& m) { return Mul(*this, m); }
-
-CMatrix3& CMatrix3::Transpose(const CMatrix3& m) {
-  const CMatrix3 copy = m;
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) v_[i][j] = copy.v_[j][i];
-  return *this;
-}
-
-CMatrix3& CMatrix3::TransposeInPlace() { return Transpose(*this); }
 
 double CMatrix3::GetDeterminant() const {
   return v_[0][0] * (v_[1][1] * v_[2][2] - v_[1][2] * v_[2][1]) -
          v_[0][1] * (v_[1][0] * v_[2][2] - v_[1][2] * v_[2][0]) +
          v_[0][2] * (v_[1][0] * v_[2][1] - v_[1][1] * v_[2][0]);
 }
-
-bool CMatrix3::Invert(const CMatrix3& m) {
-  const double det = m.GetDeterminant();
-  if (det == 0.0 || !std::isfinite(det)) return false;
-  const auto& v = m.v_;
-  const double inv = 1.0 / det;
-  Set((v[1][1] * v[2][2] - v[1][2] * v[2][1]) * inv, (v[0][2] * v[2][1] - v[0][1] * v[2][2]) * inv,
-      (v[0][1] * v[1][2] - v[0][2] * v[1][1]) * inv, (v[1][2] * v[2][0] - v[1][0] * v[2][2]) * inv,
-      (v[0][0] * v[2][2] - v[0][2] * v[2][0]) * inv, (v[0][2] * v[1][0] - v[0][0] * v[1][2]) * inv,
-      (v[1][0] * v[2][1] - v[1][1] * v[2][0]) * inv, (v[0][1] * v[2][0] - v[0][0] * v[2][1]) * inv,
-      (v[0][0] * v[1][1] - v[0][1] * v[1][0]) * inv);
-  return true;
-}
-
-bool CMatrix3::InvertInPlace() {
-  const CMatrix3 copy = *this;
-  return Invert(copy);
-}
-
-bool CMatrix3::EpsilonEquals(const CMatrix3& m, double epsilon) const {
-  return CellsWithin(v_, m.v_, epsilon);
-}
-
-bool CMatrix3::Equals(const CMatrix3& m) const { return EpsilonEquals(m, 0.0); }
 
 // ---- CMatrix4 -----------------------------------------------------------------------------
 
@@ -237,38 +152,9 @@ CMatrix4& CMatrix4::SetIdentity() {
   return *this;
 }
 
-CMatrix4& CMatrix4::Mul(const CMatrix4& a, const CMatrix4& b) {
-  MultiplyCells(a.v_, b.v_, v_);
+CMatrix4& CMatrix4::MulInPlace(const CMatrix4& m) {
+  MultiplyCells(v_, m.v_, v_);
   return *this;
-}
-
-CMatrix4& CMatrix4::MulInPlace(const CMatrix4& m) { return Mul(*this, m); }
-
-CMatrix4& CMatrix4::Transpose(const CMatrix4& m) {
-  const CMatrix4 copy = m;
-  for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j) v_[i][j] = copy.v_[j][i];
-  return *this;
-}
-
-CMatrix4& CMatrix4::TransposeInPlace() { return Transpose(*this); }
-
-double CMatrix4::GetDeterminant() const {
-  // Laplace expansion along the first row over 3×3 minors.
-  double det = 0.0;
-  for (int c = 0; c < 4; ++c) {
-    double minor[3][3];
-    for (int i = 1; i < 4; ++i) {
-      int k = 0;
-      for (int j = 0; j < 4; ++j) {
-        if (j != c) minor[i - 1][k++] = v_[i][j];
-      }
-    }
-    const CMatrix3 m3(minor[0][0], minor[0][1], minor[0][2], minor[1][0], minor[1][1], minor[1][2],
-                      minor[2][0], minor[2][1], minor[2][2]);
-    det += ((c % 2) ? -1.0 : 1.0) * v_[0][c] * m3.GetDeterminant();
-  }
-  return det;
 }
 
 bool CMatrix4::Invert(const CMatrix4& m) {
@@ -300,20 +186,9 @@ bool CMatrix4::Invert(const CMatrix4& m) {
   return true;
 }
 
-bool CMatrix4::InvertInPlace() {
-  const CMatrix4 copy = *this;
-  return Invert(copy);
-}
-
 void CMatrix4::GetMatrix3(CMatrix3& out) const {
   out.Set(v_[0][0], v_[0][1], v_[0][2], v_[1][0], v_[1][1], v_[1][2], v_[2][0], v_[2][1], v_[2][2]);
 }
-
-bool CMatrix4::EpsilonEquals(const CMatrix4& m, double epsilon) const {
-  return CellsWithin(v_, m.v_, epsilon);
-}
-
-bool CMatrix4::Equals(const CMatrix4& m) const { return EpsilonEquals(m, 0.0); }
 
 // ---- CRotation ----------------------------------------------------------------------------
 
@@ -337,83 +212,12 @@ constexpr int kOrderAxes[6][3] = {{0, 1, 2}, {0, 2, 1}, {1, 0, 2}, {1, 2, 0}, {2
 }  // namespace
 
 CRotation::CRotation(double x, double y, double z, siRotationOrder order) {
-  SetFromXYZAnglesValues(x, y, z, order);
-}
-
-CRotation& CRotation::SetIdentity() {
-  matrix_.SetIdentity();
-  return *this;
-}
-
-CRotation& CRotation::SetFromXYZAnglesValues(double x, double y, double z, siRotationOrder order) {
   const double angles[3] = {x, y, z};
   const int o = (order >= siXYZ && order <= siZYX) ? order : siXYZ;
-  matrix_.SetIdentity();
   for (int k = 0; k < 3; ++k) {
     const int axis = kOrderAxes[o][k];
     matrix_.MulInPlace(axisRotation(axis, angles[axis]));
   }
-  return *this;
-}
-
-CVector3 CRotation::GetXYZAngles(siRotationOrder order) const {
-  // With R = Ra × Rb × Rc (a applied first), the element linking the first and the last axis
-  // is ±sin(b); the remaining angles follow from the two 2×2 corners. Derived once for the
-  // XYZ order and mapped to the others by permuting axes.
-  const int o = (order >= siXYZ && order <= siZYX) ? order : siXYZ;
-  const int a = kOrderAxes[o][0], b = kOrderAxes[o][1], c = kOrderAxes[o][2];
-  // Sign of the permutation (a, b, c): +1 for cyclic orders.
-  const double sign = ((b - a + 3) % 3 == 1) ? 1.0 : -1.0;
-  auto m = [&](int i, int j) {
-    return matrix_.GetValue(static_cast<short>(i), static_cast<short>(j));
-  };
-  double angles[3];
-  const double sb = -sign * m(a, c);
-  const double clamped = sb > 1.0 ? 1.0 : (sb < -1.0 ? -1.0 : sb);
-  angles[b] = std::asin(clamped);
-  if (std::fabs(clamped) < 1.0 - 1e-12) {
-    angles[a] = std::atan2(sign * m(b, c), m(c, c));
-    angles[c] = std::atan2(sign * m(a, b), m(a, a));
-  } else {
-    // Gimbal lock: only a combination of the first and last angles is determined; put it all
-    // on the first axis.
-    angles[c] = 0.0;
-    angles[a] = std::atan2(-sign * m(c, b), m(b, b));
-  }
-  return CVector3(angles[0], angles[1], angles[2]);
-}
-
-CRotation& CRotation::SetFromAxisAngle(const CVector3& axis, double angle) {
-  CVector3 n = axis;
-  if (!n.NormalizeInPlace().Succeeded()) return SetIdentity();
-  const double c = std::cos(angle), s = std::sin(angle), t = 1.0 - c;
-  const double x = n.GetX(), y = n.GetY(), z = n.GetZ();
-  // Column-vector Rodrigues matrix, transposed for row vectors.
-  matrix_.Set(t * x * x + c, t * x * y + s * z, t * x * z - s * y,  //
-              t * x * y - s * z, t * y * y + c, t * y * z + s * x,  //
-              t * x * z + s * y, t * y * z - s * x, t * z * z + c);
-  return *this;
-}
-
-CRotation& CRotation::SetFromMatrix(const CMatrix3& m) {
-  matrix_ = m;
-  return *this;
-}
-
-CRotation& CRotation::Mul(const CRotation& a, const CRotation& b) {
-  matrix_.Mul(a.matrix_, b.matrix_);
-  return *this;
-}
-
-CRotation& CRotation::MulInPlace(const CRotation& r) { return Mul(*this, r); }
-
-CRotation& CRotation::InvertInPlace() {
-  matrix_.TransposeInPlace();
-  return *this;
-}
-
-bool CRotation::EpsilonEquals(const CRotation& r, double epsilon) const {
-  return matrix_.EpsilonEquals(r.matrix_, epsilon);
 }
 
 // ---- CTransformation ----------------------------------------------------------------------
@@ -475,6 +279,18 @@ Decomposition decompose(const CMatrix4& m) {
   return d;
 }
 
+// Euler angles (radians, order XYZ) of a rotation matrix R = Rx × Ry × Rz: the element linking
+// the X and Z axes is −sin(y); the other two angles follow from the two 2×2 corners.
+CVector3 xyzAngles(const CMatrix3& m) {
+  const double sinY = std::clamp(-m.GetValue(0, 2), -1.0, 1.0);
+  const double y = std::asin(sinY);
+  if (std::fabs(sinY) < 1.0 - 1e-12)
+    return CVector3(std::atan2(m.GetValue(1, 2), m.GetValue(2, 2)), y,
+                    std::atan2(m.GetValue(0, 1), m.GetValue(0, 0)));
+  // Gimbal lock: only a combination of the X and Z angles is determined; put it all on X.
+  return CVector3(std::atan2(-m.GetValue(2, 1), m.GetValue(1, 1)), y, 0.0);
+}
+
 }  // namespace
 
 void CTransformation::Compose(const CVector3& s, const CMatrix3& r, const CVector3& t) {
@@ -506,10 +322,6 @@ CTransformation& CTransformation::SetScaling(const CVector3& s) {
   return *this;
 }
 
-CTransformation& CTransformation::SetScalingFromValues(double x, double y, double z) {
-  return SetScaling(CVector3(x, y, z));
-}
-
 CVector3 CTransformation::GetScaling() const { return decompose(matrix_).scaling; }
 
 CTransformation& CTransformation::SetRotation(const CRotation& r) {
@@ -518,18 +330,9 @@ CTransformation& CTransformation::SetRotation(const CRotation& r) {
   return *this;
 }
 
-CTransformation& CTransformation::SetRotationFromXYZAnglesValues(double x, double y, double z,
-                                                                 siRotationOrder order) {
-  return SetRotation(CRotation(x, y, z, order));
+CVector3 CTransformation::GetRotationXYZAngles() const {
+  return xyzAngles(decompose(matrix_).rotation);
 }
-
-CRotation CTransformation::GetRotation() const {
-  CRotation r;
-  r.SetFromMatrix(decompose(matrix_).rotation);
-  return r;
-}
-
-CVector3 CTransformation::GetRotationXYZAngles() const { return GetRotation().GetXYZAngles(); }
 
 CMatrix3 CTransformation::GetRotationMatrix3() const { return decompose(matrix_).rotation; }
 
@@ -546,27 +349,9 @@ CTransformation& CTransformation::SetTranslationFromValues(double x, double y, d
 
 CVector3 CTransformation::GetTranslation() const { return row(matrix_, 3); }
 
-CTransformation& CTransformation::Mul(const CTransformation& a, const CTransformation& b) {
-  matrix_.Mul(a.matrix_, b.matrix_);
+CTransformation& CTransformation::MulInPlace(const CTransformation& t) {
+  matrix_.MulInPlace(t.matrix_);
   return *this;
-}
-
-CTransformation& CTransformation::MulInPlace(const CTransformation& t) { return Mul(*this, t); }
-
-bool CTransformation::Invert(const CTransformation& t) {
-  CMatrix4 inverse;
-  if (!inverse.Invert(t.matrix_)) return false;
-  SetMatrix4(inverse);
-  return true;
-}
-
-bool CTransformation::InvertInPlace() {
-  const CTransformation copy = *this;
-  return Invert(copy);
-}
-
-bool CTransformation::EpsilonEquals(const CTransformation& t, double epsilon) const {
-  return matrix_.EpsilonEquals(t.matrix_, epsilon);
 }
 
 // ---- free functions -----------------------------------------------------------------------
@@ -584,15 +369,6 @@ CVector3 MapWorldPositionToObjectSpace(const CTransformation& objectTransform,
   if (!inverse.Invert(objectTransform.GetMatrix4())) return CVector3();
   CVector3 out;
   out.MulByMatrix4(position, inverse);
-  return out;
-}
-
-CVector3 MapObjectOrientationToWorldSpace(const CTransformation& objectTransform,
-                                          const CVector3& direction) {
-  CMatrix3 upper;
-  objectTransform.GetMatrix4().GetMatrix3(upper);
-  CVector3 out;
-  out.MulByMatrix3(direction, upper);
   return out;
 }
 

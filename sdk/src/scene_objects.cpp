@@ -124,14 +124,6 @@ Kinematics X3DObject::GetKinematics() const {
   return Kinematics(CRef(std::make_shared<PropertyObject>(o, PropertyObject::Kind::Kinematics)));
 }
 
-CRef X3DObject::GetModel() const {
-  const auto o = as<SceneObject>(ref_);
-  if (!o) return CRef();
-  for (auto p = o->parent_.lock(); p; p = p->parent_.lock())
-    if (p->IsModel()) return CRef(p);
-  return CRef();
-}
-
 Model::Model(const CRef& ref) {
   const auto o = as<SceneObject>(ref);
   SetObject(o && o->IsModel() ? ref : CRef());
@@ -199,14 +191,6 @@ CStatus Selection::Add(const CRef& item) {
   return CStatus::OK;
 }
 
-CStatus Selection::Remove(const CRef& item) {
-  auto& items = xsihost::Selection();
-  const auto it = std::find(items.begin(), items.end(), item);
-  if (it == items.end()) return CStatus::Fail;
-  items.erase(it);
-  return CStatus::OK;
-}
-
 CStatus Selection::Clear() {
   xsihost::Selection().clear();
   return CStatus::OK;
@@ -218,12 +202,6 @@ CRef Selection::GetItem(LONG index) const {
   const auto& items = xsihost::Selection();
   if (index < 0 || static_cast<std::size_t>(index) >= items.size()) return CRef();
   return items[static_cast<std::size_t>(index)];
-}
-
-CRefArray Selection::GetArray() const {
-  CRefArray out;
-  for (const CRef& r : xsihost::Selection()) out.Add(r);
-  return out;
 }
 
 // ---- Plugin, CUtils -----------------------------------------------------------------------

@@ -51,10 +51,6 @@ CString& CString::operator+=(const char* text) {
   text_ += widen(text);
   return *this;
 }
-CString& CString::operator+=(wchar_t c) {
-  text_.push_back(c);
-  return *this;
-}
 
 CString& CString::Lower() {
   for (wchar_t& c : text_)

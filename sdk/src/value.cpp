@@ -5,33 +5,7 @@
 
 namespace XSI {
 
-CValue::CValue(const CValueArray& v) : type_(siArray), array_(std::make_unique<CValueArray>(v)) {}
-
-CValue::CValue(const CValue& other)
-    : type_(other.type_),
-      int_(other.int_),
-      double_(other.double_),
-      string_(other.string_),
-      vector_(other.vector_),
-      matrix_(other.matrix_),
-      ptr_(other.ptr_),
-      array_(other.array_ ? std::make_unique<CValueArray>(*other.array_) : nullptr) {}
-
-CValue& CValue::operator=(const CValue& other) {
-  if (this != &other) {
-    type_ = other.type_;
-    int_ = other.int_;
-    double_ = other.double_;
-    string_ = other.string_;
-    vector_ = other.vector_;
-    matrix_ = other.matrix_;
-    ptr_ = other.ptr_;
-    array_ = other.array_ ? std::make_unique<CValueArray>(*other.array_) : nullptr;
-  }
-  return *this;
-}
-
-CValue::~CValue() = default;
+CValue::CValue(const CValueArray& v) : type_(siArray), array_(std::make_shared<CValueArray>(v)) {}
 
 namespace {
 bool isInteger(CValue::DataType t) {
